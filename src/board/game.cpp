@@ -1,0 +1,52 @@
+#include "board/game.h"
+
+#include "board/make.h"
+#include "board/reset.h"
+#include "board/zobrist.h"
+
+namespace varn {
+
+namespace {
+
+/// Codes of the first rank from the h-file to the a-file, as white has them.
+constexpr Table<Man, 8> back_rank = {
+    {kingside_rook, knight, bishop, king, queen, bishop, knight, queenside_rook}};
+
+template <Side S> void set_up_side(Game& g) {
+    for (int file = 1; file <= 8; ++file) {
+        g.cells[square_of(own_rank<S>(1), file)] = code_of(S, back_rank[file - 1]);
+        g.cells[square_of(own_rank<S>(2), file)] = code_of(S, pawn);
+    }
+    for (int rank = 1; rank <= 2; ++rank) {
+        Bitboard men = own_rank_mask<S>(rank);
+        while (men != 0) {
+            const int square = pop_first(men);
+            const Man man = man_of(g.cells[square]);
+            pieces_of<S>(g) |= bit_mask(square);
+            board_of<S>(g, man) |= bit_mask(square);
+            material_of<S>(g) += piece_values[man];
+        }
+    }
+    king_square_of<S>(g) = own_square<S>(e1);
+    castle_of<S>(g) = kingside_right | queenside_right;
+}
+
+}  // namespace
+
+std::unique_ptr<Game> new_game(bool allocate_tables) {
+    if (allocate_tables) reset_hooks.allocate_tables();
+    auto game = std::make_unique<Game>();
+    for (auto& cell : game->cells) cell = no_piece;
+    set_up_side<Side::white>(*game);
+    set_up_side<Side::black>(*game);
+    game->r90 = rotate_90(occupied(*game));
+    game->r45f = rotate_45f(occupied(*game));
+    game->r45b = rotate_45b(occupied(*game));
+    game->ep_side = -1;
+    rehash(game.get());
+    reset_draw_hash(game.get());
+    reset_hooks.game_started();
+    return game;
+}
+
+}  // namespace varn

@@ -1,0 +1,82 @@
+// The record of one whole game: the position, what is kept incrementally beside it, the moves played and the keys of
+// every position since the start. There is no hidden board state: whoever holds a `Game` holds the game, and it is copied
+// or replaced as a unit.
+#pragma once
+
+#include <memory>
+
+#include "board/bits.h"
+#include "board/types.h"
+
+namespace varn {
+
+/// Moves that a game can record. A game whose record is full is over.
+inline constexpr int max_game_moves = 1000;
+/// Keys of the game's positions and, behind them, of the deepest line a search can stand in.
+inline constexpr int draw_hash_slots = max_game_moves + 1 + ply_slots + 2;
+
+// Castling rights of one side, as kept in `w_castle` and `b_castle`.
+inline constexpr std::uint32_t kingside_right = 1;
+inline constexpr std::uint32_t queenside_right = 2;
+
+/// Both hashes of a position; the first addresses tables, the second confirms.
+struct PositionKeys {
+    std::uint64_t key;
+    std::uint64_t lock;
+    friend constexpr bool operator==(const PositionKeys&, const PositionKeys&) = default;
+};
+
+/// Invariants between any two calls of make and unmake: the side boards are the unions of the piece boards, no square is
+/// in two boards, each rotated board holds one bit per man, `cells` and the boards agree square by square, the king
+/// squares are the bits of the king boards, and `material` is the difference of the two sums.
+///
+/// The four hashes are exact relative to their own starting value, not a function of the position alone: a castling right
+/// counts from the moment it is lost, and the side to move never changes the pawn hashes.
+struct Game {
+    std::uint32_t w_castle;
+    std::uint32_t b_castle;
+    std::uint8_t turn;  // 0 white, 1 black
+    // Sums of the values of all men but the king, pawns included, in centipawns; `material` is positive when white leads.
+    std::int32_t material;
+    std::int32_t b_material;
+    std::int32_t w_material;
+    std::int32_t wking_sqr;
+    std::int32_t bking_sqr;
+    std::uint8_t fifty;  // plies since the last pawn move or capture; 100 is a draw, and it stays at 255
+
+    Bitboard w_pieces, b_pieces;  // all men of a side, king included
+    Bitboard w_bishops, b_bishops;
+    Bitboard w_knights, b_knights;
+    Bitboard w_rooks, b_rooks;  // whatever their kind
+    Bitboard w_queens, b_queens;
+    Bitboard w_pawns, b_pawns;
+    Bitboard w_king, b_king;
+
+    // All men once more, each square at the bit that the map of the same name gives, so that one shift takes out a line.
+    Bitboard r90, r45f, r45b;
+
+    Bitboard enpassant;   // the square just passed over by a double step, if an enemy pawn stands ready to capture there
+    std::int8_t ep_side;  // who may capture on it: 0 white, 1 black, -1 nobody; read only while `enpassant` isn't empty
+
+    Table<PieceCode, square_count> cells;  // the mailbox
+
+    std::uint64_t zobrist_key, zobrist_lock;
+    std::uint64_t pawn_key, pawn_lock;
+
+    Table<Move, max_game_moves> game_moves;
+    std::int32_t move_counter;
+    Table<PositionKeys, draw_hash_slots> draw_hash;
+    std::uint32_t draw_hash_count;
+};
+
+/// A game at the starting position; the search's tables and history are cleared with it, and allocated anew first where
+/// `allocate_tables` is true.
+std::unique_ptr<Game> new_game(bool allocate_tables);
+
+constexpr bool record_is_full(const Game& game) { return game.move_counter >= max_game_moves; }
+
+constexpr Side side_to_move(const Game& game) { return game.turn == 0 ? Side::white : Side::black; }
+constexpr Bitboard occupied(const Game& game) { return game.w_pieces | game.b_pieces; }
+constexpr PositionKeys keys_of(const Game& game) { return {game.zobrist_key, game.zobrist_lock}; }
+
+}  // namespace varn

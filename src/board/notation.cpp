@@ -1,0 +1,167 @@
+#include "board/notation.h"
+
+#include <cctype>
+
+#include "board/attacks.h"
+#include "board/legality.h"
+#include "board/make.h"
+#include "board/movegen.h"
+#include "board/output.h"
+#include "board/report.h"
+
+namespace varn {
+
+namespace {
+
+char lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
+
+/// The character at the index, or 0 behind the end of the text.
+char char_at(std::string_view text, std::size_t index) { return index < text.size() ? text[index] : '\0'; }
+
+/// A square from letter and digit, untested: 8-bit arithmetic, so what names no square mostly comes out above 63.
+std::uint8_t raw_square(char letter, char digit) {
+    return static_cast<std::uint8_t>((digit - '1') * 8 + ('h' - lower(letter)));
+}
+
+int code_on(const Game& g, int square) { return square < square_count ? g.cells[square] : no_piece; }
+
+/// The kind of a promotion by its letter, for the side to move; a kind that fits no move for any other letter.
+std::uint8_t promotion_kind(char letter, Side side) {
+    switch (lower(letter)) {
+        case 'q': return static_cast<std::uint8_t>(code_of(side, queen));
+        case 'r': return static_cast<std::uint8_t>(code_of(side, plain_rook));
+        case 'n': return static_cast<std::uint8_t>(code_of(side, knight));
+        case 'b': return static_cast<std::uint8_t>(code_of(side, bishop));
+        default: return kind_invalid;
+    }
+}
+
+/// A castling's kind, or `kind` where a king's move isn't one.
+std::uint8_t king_move_kind(int from, int to, std::uint8_t kind) {
+    for (const int home : {static_cast<int>(e1), static_cast<int>(e8)}) {
+        if (from != home) continue;
+        if (to == home - 2) return kind_kingside_castling;
+        if (to == home + 2) return kind_queenside_castling;
+    }
+    return kind;
+}
+
+template <Side S> bool is_double_step(int from, int to) {
+    return rank_of(from) == own_rank<S>(2) && rank_of(to) == own_rank<S>(4);
+}
+
+std::uint8_t pawn_move_kind(const Game& g, int from, int to, std::uint8_t kind) {
+    if (to >= square_count) return kind;
+    const bool white = piece_colour(g.cells[from]) == 0;
+    if (white ? is_double_step<Side::white>(from, to) : is_double_step<Side::black>(from, to)) return kind_double_step;
+    const bool onto_enpassant = g.cells[to] == no_piece && (bit_mask(to) & g.enpassant) != 0;
+    return onto_enpassant && file_of(from) != file_of(to) ? kind_en_passant : kind;
+}
+
+/// Whether another man of the mover's kind can legally go to the same square.
+bool is_ambiguous(Game* game, Move move) {
+    MoveList list;
+    list.count = 0;
+    add_all(game, &list);
+    for (int i = 0; i < list.count; ++i) {
+        const Move rival = list.moves[i];
+        if (rival.to == move.to && rival.from != move.from &&
+            same_mover(game->cells[rival.from], game->cells[move.from]) && is_legal(game, rival)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Whether another man of the mover's kind stands on the line, whether or not it can reach the target.
+bool rival_on_line(const Game& g, int from, Bitboard line) {
+    Bitboard men = occupied(g) & line & not_bit(from);
+    while (men != 0) {
+        if (same_mover(g.cells[pop_first(men)], g.cells[from])) return true;
+    }
+    return false;
+}
+
+std::string disambiguation(Game* game, Move move) {
+    if (!is_ambiguous(game, move)) return "";
+    const std::string name = square_text(move.from);
+    if (!rival_on_line(*game, move.from, file_masks[file_of(move.from)])) return name.substr(0, 1);
+    if (!rival_on_line(*game, move.from, rank_masks[rank_of(move.from)])) return name.substr(1, 1);
+    return name;
+}
+
+std::string check_sign(Move move, Game* game) {
+    UndoRecord undo;
+    fill_undo(game, move, &undo);
+    make_move(game, move);
+    const int status = game_status_score(game);
+    const bool mated = status == mate_score || status == -mate_score;
+    const char* sign = mated ? "#" : (in_check(game) ? "+" : "");
+    unmake_move(game, move, &undo);
+    return sign;
+}
+
+}  // namespace
+
+char piece_letter(int code) {
+    constexpr std::string_view letters = "KQBNRRRP";
+    const char letter = letters[static_cast<std::size_t>(man_of(code))];
+    return piece_colour(code) == 0 ? letter : lower(letter);
+}
+
+std::string square_text(int square) {
+    if (square < 0 || square >= square_count) return "??";
+    return {static_cast<char>('h' - (square & 7)), static_cast<char>('1' + (square >> 3))};
+}
+
+int square_from_text(std::string_view text) {
+    const char letter = lower(char_at(text, 0));
+    const char digit = char_at(text, 1);
+    if (letter < 'a' || letter > 'h' || digit < '1' || digit > '8') return -1;
+    return raw_square(letter, digit);
+}
+
+Move parse_move(std::string_view text, const Game* game) {
+    const Game& g = *game;
+    Move move = {raw_square(char_at(text, 0), char_at(text, 1)), raw_square(char_at(text, 2), char_at(text, 3)),
+                 kind_quiet};
+    if (code_on(g, move.to) != no_piece) move.kind = kind_capture;
+    const char fifth = char_at(text, 4);
+    if (fifth != '\n' && fifth != '\0') move.kind = promotion_kind(fifth, side_to_move(g));
+
+    const int mover = code_on(g, move.from);
+    if (mover == no_piece) return move;
+    if (man_of(mover) == king) move.kind = king_move_kind(move.from, move.to, move.kind);
+    if (man_of(mover) == pawn) move.kind = pawn_move_kind(g, move.from, move.to, move.kind);
+    return move;
+}
+
+std::string move_text(Move move) {
+    std::string text = square_text(move.from) + square_text(move.to);
+    if (is_promotion(move.kind)) text += lower(piece_letter(move.kind));
+    return text;
+}
+
+void print_move(Move move) { say_text(move_text(move)); }
+
+std::string san_text(Move move, Game* game) {
+    if (move.kind == kind_kingside_castling) return "O-O";
+    if (is_castling(move.kind)) return "O-O-O";
+
+    const Game& g = *game;
+    const Man mover = man_of(g.cells[move.from]);
+    std::string text;
+    if (mover != pawn) text += piece_letter(mover);
+    text += disambiguation(game, move);
+    if (g.cells[move.to] != no_piece || move.kind == kind_en_passant) {
+        if (text.empty()) text += square_text(move.from)[0];
+        text += 'x';
+    }
+    text += square_text(move.to);
+    if (is_promotion(move.kind)) text += piece_letter(man_of(move.kind));
+    return text + check_sign(move, game);
+}
+
+void print_san(Move move, Game* game) { say("%5s", san_text(move, game).c_str()); }
+
+}  // namespace varn

@@ -1,0 +1,35 @@
+// Moves and squares as text. Coordinate form ("e2e4", "e7e8q", "e1g1") is the form of all input and of the protocol;
+// short algebraic form ("Nf3", "exd5", "e8Q", "O-O") is the form of the principal variation and of test suites.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "board/game.h"
+
+namespace varn {
+
+/// "K", "Q", "R", "B", "N", "P" for white men, the same in lower case for black ones; all rooks look alike.
+char piece_letter(int code);
+
+/// "a1" to "h8"; "??" for any number outside 0..63.
+std::string square_text(int square);
+
+/// The square that the first two characters name, the letter in either case; -1 where they name none.
+int square_from_text(std::string_view text);
+
+/// The move that the text names on this board, with the kind that the generator would give it. Reads no more than five
+/// characters and never past the text. The squares of the result may lie outside the board, and the move need not be
+/// possible: `is_valid_move` tells.
+Move parse_move(std::string_view text, const Game* game);
+
+std::string move_text(Move move);
+/// Prints `move_text`, with no newline.
+void print_move(Move move);
+
+/// Short algebraic form of a legal move, 7 characters at most; `game` stands before the move and is the same on return.
+std::string san_text(Move move, Game* game);
+/// Prints `san_text` right-aligned in 5 columns, with no newline.
+void print_san(Move move, Game* game);
+
+}  // namespace varn

@@ -1,0 +1,17 @@
+// Standard output, where everything the engine has to say goes: each text leaves the process in one piece, at once.
+#pragma once
+
+#include <string_view>
+
+namespace varn {
+
+/// Takes standard output's buffer away, so that a prompt without a newline shows at once, also in a pipe.
+void unbuffer_output();
+
+/// Prints as `printf` does, in one write.
+[[gnu::format(printf, 1, 2)]] void say(const char* format, ...);
+
+/// Prints the text as it stands.
+void say_text(std::string_view text);
+
+}  // namespace varn

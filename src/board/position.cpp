@@ -1,0 +1,224 @@
+#include "board/position.h"
+
+#include <cstdlib>
+
+#include "board/make.h"
+#include "board/notation.h"
+#include "board/output.h"
+#include "board/zobrist.h"
+
+namespace varn {
+
+namespace {
+
+/// Reads a text character by character and gives 0 at its end, however often it is asked.
+class FieldReader {
+public:
+    explicit FieldReader(std::string_view text) : rest_(text) {}
+
+    char peek() const { return rest_.empty() ? '\0' : rest_.front(); }
+    void advance() {
+        if (!rest_.empty()) rest_.remove_prefix(1);
+    }
+    char next() {
+        const char c = peek();
+        advance();
+        return c;
+    }
+    /// At a blank, the end of the line or the end of the text.
+    bool at_field_end() const { return peek() == ' ' || peek() == '\n' || rest_.empty(); }
+    void skip_field() {
+        while (!at_field_end()) advance();
+    }
+    void skip_blank() {
+        if (peek() == ' ') advance();
+    }
+
+private:
+    std::string_view rest_;
+};
+
+[[noreturn]] void refuse_board() {
+    say_text("error: unrecognised character in EPD string.\n");
+    std::exit(1);
+}
+
+template <Side S> void place_man(Game& g, Man man, int square) {
+    pieces_of<S>(g) ^= bit_mask(square);
+    board_of<S>(g, man) ^= bit_mask(square);
+    g.cells[square] = code_of(S, man);
+    if (man == king) king_square_of<S>(g) = square;
+    material_of<S>(g) += piece_values[man];
+    g.material += sign_of<S> * piece_values[man];
+}
+
+void place_piece(Game& g, char letter, int square) {
+    for (const Man man : {king, queen, bishop, knight, plain_rook, pawn}) {
+        if (letter == piece_letter(code_of(Side::white, man))) return place_man<Side::white>(g, man, square);
+        if (letter == piece_letter(code_of(Side::black, man))) return place_man<Side::black>(g, man, square);
+    }
+    refuse_board();
+}
+
+/// Row lengths aren't tested: the field ends when all squares are used up.
+void read_board(Game& g, FieldReader& reader) {
+    int square = square_count - 1;
+    while (square >= 0) {
+        const char c = reader.next();
+        if (c >= '0' && c <= '9') {
+            square -= c - '0';
+        } else if (c != '/') {
+            place_piece(g, c, square);
+            --square;
+        }
+    }
+    reader.skip_field();
+    reader.skip_blank();
+}
+
+void read_side(Game& g, FieldReader& reader) {
+    const char c = reader.peek();
+    if (c == 'w') {
+        g.turn = 0;
+    } else if (c == 'b') {
+        g.turn = 1;
+    } else {
+        say_text("error: unrecognised character in side to move field.\n");
+    }
+    // A field that is empty because of a second blank leaves that blank to the castling field, which is then empty too.
+    if (c == ' ') return;
+    reader.skip_field();
+    reader.skip_blank();
+}
+
+/// Gives the right, and the rook the code that carries it, where king and rook stand on their squares.
+template <Side S> void grant_castling(Game& g, std::uint32_t right) {
+    const bool kingside = right == kingside_right;
+    const int corner = own_square<S>(kingside ? h1 : a1);
+    if (g.cells[own_square<S>(e1)] != code_of(S, king) || (rooks_of<S>(g) & bit_mask(corner)) == 0) return;
+    g.cells[corner] = code_of(S, kingside ? kingside_rook : queenside_rook);
+    castle_of<S>(g) |= right;
+}
+
+void read_castling(Game& g, FieldReader& reader) {
+    while (!reader.at_field_end()) {
+        switch (reader.next()) {
+            case 'K': grant_castling<Side::white>(g, kingside_right); break;
+            case 'Q': grant_castling<Side::white>(g, queenside_right); break;
+            case 'k': grant_castling<Side::black>(g, kingside_right); break;
+            case 'q': grant_castling<Side::black>(g, queenside_right); break;
+            case '-': g.w_castle = g.b_castle = 0; break;
+            default: break;
+        }
+    }
+    reader.skip_blank();
+}
+
+void read_enpassant(const FieldReader& reader) {
+    if (reader.at_field_end() || reader.peek() == '-') return;
+    say_text("enpassant not supported in EPD format yet.\n");
+}
+
+/// An empty board that keeps what the text may leave open: whose turn it is, and squares for the kings.
+void wipe(Game& g) {
+    const std::uint8_t turn = g.turn;
+    const int wking_sqr = g.wking_sqr;
+    const int bking_sqr = g.bking_sqr;
+    g = Game{};
+    g.turn = turn;
+    g.wking_sqr = wking_sqr;
+    g.bking_sqr = bking_sqr;
+    g.ep_side = -1;
+    for (auto& cell : g.cells) cell = no_piece;
+}
+
+std::string row_text(const Game& g, int rank) {
+    std::string text;
+    int empty = 0;
+    const auto write_empty = [&] {
+        if (empty > 0) text += std::to_string(empty);
+        empty = 0;
+    };
+    for (int file = 8; file >= 1; --file) {
+        const int code = g.cells[square_of(rank, file)];
+        if (code == no_piece) {
+            ++empty;
+        } else {
+            write_empty();
+            text += piece_letter(code);
+        }
+    }
+    write_empty();
+    return text;
+}
+
+template <Side S> std::string castling_text(const Game& g) {
+    std::string text;
+    if ((castle_of<S>(g) & kingside_right) != 0) text += piece_letter(code_of(S, king));
+    if ((castle_of<S>(g) & queenside_right) != 0) text += piece_letter(code_of(S, queen));
+    return text;
+}
+
+/// Every man of the side stands on the boards as `cells` has it, and every board bit in `cells`.
+template <Side S> bool side_is_consistent(const Game& g) {
+    for (int square = 0; square < square_count; ++square) {
+        const int code = g.cells[square];
+        const bool ours = piece_colour(code) == static_cast<int>(turn_of<S>);
+        const Bitboard bit = bit_mask(square);
+        if (ours != ((pieces_of<S>(g) & bit) != 0)) return false;
+        for (const Man man : {king, queen, bishop, knight, plain_rook, pawn}) {
+            const bool on_cell = ours && (man_of(code) == man || (man == plain_rook && is_rook(man_of(code))));
+            if (on_cell != ((board_of<S>(g, man) & bit) != 0)) return false;
+        }
+        if (code == code_of(S, king) && square != king_square_of<S>(g)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+void set_position(Game* game, std::string_view text, KeepTables keep) {
+    FieldReader reader(text);
+    wipe(*game);
+    read_board(*game, reader);
+    read_side(*game, reader);
+    read_castling(*game, reader);
+    read_enpassant(reader);
+    game->r90 = rotate_90(occupied(*game));
+    game->r45f = rotate_45f(occupied(*game));
+    game->r45b = rotate_45b(occupied(*game));
+    rehash(game);
+    reset_hooks.position_set(keep);
+    reset_draw_hash(game);
+}
+
+std::string position_text(const Game* game) {
+    const Game& g = *game;
+    std::string text;
+    for (int rank = 8; rank >= 1; --rank) text += row_text(g, rank) + (rank > 1 ? '/' : ' ');
+    text += g.turn == 0 ? "w " : "b ";
+    const std::string rights = castling_text<Side::white>(g) + castling_text<Side::black>(g);
+    text += rights.empty() ? "-" : rights;
+    text += ' ';
+    text += g.enpassant == 0 ? "-" : square_text(first_one(g.enpassant));
+    return text;
+}
+
+void print_position_text(const Game* game) {
+    if (is_consistent(game)) {
+        say("EPD string is: %s\n", position_text(game).c_str());
+    } else {
+        say_text("error: cannot generate EPD string since game is corrupt.\n");
+    }
+}
+
+bool is_consistent(const Game* game) {
+    return side_is_consistent<Side::white>(*game) && side_is_consistent<Side::black>(*game);
+}
+
+bool is_playable(const Game* game) {
+    const Bitboard pawns = game->w_pawns | game->b_pawns;
+    return popcount(game->w_king) == 1 && popcount(game->b_king) == 1 && (pawns & (rank_masks[1] | rank_masks[8])) == 0;
+}
+
+}  // namespace varn

@@ -1,0 +1,7 @@
+#include "board/reset.h"
+
+namespace varn {
+
+ResetHooks reset_hooks = {[] {}, [] {}, [](KeepTables) {}};
+
+}  // namespace varn

@@ -1,0 +1,142 @@
+// The vocabulary of the whole engine: squares, bitboards, piece codes, moves and lists of moves.
+// Everything here is a plain value; nothing here knows a position.
+#pragma once
+
+#include <cstdint>
+
+namespace varn {
+
+/// A fixed array, indexed by whatever integer the engine counts with. Plain data: copied and compared as a whole.
+template <typename T, int N> struct Table {
+    T slots[N];
+
+    constexpr T& operator[](auto index) { return slots[index]; }
+    constexpr const T& operator[](auto index) const { return slots[index]; }
+    constexpr T* begin() { return slots; }
+    constexpr T* end() { return slots + N; }
+    constexpr const T* begin() const { return slots; }
+    constexpr const T* end() const { return slots + N; }
+    static constexpr int size() { return N; }
+    friend constexpr bool operator==(const Table&, const Table&) = default;
+};
+
+/// Bit n stands for square n. Squares run along each rank from the h-file to the a-file: h1 = 0, a1 = 7, h8 = 56,
+/// a8 = 63. One step up the board is +8, one step towards the a-file is +1.
+using Bitboard = std::uint64_t;
+
+enum Square : std::int8_t {
+    h1 = 0, g1 = 1, f1 = 2, e1 = 3, d1 = 4, c1 = 5, b1 = 6, a1 = 7,
+    a8 = 63, b8 = 62, c8 = 61, d8 = 60, e8 = 59, f8 = 58, g8 = 57, h8 = 56,
+};
+
+inline constexpr int square_count = 64;
+
+/// Number of a square from rank and file, both counted from 1; file 1 is the h-file.
+constexpr int square_of(int rank, int file) { return file + rank * 8 - 9; }
+constexpr bool on_board(int rank, int file) { return rank >= 1 && rank <= 8 && file >= 1 && file <= 8; }
+/// The same square seen from the other side of the board: the file stays, rank n becomes 9 - n.
+constexpr int mirrored(int square) { return square ^ 56; }
+
+enum class Side : std::uint8_t { white, black };
+constexpr Side other(Side side) { return side == Side::white ? Side::black : Side::white; }
+
+/// A man as its own side sees it. A rook that can still castle carries its wing in its kind, and keeps that kind for
+/// life: moving or capturing it costs the right, if the right still stands.
+enum Man : std::int8_t { king, queen, bishop, knight, kingside_rook, queenside_rook, plain_rook, pawn };
+
+/// What stands on a square: -1 for nothing, a `Man` for white, the same plus 8 for black.
+using PieceCode = std::int8_t;
+inline constexpr PieceCode no_piece = -1;
+inline constexpr int piece_code_count = 16;
+
+constexpr PieceCode code_of(Side side, Man man) {
+    return static_cast<PieceCode>(man + (side == Side::black ? 8 : 0));
+}
+constexpr Man man_of(int code) { return static_cast<Man>(code & 7); }
+/// -1 for an empty square, 0 for a white man, 1 for a black one.
+constexpr int piece_colour(int code) { return code == no_piece ? -1 : (code >= 0 && code <= 7 ? 0 : 1); }
+constexpr bool is_rook(Man man) { return man == kingside_rook || man == queenside_rook || man == plain_rook; }
+constexpr bool is_white_rook(int code) { return code >= 4 && code <= 6; }
+constexpr bool is_black_rook(int code) { return code >= 12 && code <= 14; }
+/// Equal codes, or two rooks of one colour whatever their castling past.
+constexpr bool same_mover(int a, int b) {
+    return a == b || (is_white_rook(a) && is_white_rook(b)) || (is_black_rook(a) && is_black_rook(b));
+}
+
+/// One move. The absence of a move is a null `Move*`, never a value of the record.
+struct Move {
+    std::uint8_t from;
+    std::uint8_t to;
+    std::uint8_t kind;
+
+    friend constexpr bool operator==(const Move&, const Move&) = default;
+};
+static_assert(sizeof(Move) == 3);
+
+// Kinds of a move. A promotion's kind is the code of the new piece, also when it captures.
+inline constexpr std::uint8_t kind_quiet = 0;
+inline constexpr std::uint8_t kind_double_step = 0x11;
+inline constexpr std::uint8_t kind_en_passant = 0x12;
+inline constexpr std::uint8_t kind_capture = 0x20;
+inline constexpr std::uint8_t kind_kingside_castling = 0x41;
+inline constexpr std::uint8_t kind_queenside_castling = 0x42;
+/// Fits no move that a generator makes.
+inline constexpr std::uint8_t kind_invalid = 0xFF;
+
+constexpr bool is_castling(int kind) { return kind > 0x40; }
+constexpr bool is_promotion(int kind) {
+    const int man = kind & 7;
+    return kind <= 14 && (man == queen || man == bishop || man == knight || man == plain_rook);
+}
+
+/// Equal in all three bytes; false where either is null, also where both are.
+constexpr bool same_move(const Move* a, const Move* b) { return a != nullptr && b != nullptr && *a == *b; }
+
+/// Fixed-capacity list that all generators fill. `scores` belongs to whoever orders the moves.
+struct MoveList {
+    static constexpr int capacity = 1000;
+    Table<std::int32_t, capacity> scores;
+    Table<Move, capacity> moves;
+    std::int32_t count;
+};
+
+/// Slots of every array that a search indexes by ply: plies 0 to 499.
+inline constexpr int ply_slots = 500;
+inline constexpr int last_ply = ply_slots - 1;
+/// The slot of `move_lists` and `undo_stack` behind the plies, for work outside the tree.
+inline constexpr int scratch_slot = ply_slots;
+
+// Values of the men in centipawns, shared by the material counts, the exchange evaluator and the move ordering. They are
+// independent of the evaluation's weights.
+inline constexpr int pawn_value = 100;
+inline constexpr int knight_value = 300;
+inline constexpr int bishop_value = 310;
+inline constexpr int rook_value = 500;
+inline constexpr int queen_value = 950;
+
+/// By piece code, positive for both colours.
+inline constexpr auto piece_values = [] {
+    constexpr Table<std::int32_t, 8> by_man = {
+        {0, queen_value, bishop_value, knight_value, rook_value, rook_value, rook_value, pawn_value}};
+    Table<std::int32_t, piece_code_count> values{};
+    for (int code = 0; code < piece_code_count; ++code) values[code] = by_man[man_of(code)];
+    return values;
+}();
+
+/// By piece code, positive for white men and negative for black ones.
+inline constexpr auto signed_piece_values = [] {
+    auto values = piece_values;
+    for (int code = 8; code < piece_code_count; ++code) values[code] = -values[code];
+    return values;
+}();
+
+/// By the promotion kinds of a `Move`: the new piece less the pawn, negative for black.
+inline constexpr auto promotion_gain = [] {
+    Table<std::int32_t, piece_code_count> gain{};
+    for (int kind = 0; kind < piece_code_count; ++kind) {
+        if (is_promotion(kind)) gain[kind] = signed_piece_values[kind] - signed_piece_values[kind < 8 ? 7 : 15];
+    }
+    return gain;
+}();
+
+}  // namespace varn
