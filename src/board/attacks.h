@@ -1,5 +1,5 @@
-// Who attacks a square: the test by one side, the full set of both, and the sliders that join in when a man leaves a line.
-// All of these read the game and change nothing.
+// Who attacks a square: the test by one side, the full set of both, and the sliders that join in when a man leaves a
+// line. All of these read the game and change nothing.
 #pragma once
 
 #include "board/geometry.h"
@@ -45,8 +45,8 @@ inline bool in_check(const Game* game) { return game->turn == 1 ? black_in_check
 /// All men of both colours, kings included, that attack `square`.
 Bitboard attackers_of(const Game* game, int square);
 
-/// `set` with the men added that attack `target` through `square`: a man on `square` has left the line towards `target`,
-/// and the slider right behind it joins in.
+/// `set` with the men added that attack `target` through `square`: a man on `square` has left the line towards
+/// `target`, and the slider right behind it joins in.
 Bitboard add_xray(const Game* game, int square, int target, Bitboard set);
 
 }  // namespace varn

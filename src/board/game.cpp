@@ -9,8 +9,7 @@ namespace varn {
 namespace {
 
 /// Codes of the first rank from the h-file to the a-file, as white has them.
-constexpr Table<Man, 8> back_rank = {
-    {kingside_rook, knight, bishop, king, queen, bishop, knight, queenside_rook}};
+constexpr Table<Man, 8> back_rank = {{kingside_rook, knight, bishop, king, queen, bishop, knight, queenside_rook}};
 
 template <Side S> void set_up_side(Game& g) {
     for (int file = 1; file <= 8; ++file) {

@@ -1,6 +1,6 @@
 // The record of one whole game: the position, what is kept incrementally beside it, the moves played and the keys of
-// every position since the start. There is no hidden board state: whoever holds a `Game` holds the game, and it is copied
-// or replaced as a unit.
+// every position since the start. There is no hidden board state: whoever holds a `Game` holds the game, and it is
+// copied or replaced as a unit.
 #pragma once
 
 #include <memory>
@@ -26,17 +26,18 @@ struct PositionKeys {
     friend constexpr bool operator==(const PositionKeys&, const PositionKeys&) = default;
 };
 
-/// Invariants between any two calls of make and unmake: the side boards are the unions of the piece boards, no square is
-/// in two boards, each rotated board holds one bit per man, `cells` and the boards agree square by square, the king
+/// Invariants between any two calls of make and unmake: the side boards are the unions of the piece boards, no square
+/// is in two boards, each rotated board holds one bit per man, `cells` and the boards agree square by square, the king
 /// squares are the bits of the king boards, and `material` is the difference of the two sums.
 ///
-/// The four hashes are exact relative to their own starting value, not a function of the position alone: a castling right
-/// counts from the moment it is lost, and the side to move never changes the pawn hashes.
+/// The four hashes are exact relative to their own starting value, not a function of the position alone: a castling
+/// right counts from the moment it is lost, and the side to move never changes the pawn hashes.
 struct Game {
     std::uint32_t w_castle;
     std::uint32_t b_castle;
     std::uint8_t turn;  // 0 white, 1 black
-    // Sums of the values of all men but the king, pawns included, in centipawns; `material` is positive when white leads.
+    // Sums of the values of all men but the king, pawns included, in centipawns; `material` is positive when white
+    // leads.
     std::int32_t material;
     std::int32_t b_material;
     std::int32_t w_material;
@@ -52,10 +53,11 @@ struct Game {
     Bitboard w_pawns, b_pawns;
     Bitboard w_king, b_king;
 
-    // All men once more, each square at the bit that the map of the same name gives, so that one shift takes out a line.
+    // All men once more, each square at the bit that the map of the same name gives, so that one shift takes out a
+    // line.
     Bitboard r90, r45f, r45b;
 
-    Bitboard enpassant;   // the square just passed over by a double step, if an enemy pawn stands ready to capture there
+    Bitboard enpassant;  // the square just passed over by a double step, if an enemy pawn stands ready to capture there
     std::int8_t ep_side;  // who may capture on it: 0 white, 1 black, -1 nobody; read only while `enpassant` isn't empty
 
     Table<PieceCode, square_count> cells;  // the mailbox

@@ -13,7 +13,6 @@ struct Step {
 constexpr Table<Step, direction_count> direction_steps = {
     {{0, 0}, {1, 0}, {-1, 0}, {0, 1}, {0, -1}, {1, 1}, {1, -1}, {-1, 1}, {-1, -1}}};
 
-
 /// One family of lines: the bit order that serves it, and one of the two steps along it.
 struct LineFamily {
     const PerSquare<std::uint8_t>* map;

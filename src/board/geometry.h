@@ -1,5 +1,5 @@
-// Every geometric fact about the board, as tables that the compiler builds and nobody writes: ranks, files and diagonals,
-// the rotated bit orders, what sliders reach along a line, where steppers step, directions and rays.
+// Every geometric fact about the board, as tables that the compiler builds and nobody writes: ranks, files and
+// diagonals, the rotated bit orders, what sliders reach along a line, where steppers step, directions and rays.
 //
 // In this file r and f are rank and file counted from 0; f grows from the h-file, so west is +1 and north is +8.
 #pragma once
@@ -30,13 +30,12 @@ inline constexpr auto file_masks = [] {
 }();
 
 /// A rank by its number as the side counts it.
-template <Side S> constexpr Bitboard own_rank_mask(int rank) {
-    return rank_masks[own_rank<S>(rank)];
-}
+template <Side S> constexpr Bitboard own_rank_mask(int rank) { return rank_masks[own_rank<S>(rank)]; }
 
 // --- Rotated bit orders -------------------------------------------------------------------------------------------
-// The bit position of each square on the three rotated boards, chosen so that the squares of a line lie in adjacent bits:
-// files on r90, diagonals parallel to a1-h8 on r45f, diagonals parallel to h1-a8 on r45b. No diagonal wraps past bit 63.
+// The bit position of each square on the three rotated boards, chosen so that the squares of a line lie in adjacent
+// bits: files on r90, diagonals parallel to a1-h8 on r45f, diagonals parallel to h1-a8 on r45b. No diagonal wraps past
+// bit 63.
 
 template <typename T, typename Builder> constexpr PerSquare<T> per_square(Builder build) {
     PerSquare<T> table{};
@@ -45,8 +44,10 @@ template <typename T, typename Builder> constexpr PerSquare<T> per_square(Builde
 }
 
 inline constexpr auto r90_map = per_square<std::uint8_t>([](int sq) { return 8 * (7 - sq % 8) + sq / 8; });
-inline constexpr auto r45f_map = per_square<std::uint8_t>([](int sq) { return (127 - 8 * (sq / 8) - 9 * (sq % 8)) & 63; });
-inline constexpr auto r45b_map = per_square<std::uint8_t>([](int sq) { return (63 - 8 * (sq / 8) + 7 * (sq % 8)) & 63; });
+inline constexpr auto r45f_map =
+    per_square<std::uint8_t>([](int sq) { return (127 - 8 * (sq / 8) - 9 * (sq % 8)) & 63; });
+inline constexpr auto r45b_map =
+    per_square<std::uint8_t>([](int sq) { return (63 - 8 * (sq / 8) + 7 * (sq % 8)) & 63; });
 
 /// A plain board brought into a rotated bit order.
 constexpr Bitboard rotate(Bitboard board, const PerSquare<std::uint8_t>& map) {
@@ -62,8 +63,9 @@ constexpr Bitboard rotate_45b(Bitboard board) { return rotate(board, r45b_map); 
 constexpr int r45f_line_of(int square) { return square / 8 + square % 8; }
 constexpr int r45b_line_of(int square) { return square / 8 - square % 8 + 7; }
 
-/// How to take the line of a square out of its board: shift right, then mask. What comes out are the line's inner squares
-/// only: whether an end square is occupied changes nothing that a slider reaches. It is the same for all squares of a line.
+/// How to take the line of a square out of its board: shift right, then mask. What comes out are the line's inner
+/// squares only: whether an end square is occupied changes nothing that a slider reaches. It is the same for all
+/// squares of a line.
 struct LineIndex {
     std::uint8_t shift;
     std::uint8_t mask;
@@ -93,22 +95,32 @@ inline constexpr auto king_moves = per_square<Bitboard>([](int sq) {
            step(sq, -1, 0) | step(sq, -1, -1);
 });
 
-/// The squares that a pawn of the side attacks. Read the other way round, `pawn_attacks<S>[sq]` holds the squares from which
-/// a pawn of the other side attacks `sq`.
+/// The squares that a pawn of the side attacks. Read the other way round, `pawn_attacks<S>[sq]` holds the squares from
+/// which a pawn of the other side attacks `sq`.
 template <Side S>
-inline constexpr auto pawn_attacks =
-    per_square<Bitboard>([](int sq) { return step(sq, sign_of<S>, -1) | step(sq, sign_of<S>, 1); });
+inline constexpr auto pawn_attacks = per_square<Bitboard>([](int sq) {
+    return step(sq, sign_of<S>, -1) | step(sq, sign_of<S>, 1);
+});
 
 /// The squares that must be empty for castling.
-template <Side S>
-inline constexpr Bitboard kingside_path = bit_mask(own_square<S>(g1)) | bit_mask(own_square<S>(f1));
+template <Side S> inline constexpr Bitboard kingside_path = bit_mask(own_square<S>(g1)) | bit_mask(own_square<S>(f1));
 template <Side S>
 inline constexpr Bitboard queenside_path = bit_mask(own_square<S>(d1)) | bit_mask(own_square<S>(c1)) |
                                            bit_mask(own_square<S>(b1));
 
 // --- Directions and rays ------------------------------------------------------------------------------------------
 
-enum Direction : std::uint8_t { no_direction, north, south, west, east, north_west, north_east, south_west, south_east };
+enum Direction : std::uint8_t {
+    no_direction,
+    north,
+    south,
+    west,
+    east,
+    north_west,
+    north_east,
+    south_west,
+    south_east
+};
 inline constexpr int direction_count = 9;
 
 /// The direction in which b lies seen from a: `direction_table[a][b]`; `no_direction` if a is b or they share no line.

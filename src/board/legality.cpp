@@ -59,8 +59,8 @@ template <Side S> bool pawn_has_legal_move(Game& g, Bitboard enemies) {
     return any_legal<S>(g, free & own_rank_mask<S>(7), queening, step_to);
 }
 
-/// Tries candidates until one proves legal. Make tells a capture from the target square, so every move of a piece is tried
-/// as a quiet one. Castling need not be tried: where it is legal the king's single step that way is legal too.
+/// Tries candidates until one proves legal. Make tells a capture from the target square, so every move of a piece is
+/// tried as a quiet one. Castling need not be tried: where it is legal the king's single step that way is legal too.
 template <Side S> bool side_has_legal_move(Game& g) {
     constexpr Side them = other(S);
     const Bitboard targets = ~pieces_of<S>(g) & not_bit(king_square_of<them>(g));

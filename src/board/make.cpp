@@ -96,7 +96,8 @@ template <Side S> void castle_rook(Game& g, int kind) {
     toggle_man_keys(g, rook.to, rook.code);
 }
 
-/// Sets the square passed over, if an enemy pawn stands ready to capture there; whether that would be legal isn't asked.
+/// Sets the square passed over, if an enemy pawn stands ready to capture there; whether that would be legal isn't
+/// asked.
 template <Side S> void set_enpassant(Game& g, int passed) {
     constexpr Side them = other(S);
     if ((pawn_attacks<S>[passed] & pawns_of<them>(g)) == 0) return;

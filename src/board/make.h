@@ -1,5 +1,5 @@
-// Playing a move on a game and taking it back. Make keeps everything in the record exact as it goes; unmake restores the
-// scalars from a saved record and moves only the men back. Neither asks whether the move is legal: they play any
+// Playing a move on a game and taking it back. Make keeps everything in the record exact as it goes; unmake restores
+// the scalars from a saved record and moves only the men back. Neither asks whether the move is legal: they play any
 // pseudo-legal move, whoever's turn it is, and the caller asks afterwards whether the mover's king stands attacked.
 // A move whose `from` is empty or whose `to` holds a king is no valid input.
 #pragma once
@@ -60,8 +60,8 @@ void add_game_move(Game* game, Move move);
 /// A move of the real game: made, its keys pushed, recorded. Returns false, with nothing changed, on a full record.
 bool play_move(Move move, Game* game);
 
-/// Makes the move unless it leaves the mover's own king attacked; returns whether it stands. Leaves the captured code in
-/// `search_stack[ply]` and pushes no keys. `undo` must have been filled.
+/// Makes the move unless it leaves the mover's own king attacked; returns whether it stands. Leaves the captured code
+/// in `search_stack[ply]` and pushes no keys. `undo` must have been filled.
 bool make_if_legal(Game* game, Move move, int ply, const UndoRecord* undo);
 
 /// Passes the turn: clears the en-passant square, pushes the keys, and marks `ply` in `null_move_at`.

@@ -12,8 +12,8 @@ namespace varn {
 /// One list a ply, and slot 500 for work outside the tree. Owned by whichever thread searches.
 extern Table<MoveList, ply_slots + 1> move_lists;
 
-// The stages that the move picker asks for one by one. Sliders are walked line by line: all men of a kind along one line,
-// then along the next.
+// The stages that the move picker asks for one by one. Sliders are walked line by line: all men of a kind along one
+// line, then along the next.
 
 /// Pawns (a promotion gives queen, rook, bishop, knight), en passant, knights, bishops, rooks, queens, king.
 void add_white_captures(const Game* game, MoveList* list);

@@ -23,8 +23,6 @@ void say(const char* format, ...) {
     va_end(again);
 }
 
-void say_text(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-}
+void say_text(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
 }  // namespace varn

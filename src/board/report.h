@@ -7,8 +7,8 @@ namespace varn {
 
 inline constexpr int mate_score = 9999;
 
-/// How a game stands: 1 while it goes on, 0 for a draw, -9999 if white is mated, 9999 if black is. Of the draws it knows
-/// stalemate and the fifty-move rule only.
+/// How a game stands: 1 while it goes on, 0 for a draw, -9999 if white is mated, 9999 if black is. Of the draws it
+/// knows stalemate and the fifty-move rule only.
 int game_status_score(Game* game);
 /// The line that tells the same.
 const char* game_status_text(Game* game);

@@ -1,13 +1,12 @@
-// All mapping from a side to its fields, codes, ranks and directions. A rule is written once, as a template on the side,
-// and reads its fields through the names here.
+// All mapping from a side to its fields, codes, ranks and directions. A rule is written once, as a template on the
+// side, and reads its fields through the names here.
 #pragma once
 
 #include "board/game.h"
 
 namespace varn {
 
-template <Side S, typename White, typename Black>
-constexpr auto& choose(White& white, Black& black) {
+template <Side S, typename White, typename Black> constexpr auto& choose(White& white, Black& black) {
     if constexpr (S == Side::white) {
         return white;
     } else {

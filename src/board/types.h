@@ -25,8 +25,22 @@ template <typename T, int N> struct Table {
 using Bitboard = std::uint64_t;
 
 enum Square : std::int8_t {
-    h1 = 0, g1 = 1, f1 = 2, e1 = 3, d1 = 4, c1 = 5, b1 = 6, a1 = 7,
-    a8 = 63, b8 = 62, c8 = 61, d8 = 60, e8 = 59, f8 = 58, g8 = 57, h8 = 56,
+    h1 = 0,
+    g1 = 1,
+    f1 = 2,
+    e1 = 3,
+    d1 = 4,
+    c1 = 5,
+    b1 = 6,
+    a1 = 7,
+    a8 = 63,
+    b8 = 62,
+    c8 = 61,
+    d8 = 60,
+    e8 = 59,
+    f8 = 58,
+    g8 = 57,
+    h8 = 56,
 };
 
 inline constexpr int square_count = 64;
@@ -49,9 +63,7 @@ using PieceCode = std::int8_t;
 inline constexpr PieceCode no_piece = -1;
 inline constexpr int piece_code_count = 16;
 
-constexpr PieceCode code_of(Side side, Man man) {
-    return static_cast<PieceCode>(man + (side == Side::black ? 8 : 0));
-}
+constexpr PieceCode code_of(Side side, Man man) { return static_cast<PieceCode>(man + (side == Side::black ? 8 : 0)); }
 constexpr Man man_of(int code) { return static_cast<Man>(code & 7); }
 /// -1 for an empty square, 0 for a white man, 1 for a black one.
 constexpr int piece_colour(int code) { return code == no_piece ? -1 : (code >= 0 && code <= 7 ? 0 : 1); }
@@ -106,8 +118,8 @@ inline constexpr int last_ply = ply_slots - 1;
 /// The slot of `move_lists` and `undo_stack` behind the plies, for work outside the tree.
 inline constexpr int scratch_slot = ply_slots;
 
-// Values of the men in centipawns, shared by the material counts, the exchange evaluator and the move ordering. They are
-// independent of the evaluation's weights.
+// Values of the men in centipawns, shared by the material counts, the exchange evaluator and the move ordering. They
+// are independent of the evaluation's weights.
 inline constexpr int pawn_value = 100;
 inline constexpr int knight_value = 300;
 inline constexpr int bishop_value = 310;

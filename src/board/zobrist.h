@@ -12,10 +12,10 @@ using NumbersByMan = PerSquare<Table<std::uint64_t, piece_code_count>>;
 extern NumbersByMan zobrist_key_numbers;
 extern NumbersByMan zobrist_lock_numbers;
 
-extern std::uint64_t zobrist_side_number;               // black to move
-extern PerSquare<std::uint64_t> zobrist_ep_numbers;     // by en-passant square
+extern std::uint64_t zobrist_side_number;            // black to move
+extern PerSquare<std::uint64_t> zobrist_ep_numbers;  // by en-passant square
 extern std::uint64_t w_kingside_number, w_queenside_number, b_kingside_number, b_queenside_number;  // a right is lost
-extern std::uint64_t zobrist_null_number;               // a null move, on top of the side number
+extern std::uint64_t zobrist_null_number;  // a null move, on top of the side number
 
 template <Side S> constexpr std::uint64_t& kingside_number() { return choose<S>(w_kingside_number, b_kingside_number); }
 template <Side S> constexpr std::uint64_t& queenside_number() {

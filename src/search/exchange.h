@@ -1,0 +1,20 @@
+// What a capture wins or loses if both sides go on capturing on its square with their cheapest men, told without making
+// a move.
+#pragma once
+
+#include "board/game.h"
+
+namespace varn {
+
+/// Value of the exchange that `move` starts on its target, in centipawns from white's point of view, whoever moves. The
+/// first capture is not optional; after it either side may stop. En passant counts 0, and promotions on the way count
+/// as pawn captures. Changes nothing.
+int exchange_value(const Game* game, Move move);
+
+/// The same from the point of view of the side to move.
+inline int exchange_gain(const Game* game, Move move) {
+    const int value = exchange_value(game, move);
+    return game->turn == 0 ? value : -value;
+}
+
+}  // namespace varn

@@ -1,0 +1,121 @@
+#include "search/quiesce.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "board/movegen.h"
+#include "eval/evaluate.h"
+#include "search/clock.h"
+#include "search/draws.h"
+#include "search/exchange.h"
+#include "search/transposition.h"
+
+namespace varn {
+
+namespace {
+
+int material_for_side_to_move(const Game& g) { return g.turn == 0 ? g.material : -g.material; }
+
+/// With much material on the board and a clear difference the balance alone is the score.
+bool material_decides(const Game& g) {
+    constexpr int much_material = 3000;
+    constexpr int clearly_behind = -299;
+    constexpr int clearly_ahead = 302;
+    if (g.w_material + g.b_material < much_material) return false;
+    const int balance = material_for_side_to_move(g);
+    return balance <= clearly_behind || balance >= clearly_ahead;
+}
+
+/// What a capture or promotion promises: a promotion counts from the new piece alone, also where it captures.
+int promise(const Game* game, Move move) {
+    return is_promotion(move.kind) ? piece_values[move.kind] - pawn_value : exchange_gain(game, move);
+}
+
+bool answers(const HashEntry& entry, int alpha, int beta) {
+    if (entry.bound == bound_upper) return entry.score <= alpha;
+    if (entry.bound == bound_lower) return entry.score >= beta;
+    return true;
+}
+
+}  // namespace
+
+int static_score(Game* game, const SearchFrame& frame, int alpha, int beta) {
+    int score = node_status(game, frame.line_ply);
+    if (score == game_goes_on) {
+        if (material_decides(*game)) return material_for_side_to_move(*game);
+        score = evaluate(game, frame.line_ply, alpha, beta);
+    }
+    return game->turn == 0 ? score : -score;
+}
+
+void pick_best(MoveList* list, int index) {
+    constexpr int passed_over = -9999;
+    int best = index;
+    int best_score = passed_over;
+    for (int i = index; i < list->count; ++i) {
+        if (list->scores[i] > best_score) {
+            best_score = list->scores[i];
+            best = i;
+        }
+    }
+    if (best == index) return;
+    std::swap(list->scores[best], list->scores[index]);
+    std::swap(list->moves[best], list->moves[index]);
+}
+
+int quiesce(Game* game, int alpha, int beta, SearchFrame frame) {
+    ++nodes;
+    ++quiescent_nodes;
+    if (insufficient_material(game)) return 0;
+    if (!clock_ok()) return abort_score;
+    if (const HashEntry* known = qhash_probe(game); known != nullptr && answers(*known, alpha, beta)) {
+        return known->score;
+    }
+
+    const int line_ply = frame.line_ply;
+    const int ply = frame.ply;
+    const int stand = static_score(game, frame, alpha, beta);
+    if (stand >= beta) {
+        qhash_store(game, line_ply, stand, bound_lower);
+        return stand;
+    }
+    if (ply >= last_ply) return stand;
+    std::uint8_t bound = bound_upper;
+    if (stand > alpha) {
+        alpha = stand;
+        bound = bound_exact;
+    }
+
+    int best = stand;
+    bool raised_alpha = false;
+    MoveList* list = generate_noisy(game, ply);
+    for (int i = 0; i < list->count; ++i) list->scores[i] = promise(game, list->moves[i]);
+    ++frame.ply;
+    ++frame.line_ply;
+    for (int i = 0; i < list->count; ++i) {
+        constexpr int hope = 300;  // what a position may gain beyond the exchange itself
+        pick_best(list, i);
+        const int gain = list->scores[i];
+        if (gain < 0 || gain + stand + hope < alpha) break;
+
+        const Move move = list->moves[i];
+        const UndoRecord* undo = save_undo(game, move, ply);
+        if (!make_if_legal(game, move, ply, undo)) continue;
+        const int value = -quiesce(game, -beta, -alpha, frame);
+        unmake_move(game, move, undo);
+        best = std::max(best, value);
+        if (value <= alpha) continue;
+        if (value >= beta) {
+            qhash_store(game, line_ply, value, bound_lower);
+            return value;
+        }
+        alpha = value;
+        bound = bound_exact;
+        raised_alpha = true;
+    }
+    const int result = raised_alpha ? alpha : best;
+    qhash_store(game, line_ply, result, bound);
+    return result;
+}
+
+}  // namespace varn

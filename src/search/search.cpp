@@ -1,0 +1,255 @@
+#include "search/search.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "board/attacks.h"
+#include "search/clock.h"
+#include "search/draws.h"
+#include "search/ordering.h"
+#include "search/picker.h"
+#include "search/quiesce.h"
+#include "search/settings.h"
+#include "search/think.h"
+#include "search/transposition.h"
+
+namespace varn {
+
+PvLine main_pv;
+std::int32_t iteration_depth;
+
+namespace {
+
+Table<std::uint8_t, ply_slots> in_check_at;  // whether the side to move at a ply is in check
+PvLine null_pv;                              // what nobody reads: the line below a null move
+Table<PvLine, ply_slots + 2> iid_pvs;        // the lines of the internal searches, by ply
+
+/// One node on its way through its steps. `alpha` and `depth` change as it goes.
+struct Node {
+    Game* game;
+    int alpha;
+    int beta;
+    int depth;
+    int ply;
+    int line_ply;
+    SearchFrame frame;  // as received, then advanced: what every child gets
+    bool null_allowed = true;
+};
+
+/// Extends by one ply for a check, or for a capture that takes back about what was taken, a knight at least.
+bool extend_for_check_or_recapture(Node& node) {
+    if (in_check_at[node.ply] != 0) {
+        ++node.frame.check_extensions;
+        return true;
+    }
+    if (node.ply < 2) return false;
+    const int taken = search_stack[node.ply - 2].captured;
+    const int taken_back = search_stack[node.ply - 1].captured;
+    if (taken == no_piece || taken_back == no_piece || piece_values[taken] < knight_value) return false;
+    constexpr int even = 49;  // less than half a pawn of difference
+    const int difference = signed_piece_values[taken] + signed_piece_values[taken_back];
+    if (difference < -even || difference > even) return false;
+    ++node.frame.recapture_extensions;
+    return true;
+}
+
+/// Whether the line would drop into quiescence right after a pawn came to the seventh rank, for the first time.
+bool extend_for_pawn_on_seventh(Node& node) {
+    if (node.depth != 0 || node.ply == 0 || node.frame.pawn_extensions != 0) return false;
+    const int to = search_stack[node.ply - 1].move.to;
+    const int code = node.game->cells[to];
+    const bool on_seventh = (code == code_of(Side::white, pawn) && rank_of(to) == 7) ||
+                            (code == code_of(Side::black, pawn) && rank_of(to) == 2);
+    if (on_seventh) ++node.frame.pawn_extensions;
+    return on_seventh;
+}
+
+void extend(Node& node) {
+    if (node.frame.total_extensions > 2 * iteration_depth) return;
+    if (extend_for_check_or_recapture(node) || extend_for_pawn_on_seventh(node)) {
+        ++node.depth;
+        ++node.frame.total_extensions;
+    }
+}
+
+/// What the table knows of the node, counted from the root again; 0 where the best move runs into a draw by now.
+int score_from_table(const Node& node, const HashEntry& entry) {
+    if (entry.has_move != 0 && draw_after_move(node.game, entry.move)) return 0;
+    if (!is_mate_score(entry.score)) return entry.score;
+    return entry.score > 0 ? entry.score - node.line_ply : entry.score + node.line_ply;
+}
+
+/// The table's answer where it ends the node. An exact score inside the window doesn't, so that a main line is always
+/// searched out, but like an upper bound inside the window it bars the null move.
+std::optional<int> answer_from_table(Node& node) {
+    const HashEntry* entry = hash_probe(node.game, node.depth);
+    if (entry == nullptr) return std::nullopt;
+    const int score = score_from_table(node, *entry);
+    const bool low = score <= node.alpha;
+    const bool high = score >= node.beta;
+    switch (entry->bound) {
+        case bound_upper:
+            if (low) return score;
+            break;
+        case bound_lower:
+            if (high) return score;
+            return std::nullopt;
+        default:
+            if (low || high) return score;
+            break;
+    }
+    if (!low && !high) node.null_allowed = false;
+    return std::nullopt;
+}
+
+/// Whether the position is the one that the main line has at this distance from the root.
+bool on_main_line(const Node& node) {
+    return main_pv.keys[node.line_ply] == node.game->zobrist_key &&
+           main_pv.locks[node.line_ply] == node.game->zobrist_lock;
+}
+
+/// Against zugzwang: each side has more than a bishop, and someone has a piece.
+bool enough_men(const Game& g) {
+    const Bitboard pawns_and_kings = g.w_pawns | g.b_pawns | g.w_king | g.b_king;
+    return g.w_material > bishop_value && g.b_material > bishop_value && pawns_and_kings != occupied(g);
+}
+
+/// Passing must be promising, and safe to try: no check, not twice in a row, not on the main line, material enough.
+bool null_move_allowed(const Node& node) {
+    constexpr int hope = 100;
+    const Game& g = *node.game;
+    const int balance = g.turn == 0 ? g.material : -g.material;
+    return balance + hope >= node.beta && node.beta < mate_score && node.null_allowed && !on_main_line(node) &&
+           node.ply > 0 && node.depth >= 2 && null_move_at[node.ply - 1] == 0 && in_check_at[node.ply] == 0 &&
+           enough_men(g);
+}
+
+/// The score after passing, searched two plies less deep than a move would be. A pass isn't a move of the line, so that
+/// mates below count real moves only.
+int null_move_value(const Node& node) {
+    constexpr int reduction = 3;
+    SearchFrame frame = node.frame;
+    --frame.line_ply;
+    const int depth = node.depth - reduction;
+    UndoRecord* undo = &undo_stack[node.ply];
+    make_null(node.game, node.ply, undo);
+    const int value = depth > 0 ? -search(node.game, -node.beta, 1 - node.beta, depth, frame, &null_pv)
+                                : -quiesce(node.game, -node.beta, 1 - node.beta, frame);
+    unmake_null(node.game, undo);
+    return value;
+}
+
+/// The first move that raised alpha set the line to beat: later ones get a window of width zero first.
+int child_value(const Node& node, bool raised_alpha, PvLine* line) {
+    const auto search_child = [&](int lower, int upper) {
+        return -search(node.game, -upper, -lower, node.depth - 1, node.frame, line);
+    };
+    if (!raised_alpha) return search_child(node.alpha, node.beta);
+    const int value = search_child(node.alpha, node.alpha + 1);
+    return value > node.alpha && value < node.beta ? search_child(node.alpha, node.beta) : value;
+}
+
+/// The line becomes the move and what the child left behind it.
+void extend_line(PvLine* line, const Game& g, Move move, const PvLine& tail) {
+    line->moves[0] = move;
+    line->keys[0] = g.zobrist_key;
+    line->locks[0] = g.zobrist_lock;
+    const int copied = std::min(tail.length, ply_slots - 1);
+    std::copy_n(tail.moves.begin(), copied, line->moves.begin() + 1);
+    std::copy_n(tail.keys.begin(), copied, line->keys.begin() + 1);
+    std::copy_n(tail.locks.begin(), copied, line->locks.begin() + 1);
+    line->length = copied + 1;
+}
+
+/// Mate, stalemate or a draw by rule, exact at any depth; or the static score, where no move is left for another
+/// reason.
+int score_without_moves(const Node& node) {
+    int score = node_status(node.game, node.line_ply);
+    if (score == game_goes_on) {
+        score = static_score(node.game, node.frame, node.alpha, node.beta);
+    } else if (node.game->turn == 1) {
+        score = -score;
+    }
+    hash_store(node.game, node.depth, nullptr, score, bound_exact);
+    return score;
+}
+
+int search_moves(Node& node, PvLine* pv) {
+    Game* game = node.game;
+    PvLine local;
+    local.length = 0;
+    int best_score = no_score;
+    std::optional<Move> best_move;
+    std::uint8_t bound = bound_upper;
+
+    const auto next = [&node] {
+        return next_move(node.game, node.ply, node.alpha, node.beta, node.depth, node.line_ply);
+    };
+    const Move* made = next();
+    if (made == nullptr) return score_without_moves(node);
+    for (; made != nullptr; made = next()) {
+        const Move move = *made;
+        const int value = child_value(node, best_move.has_value(), &local);
+        best_score = std::max(best_score, value);
+        retract_move(game, move, &undo_stack[node.ply]);
+        // Before any use of the value, so that a child cut short by the clock changes nothing.
+        if (!clock_ok()) return abort_score;
+        if (value <= node.alpha) continue;
+
+        node.alpha = value;
+        bound = bound_exact;
+        best_move = move;
+        extend_line(pv, *game, move, local);
+        if (node.ply == 0 && post_thinking == 1) print_search_line(game, iteration_depth, 0, value);
+        history_update(game, move, node.depth);
+        if (value >= node.beta) {
+            killer_update(move, node.line_ply, game->cells[move.from], game);
+            hash_store(game, node.depth, &move, value, bound_lower);
+            return value;
+        }
+    }
+    hash_store(game, node.depth, best_move ? &*best_move : nullptr, best_score, bound);
+    return best_score;
+}
+
+}  // namespace
+
+int search(Game* game, int alpha, int beta, int depth, SearchFrame frame, PvLine* pv) {
+    ++nodes;
+    if (!clock_ok()) return abort_score;
+    // The root is never a draw: a move is wanted.
+    if (frame.line_ply != 0 && draw_by_rule(game)) return 0;
+    if (frame.ply >= last_ply) return static_score(game, frame, alpha, beta);
+
+    Node node = {game, alpha, beta, depth, frame.ply, frame.line_ply, frame};
+    in_check_at[node.ply] = in_check(game) ? 1 : 0;
+    extend(node);
+    if (const auto known = answer_from_table(node)) return *known;
+
+    ++node.frame.ply;
+    ++node.frame.line_ply;
+    if (node.depth <= 0) {
+        pv->length = 0;
+        return quiesce(game, alpha, beta, node.frame);
+    }
+    if (null_move_allowed(node) && null_move_value(node) >= beta) return beta;
+
+    start_picking(node.ply);
+    null_move_at[node.ply] = 0;
+    return search_moves(node, pv);
+}
+
+const Move* iterative_deepening_move(Game* game, int ply, int alpha, int beta, int depth) {
+    constexpr int shallowest = 3;
+    constexpr int reduction = 2;
+    if (depth < shallowest || alpha + 1 == beta) return nullptr;
+    PvLine& line = iid_pvs[ply];
+    line.length = 0;
+    SearchFrame frame = root_frame;
+    frame.ply = ply + 1;
+    frame.line_ply = static_cast<std::uint8_t>(ply + 1);
+    search(game, alpha, beta, depth - reduction, frame, &line);
+    return line.length != 0 ? &line.moves[0] : nullptr;
+}
+
+}  // namespace varn
