@@ -1,0 +1,220 @@
+#include "eval/evaluate.h"
+
+#include "board/attacks.h"
+#include "eval/king_safety.h"
+#include "eval/pawns.h"
+#include "eval/phase.h"
+#include "eval/tables.h"
+
+namespace varn {
+
+std::int32_t root_material = 0;
+std::int32_t w_trade_flag = 0;
+std::int32_t b_trade_flag = 0;
+
+namespace {
+
+// --- Weights, in centipawns ---------------------------------------------------------------------------------------
+
+constexpr int rook_on_open_file = 13;
+constexpr int open_file_beside_king = 10;
+constexpr int rook_without_own_pawns = 8;
+constexpr int bishop_pair_bonus = 25;
+constexpr int trade_when_ahead = 15;
+constexpr int rook_on_seventh = 20;
+constexpr int two_on_seventh = 40;
+constexpr int undeveloped_minor = -4;
+constexpr int queen_out_early = -15;
+constexpr int queen_for_two_rooks = 20;
+constexpr int queen_backs_attack = 30;
+
+constexpr int king_shuts_in_rook = -10;
+constexpr int centre_pawn_blocked = -20;
+constexpr int free_rank_missing = -7;
+constexpr int few_free_squares = -7;
+constexpr int rook_trapped = -20;
+constexpr int free_diagonal_square = 3;
+
+// --- Terms, each from the side's own point of view ----------------------------------------------------------------
+
+template <Side S> Bitboard rooks_on_open_files(const Game& g) {
+    return rooks_of<S>(g) & ~whole_files(files_of(g.w_pawns | g.b_pawns));
+}
+template <Side S> int open_files(const Game& g) { return rook_on_open_file * popcount(rooks_on_open_files<S>(g)); }
+template <Side S> int open_files_beside_king(const Game& g) {
+    const int king_file = file_of(king_square_of<other(S)>(g));
+    const Bitboard beside_king = file_masks[king_file] | adjacent_files[king_file];
+    return open_file_beside_king * popcount(rooks_on_open_files<S>(g) & beside_king);
+}
+template <Side S> int half_open_files(const Game& g) {
+    return rook_without_own_pawns * popcount(rooks_of<S>(g) & ~whole_files(files_of(pawns_of<S>(g))));
+}
+
+/// Two bishops, whatever the colours of their squares.
+template <Side S> int bishop_pair(const Game& g) { return has_at_least(bishops_of<S>(g), 2) ? bishop_pair_bonus : 0; }
+
+/// Who stands ahead likes every exchange.
+template <Side S> int trades(const Game& g) {
+    const bool men_have_gone = total_material(g) < root_material;
+    return men_have_gone && choose<S>(w_trade_flag, b_trade_flag) != 0 ? trade_when_ahead : 0;
+}
+
+template <Side S> int seventh_rank(const Game& g) {
+    const Bitboard seventh = own_rank_mask<S>(7);
+    const bool has_targets =
+        (king_of<other(S)>(g) & own_rank_mask<S>(8)) != 0 || (pawns_of<other(S)>(g) & seventh) != 0;
+    if (!has_targets || (rooks_of<S>(g) & seventh) == 0) return 0;
+    return has_at_least((rooks_of<S>(g) | queens_of<S>(g)) & seventh, 2) ? two_on_seventh : rook_on_seventh;
+}
+
+template <Side S> int undeveloped_minors(const Game& g) {
+    if (!is_developing<S>(g)) return 0;
+    return undeveloped_minor * popcount((knights_of<S>(g) | bishops_of<S>(g)) & own_squares<S>(b1, c1, f1, g1));
+}
+
+/// Counts against a side without a queen, too.
+template <Side S> int early_queen(const Game& g) {
+    return in_opening(g) && (queens_of<S>(g) & own_rank_mask<S>(1)) == 0 ? queen_out_early : 0;
+}
+
+template <Side S> int queen_against_rooks(const Game& g) {
+    const bool only_queen = queens_of<S>(g) != 0 && queens_of<other(S)>(g) == 0;
+    return only_queen && popcount(rooks_of<other(S)>(g)) == 2 ? queen_for_two_rooks : 0;
+}
+
+/// For a side whose king stands that much safer than the enemy's.
+template <Side S> int queen_in_attack(const Game& g, int safety_lead) {
+    return safety_lead > 50 && queens_of<S>(g) != 0 ? queen_backs_attack : 0;
+}
+
+// --- Placement, from the side's own point of view -----------------------------------------------------------------
+
+template <Side S> int knight_targets(const Game& g, int square) {
+    return popcount(knight_moves[square] & ~pieces_of<S>(g));
+}
+
+template <Side S> int king_placement(const Game& g) {
+    const SquareValues& squares = has_few_men<other(S)>(g) ? king_squares_end<S> : king_squares_game<S>;
+    int score = 0;
+    for (Bitboard left = king_of<S>(g); left != 0;) score += squares[pop_first(left)];
+    if ((rooks_of<S>(g) & own_squares<S>(g1, h1)) != 0) {
+        score += king_shuts_in_rook * popcount(king_of<S>(g) & own_squares<S>(f1, g1));
+    }
+    return score;
+}
+
+template <Side S> int queen_placement(const Game& g) {
+    int score = 0;
+    for (Bitboard left = queens_of<S>(g); left != 0;) {
+        score += king_tropism(queen, pop_first(left), king_square_of<other(S)>(g));
+    }
+    return score;
+}
+
+template <Side S> int rook_placement(const Game& g) {
+    int score = 0;
+    for (Bitboard left = rooks_of<S>(g); left != 0;) {
+        const int square = pop_first(left);
+        score += rook_squares<S>[square] + rook_mobility(square, &g) +
+                 king_tropism(plain_rook, square, king_square_of<other(S)>(g));
+    }
+    return score;
+}
+
+template <Side S> int bishop_placement(const Game& g) {
+    int score = 0;
+    for (Bitboard left = bishops_of<S>(g); left != 0;) {
+        const int square = pop_first(left);
+        score += bishop_squares<S>[square] + bishop_mobility(square, &g) +
+                 king_tropism(bishop, square, king_square_of<other(S)>(g));
+    }
+    return score;
+}
+
+template <Side S> int knight_placement(const Game& g) {
+    int score = 0;
+    for (Bitboard left = knights_of<S>(g); left != 0;) {
+        const int square = pop_first(left);
+        score += knight_squares<S>[square] + knight_targets<S>(g, square) +
+                 king_tropism(knight, square, king_square_of<other(S)>(g));
+    }
+    return score;
+}
+
+/// A knight or bishop right before a centre pawn that hasn't moved.
+template <Side S> int blocked_centre(const Game& g) {
+    const Bitboard before_pawns = ahead<S>(pawns_of<S>(g) & ahead<S>(own_squares<S>(d1, e1)));
+    return centre_pawn_blocked * popcount((knights_of<S>(g) | bishops_of<S>(g)) & before_pawns);
+}
+
+template <Side S> int pawn_placement(const Game& g) {
+    int score = 0;
+    for (Bitboard left = pawns_of<S>(g); left != 0;) score += pawn_squares<S>[pop_first(left)] / 2;
+    if (!has_few_men<other(S)>(g)) return score;
+    // In an ending the kings matter to the pawns of either colour: the nearer king protects its own or stops the
+    // enemy's.
+    for (Bitboard left = pawns_of<S>(g); left != 0;) {
+        const int square = pop_first(left);
+        score += square_distance[king_square_of<other(S)>(g)][square] - square_distance[king_square_of<S>(g)][square];
+    }
+    return score;
+}
+
+template <Side S> int placement(const Game& g) {
+    return king_placement<S>(g) + queen_placement<S>(g) + rook_placement<S>(g) + bishop_placement<S>(g) +
+           knight_placement<S>(g) + blocked_centre<S>(g) + pawn_placement<S>(g);
+}
+
+}  // namespace
+
+// A rook feels the lack of squares, above all along its rank, more than it enjoys having them.
+int rook_mobility(int square, const Game* game) {
+    const Bitboard empty = ~occupied(*game);
+    const Bitboard along_rank = rank_reach(*game, square) & empty;
+    const Bitboard along_file = file_reach(*game, square) & empty;
+    const int free_squares = popcount(along_rank | along_file);
+    int score = free_squares;
+    if (along_rank == 0) score += free_rank_missing;
+    if (free_squares == 0) return score + rook_trapped;
+    if (free_squares <= 3) score += few_free_squares;
+    return score;
+}
+
+int bishop_mobility(int square, const Game* game) {
+    return free_diagonal_square * popcount(bishop_reach(*game, square) & ~occupied(*game));
+}
+
+int knight_mobility(int square, const Game* game) {
+    return piece_colour(game->cells[square]) == 0 ? knight_targets<Side::white>(*game, square)
+                                                  : knight_targets<Side::black>(*game, square);
+}
+
+// Queens and rooks count twice.
+int king_tropism(int code, int square, int king_square) {
+    return (7 - square_distance[king_square][square]) * (piece_values[code] / 500 + 1);
+}
+
+int piece_placement(const Game* game) { return placement<Side::white>(*game) - placement<Side::black>(*game); }
+
+int evaluate(const Game* game, int, int, int) {
+    constexpr Side white = Side::white;
+    constexpr Side black = Side::black;
+    const Game& g = *game;
+    int s = g.material + piece_placement(game) + pawn_terms(game);
+    s += open_files<white>(g) - open_files<black>(g);
+    s += open_files_beside_king<white>(g) - open_files_beside_king<black>(g);
+    s += half_open_files<white>(g) - half_open_files<black>(g);
+    s += bishop_pair<white>(g) - bishop_pair<black>(g);
+    s += trades<white>(g) - trades<black>(g);
+    s += seventh_rank<white>(g) - seventh_rank<black>(g);
+    s += undeveloped_minors<white>(g) - undeveloped_minors<black>(g);
+    s += early_queen<white>(g) - early_queen<black>(g);
+    s += queen_against_rooks<white>(g) - queen_against_rooks<black>(g);
+    if (kings_are_safe(g)) return s;
+
+    const int safety = king_shelter(game) + king_attack(game);
+    s += queen_in_attack<white>(g, safety) - queen_in_attack<black>(g, -safety);
+    return s + safety;
+}
+
+}  // namespace varn

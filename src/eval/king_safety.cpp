@@ -1,0 +1,143 @@
+#include "eval/king_safety.h"
+
+#include <algorithm>
+
+#include "board/attacks.h"
+#include "eval/phase.h"
+#include "eval/tables.h"
+
+namespace varn {
+
+namespace {
+
+// --- Shelter ------------------------------------------------------------------------------------------------------
+
+// In centipawns.
+constexpr int whole_wall = 20;
+constexpr int missing_pawn = -5;
+constexpr int missing_kingside_rook_pawn = -3;
+
+/// Where a castled king of side S stands, and the pawns that it should have before it.
+struct Wing {
+    Bitboard king_squares;
+    Bitboard shut_in_rooks;  // a rook here has not come out: the king has walked, and has no shelter yet
+    Bitboard left, middle, right;
+    int missing_right;
+};
+
+template <Side S>
+constexpr Wing kingside_wing = {own_squares<S>(g1),           own_squares<S>(h1),
+                                ahead<S>(own_squares<S>(f1)), ahead<S>(own_squares<S>(g1)),
+                                ahead<S>(own_squares<S>(h1)), missing_kingside_rook_pawn};
+template <Side S>
+constexpr Wing queenside_wing = {own_squares<S>(b1, c1),       own_squares<S>(a1, b1),
+                                 ahead<S>(own_squares<S>(a1)), ahead<S>(own_squares<S>(b1)),
+                                 ahead<S>(own_squares<S>(c1)), missing_pawn};
+
+template <Side S> int shelter_on(const Game& g, const Wing& wing) {
+    if ((king_of<S>(g) & wing.king_squares) == 0 || (rooks_of<S>(g) & wing.shut_in_rooks) != 0) return 0;
+    const Bitboard gaps = (wing.left | wing.middle | wing.right) & ~pawns_of<S>(g);
+    if (gaps == 0) return whole_wall;
+    int score = 0;
+    if ((gaps & wing.left) != 0) score += missing_pawn;
+    // A bishop on the square makes good for the pawn, but doesn't make the wall whole.
+    if ((gaps & wing.middle & ~bishops_of<S>(g)) != 0) score += missing_pawn;
+    if ((gaps & wing.right) != 0) score += wing.missing_right;
+    return score;
+}
+
+template <Side S> int shelter(const Game& g) {
+    if (has_few_men<other(S)>(g)) return 0;
+    return shelter_on<S>(g, kingside_wing<S>) + shelter_on<S>(g, queenside_wing<S>);
+}
+
+// --- Attack -------------------------------------------------------------------------------------------------------
+
+// Of a man in the enemy king's zone, as counts for the table below.
+constexpr int queen_attack = 5;
+constexpr int rook_attack = 3;
+constexpr int minor_attack = 2;
+constexpr int pawn_attack = 1;
+
+/// An attacker's gain in centipawns, by attack count: a man alone is no attack, each one more weighs more than the
+/// last.
+constexpr Table<std::int32_t, 33> king_attack_weights = {{
+    0,   0,   0,   0,   5,   10,  15,  20,  30,  50,  70,   //
+    90,  120, 150, 200, 250, 300, 350, 400, 450, 500, 600,  //
+    600, 600, 600, 600, 600, 600, 600, 600, 600, 600, 600,  //
+}};
+
+template <Side S> int attack(const Game& g) {
+    const Bitboard zone = king_zone[king_square_of<other(S)>(g)];
+    const int count = queen_attack * popcount(queens_of<S>(g) & zone) + rook_attack * popcount(rooks_of<S>(g) & zone) +
+                      minor_attack * popcount((knights_of<S>(g) | bishops_of<S>(g)) & zone) +
+                      pawn_attack * popcount(pawns_of<S>(g) & zone);
+    // A crowd of promoted queens counts for more than the table holds.
+    return king_attack_weights[std::min(count, king_attack_weights.size() - 1)];
+}
+
+// --- Control ------------------------------------------------------------------------------------------------------
+
+constexpr int no_square = -1;
+
+/// By man: what its control of a square counts.
+constexpr Table<std::int32_t, 8> control_weights = {{50, 100, 660, 675, 450, 450, 450, 1000}};
+
+/// The man of side S that counts next: the cheapest, and the king only while no enemy attacks the square.
+template <Side S> int next_controller(const Game& g, Bitboard attackers) {
+    for (const Bitboard men : {pawns_of<S>(g), knights_of<S>(g), bishops_of<S>(g), rooks_of<S>(g), queens_of<S>(g)}) {
+        if ((men & attackers) != 0) return first_one(men & attackers);
+    }
+    const Bitboard kings = king_of<S>(g) & attackers;
+    return kings != 0 && (pieces_of<other(S)>(g) & attackers) == 0 ? first_one(kings) : no_square;
+}
+
+/// By danger count: what the enemy's hold on the squares round a king is worth to the enemy.
+constexpr Table<std::int32_t, 35> attack_eval_weights = {{
+    0,   2,   3,   6,   12,  18,  25,  37,  50,  75,  100, 125,  //
+    150, 175, 200, 225, 250, 275, 300, 325, 350, 375, 400, 425,  //
+    450, 475, 500, 525, 550, 575, 600, 600, 600, 600, 600,       //
+}};
+
+/// How firmly side S holds the squares of a region: up to 3 a square, so no more than the table above has slots for.
+template <Side S> int danger(const Game& g, Bitboard region) {
+    int count = 0;
+    while (region != 0) {
+        const int control = sign_of<S> * square_control(&g, pop_first(region));
+        count += (control > 0 ? 1 : 0) + (control > 1000 ? 1 : 0) + (control > 3000 ? 1 : 0);
+    }
+    return count;
+}
+
+}  // namespace
+
+int king_shelter(const Game* game) { return shelter<Side::white>(*game) - shelter<Side::black>(*game); }
+
+int king_attack(const Game* game) { return attack<Side::white>(*game) - attack<Side::black>(*game); }
+
+int square_control(const Game* game, int square) {
+    const Game& g = *game;
+    int balance = 0;
+    for (Bitboard attackers = attackers_of(game, square); attackers != 0;) {
+        int from = next_controller<Side::white>(g, attackers);
+        if (from == no_square) from = next_controller<Side::black>(g, attackers);
+        if (from == no_square) break;
+        const int code = g.cells[from];
+        balance += piece_colour(code) == 0 ? control_weights[man_of(code)] : -control_weights[man_of(code)];
+        attackers &= not_bit(from);
+        // Those behind join in, but nothing joins behind a king.
+        if (man_of(code) != king) attackers = add_xray(game, from, square, attackers);
+    }
+    return balance;
+}
+
+int attack_eval(const Game* game) {
+    const int attack_on_black = danger<Side::white>(*game, b_king_region[game->bking_sqr]);
+    // White's king is granted three points of danger, and black's none: the one score here that doesn't mirror.
+    constexpr int granted_to_white = 3;
+    int attack_on_white = danger<Side::black>(*game, w_king_region[game->wking_sqr]);
+    if (attack_on_white > granted_to_white) attack_on_white -= granted_to_white;
+    return attack_eval_weights[attack_on_black] - attack_eval_weights[attack_on_white];
+}
+
+}  // namespace varn

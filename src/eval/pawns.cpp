@@ -1,0 +1,151 @@
+#include "eval/pawns.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+
+#include "board/memory.h"
+#include "board/output.h"
+#include "eval/tables.h"
+
+namespace varn {
+
+std::int32_t phash_bytes = 1048576;
+
+namespace {
+
+// In centipawns.
+constexpr int doubled_pawns = -25;
+constexpr int tripled_pawns = -45;  // and more of them
+constexpr int isolated_pawn = -11;
+constexpr int backward_pawn = -9;
+constexpr int passed_pawn = 10;
+constexpr int rook_behind_passed_pawn = 30;
+constexpr int enemy_rook_before_passed_pawn = -30;
+
+// --- The pawn hash table ------------------------------------------------------------------------------------------
+
+/// Slots written under another generation than the table's count as empty, so that clearing is one increment. Fresh
+/// memory holds generation 0, which is never the table's.
+ZeroedBlock<PawnEntry> pawn_hash_table;
+std::uint64_t pawn_hash_slots = 0;
+std::uint16_t pawn_hash_generation = 1;
+
+PawnEntry& pawn_slot(const Game& g) { return pawn_hash_table[g.pawn_key % pawn_hash_slots]; }
+
+// --- Terms, each from the side's own point of view ----------------------------------------------------------------
+
+template <Side S> int doubled(const Game& g) {
+    int score = 0;
+    for (int file = 1; file <= 8; ++file) {
+        const int pawns = popcount(pawns_of<S>(g) & file_masks[file]);
+        if (pawns >= 2) score += pawns == 2 ? doubled_pawns : tripled_pawns;
+    }
+    return score;
+}
+
+/// A pawn is isolated without a neighbour, and backward if all neighbours have gone ahead of it: one or the other.
+template <Side S> int isolated_and_backward(const Game& g) {
+    int score = 0;
+    for (Bitboard left = pawns_of<S>(g); left != 0;) {
+        const int square = pop_first(left);
+        const Bitboard neighbours = pawns_of<S>(g) & adjacent_files[file_of(square)];
+        if (neighbours == 0) {
+            score += isolated_pawn;
+        } else if ((neighbours & ~ranks_ahead<S>(square)) == 0) {
+            score += backward_pawn;
+        }
+    }
+    return score;
+}
+
+template <Side S> int structure(const Game& g) { return doubled<S>(g) + isolated_and_backward<S>(g); }
+
+/// The pawns that no enemy pawn can stop or capture on their way. A pawn of their own before them doesn't matter.
+template <Side S> Bitboard passed_pawns(const Game& g) {
+    Bitboard passed = 0;
+    for (Bitboard left = pawns_of<S>(g); left != 0;) {
+        const int square = pop_first(left);
+        const Bitboard way = (file_masks[file_of(square)] | adjacent_files[file_of(square)]) & ranks_ahead<S>(square);
+        if ((pawns_of<other(S)>(g) & way) == 0) passed |= bit_mask(square);
+    }
+    return passed;
+}
+
+/// What passed pawns are worth: further ahead is better, a rook on the file helps from behind and hinders from before,
+/// whatever stands between.
+template <Side S> int passed_score(const Game& g, Bitboard passed) {
+    int score = 0;
+    while (passed != 0) {
+        const int square = pop_first(passed);
+        const Bitboard file = file_masks[file_of(square)];
+        score += passed_pawn + passed_pawn_bonus<S>[square];
+        if ((rooks_of<S>(g) & file & ranks_behind<S>(square)) != 0) score += rook_behind_passed_pawn;
+        if ((rooks_of<other(S)>(g) & file & ranks_ahead<S>(square)) != 0) score += enemy_rook_before_passed_pawn;
+    }
+    return score;
+}
+
+/// On each of the files the pawn on the lowest square.
+Bitboard first_on_files(Bitboard pawns, std::uint8_t files) {
+    Bitboard first = 0;
+    for (Bitboard left = pawns & whole_files(files); left != 0;) {
+        const int square = first_one(left);
+        first |= bit_mask(square);
+        left &= ~file_masks[file_of(square)];
+    }
+    return first;
+}
+
+int score_known_pawns(const Game& g, const PawnEntry& entry) {
+    return entry.score + passed_score<Side::white>(g, first_on_files(g.w_pawns, entry.w_passed)) -
+           passed_score<Side::black>(g, first_on_files(g.b_pawns, entry.b_passed));
+}
+
+int score_new_pawns(const Game& g) {
+    const int score = structure<Side::white>(g) - structure<Side::black>(g);
+    const Bitboard w_passed = passed_pawns<Side::white>(g);
+    const Bitboard b_passed = passed_pawns<Side::black>(g);
+    pawn_hash_store(&g, score, files_of(w_passed), files_of(b_passed));
+    return score + passed_score<Side::white>(g, w_passed) - passed_score<Side::black>(g, b_passed);
+}
+
+}  // namespace
+
+void pawn_hash_allocate() {
+    if (pawn_hash_table != nullptr) return;
+    if (phash_bytes > 0) {
+        pawn_hash_slots = std::max<std::uint64_t>(1, static_cast<std::uint64_t>(phash_bytes) / sizeof(PawnEntry));
+        pawn_hash_table = zeroed_block<PawnEntry>(pawn_hash_slots);
+    }
+    if (pawn_hash_table == nullptr) {
+        say("error:  cannot allocate %d bytes for pawn hash tables.\n", phash_bytes);
+        std::exit(1);
+    }
+}
+
+void pawn_hash_clear() {
+    if (pawn_hash_generation < std::numeric_limits<std::uint16_t>::max()) {
+        ++pawn_hash_generation;
+        return;
+    }
+    // The stamps have run out: wipe for real and start over.
+    std::fill_n(pawn_hash_table.get(), pawn_hash_slots, PawnEntry{});
+    pawn_hash_generation = 1;
+}
+
+PawnEntry* pawn_hash_probe(const Game* game) {
+    PawnEntry& entry = pawn_slot(*game);
+    return entry.generation == pawn_hash_generation && entry.lock == game->pawn_lock ? &entry : nullptr;
+}
+
+void pawn_hash_store(const Game* game, int score, std::uint8_t w_passed, std::uint8_t b_passed) {
+    pawn_slot(*game) = {score, w_passed, b_passed, pawn_hash_generation, game->pawn_lock};
+}
+
+int pawn_terms(const Game* game) {
+    const PawnEntry* known = pawn_hash_probe(game);
+    return known != nullptr ? score_known_pawns(*game, *known) : score_new_pawns(*game);
+}
+
+}  // namespace varn
