@@ -84,7 +84,7 @@ bool rival_on_line(const Game& g, int from, Bitboard line) {
 
 std::string disambiguation(Game* game, Move move) {
     if (!is_ambiguous(game, move)) return "";
-    const std::string name = square_text(move.from);
+    std::string name = square_text(move.from);
     if (!rival_on_line(*game, move.from, file_masks[file_of(move.from)])) return name.substr(0, 1);
     if (!rival_on_line(*game, move.from, rank_masks[rank_of(move.from)])) return name.substr(1, 1);
     return name;

@@ -1,0 +1,244 @@
+#include "process.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace varn {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+[[noreturn]] void refuse(const std::string& what) { throw std::system_error(errno, std::generic_category(), what); }
+
+std::filesystem::path make_folder() {
+    std::string name = (std::filesystem::temp_directory_path() / "varn-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) refuse(name);
+    return name;
+}
+
+void write_file(const std::filesystem::path& path, const std::string& content) {
+    std::ofstream stream(path, std::ios::binary);
+    stream << content;
+    if (!stream.flush()) refuse(path.string());
+}
+
+void close_end(int& end) {
+    if (end >= 0) close(end);
+    end = -1;
+}
+
+/// A pipe that no other process started meanwhile inherits: its end of input would never come.
+struct Pipe {
+    int read_end = -1;
+    int write_end = -1;
+
+    Pipe() {
+        std::array<int, 2> ends{};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0) refuse("pipe");
+        read_end = ends[0];
+        write_end = ends[1];
+    }
+    ~Pipe() {
+        close_end(read_end);
+        close_end(write_end);
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+};
+
+int take(int& end) { return std::exchange(end, -1); }
+
+/// The child's side of the start. Other threads of the parent don't exist here, but their locks do: system calls only.
+[[noreturn]] void become_engine(const char* folder, const Pipe& input, const Pipe& output) {
+    constexpr int cannot_execute = 127;  // as a shell has it
+    const bool connected = dup2(input.read_end, STDIN_FILENO) >= 0 && dup2(output.write_end, STDOUT_FILENO) >= 0;
+    std::signal(SIGPIPE, SIG_DFL);
+    if (connected && chdir(folder) == 0) execl(VARN_EXECUTABLE, VARN_EXECUTABLE, static_cast<char*>(nullptr));
+    _exit(cannot_execute);
+}
+
+/// For `poll`: what is left until the deadline, rounded up, at least 0.
+int remaining_ms(std::chrono::steady_clock::time_point deadline) {
+    const auto left = std::chrono::ceil<milliseconds>(deadline - std::chrono::steady_clock::now());
+    return static_cast<int>(std::max(left, milliseconds(0)).count());
+}
+
+}  // namespace
+
+const Files& default_files() {
+    static const Files files = {{"varn.ini", "hash 16\nqhash 1048576\n"}};
+    return files;
+}
+
+Process::Process(const Files& files) : folder_(make_folder()) {
+    // A constructor that throws is not followed by the destructor.
+    try {
+        for (const auto& [name, content] : files) write_file(folder_ / name, content);
+        start();
+    } catch (...) {
+        std::filesystem::remove_all(folder_);
+        throw;
+    }
+}
+
+Process::~Process() {
+    kill_and_reap();
+    close_end(input_);
+    close_end(output_);
+    std::error_code ignored;  // a folder left behind fails no test
+    std::filesystem::remove_all(folder_, ignored);
+}
+
+void Process::start() {
+    Pipe input;
+    Pipe output;
+    // Writing to an engine that has ended is an error to be met, not the end of the tests.
+    std::signal(SIGPIPE, SIG_IGN);
+    const std::string folder = folder_.string();
+    pid_ = fork();
+    if (pid_ < 0) refuse("fork");
+    if (pid_ == 0) become_engine(folder.c_str(), input, output);
+    fcntl(input.write_end, F_SETFL, O_NONBLOCK);
+    fcntl(output.read_end, F_SETFL, O_NONBLOCK);
+    input_ = take(input.write_end);
+    output_ = take(output.read_end);
+}
+
+void Process::send(std::string_view text) {
+    pending_ += text;
+    write_pending();
+}
+
+void Process::close_input() {
+    input_ends_ = true;
+    write_pending();
+}
+
+std::string Process::read_until(std::string_view text, milliseconds timeout) {
+    const Clock::time_point deadline = Clock::now() + timeout;
+    std::size_t searched = 0;
+    for (bool going = true;; going = exchange(deadline)) {
+        const std::size_t found = unread_.find(text, searched);
+        if (found != std::string::npos) {
+            std::string read = unread_.substr(0, found + text.size());
+            unread_.erase(0, read.size());
+            return read;
+        }
+        if (!going) {
+            throw std::runtime_error("no \"" + std::string(text) +
+                                     (output_ < 0 ? "\" before the end of the output: \"" : "\" in time in: \"") +
+                                     unread_ + '"');
+        }
+        // The text may have begun already.
+        searched = unread_.size() - std::min(unread_.size(), text.size());
+    }
+}
+
+Outcome Process::finish(milliseconds timeout) {
+    const Clock::time_point deadline = Clock::now() + timeout;
+    while (exchange(deadline)) {
+    }
+    const bool ended = has_ended(deadline);
+    kill_and_reap();
+    Outcome outcome = {std::exchange(unread_, {}), 0};
+    if (!ended) outcome.output += "\n[killed: still running after " + std::to_string(timeout.count()) + " ms]\n";
+    outcome.status = WIFEXITED(status_) ? WEXITSTATUS(status_) : -WTERMSIG(status_);
+    return outcome;
+}
+
+std::string Process::file(const std::string& name) const {
+    std::ifstream stream(folder_ / name, std::ios::binary);
+    if (!stream) refuse(name);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// Waits until the engine takes input or gives output, and carries out what it can. False once the output has ended or
+/// the deadline has passed.
+bool Process::exchange(Clock::time_point deadline) {
+    if (output_ < 0) return false;
+    // A negative descriptor is skipped: an input with nothing to write would always be ready.
+    std::array<pollfd, 2> ends = {{{output_, POLLIN, 0}, {pending_.empty() ? -1 : input_, POLLOUT, 0}}};
+    const int ready = poll(ends.data(), ends.size(), remaining_ms(deadline));
+    if (ready < 0 && errno != EINTR) refuse("poll");
+    if (ready > 0 && ends[1].revents != 0) write_pending();
+    if (ready > 0 && ends[0].revents != 0) read_available();
+    return output_ >= 0 && Clock::now() < deadline;
+}
+
+void Process::write_pending() {
+    while (input_ >= 0 && !pending_.empty()) {
+        const ssize_t written = write(input_, pending_.data(), pending_.size());
+        if (written >= 0) {
+            pending_.erase(0, static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN) {
+            return;
+        } else if (errno != EINTR) {
+            close_end(input_);
+        }
+    }
+    if (input_ < 0) pending_.clear();
+    if (input_ends_) close_end(input_);
+}
+
+void Process::read_available() {
+    std::vector<char> buffer(1 << 16);
+    for (;;) {
+        const ssize_t length = read(output_, buffer.data(), buffer.size());
+        if (length > 0) {
+            unread_.append(buffer.data(), static_cast<std::size_t>(length));
+        } else if (length < 0 && errno == EINTR) {
+            continue;
+        } else {
+            if (length == 0) close_end(output_);
+            return;
+        }
+    }
+}
+
+/// Waits for the end of the process, whose output may have ended earlier.
+bool Process::has_ended(Clock::time_point deadline) {
+    while (pid_ >= 0) {
+        const pid_t ended = waitpid(pid_, &status_, WNOHANG);
+        if (ended == pid_) {
+            pid_ = -1;
+        } else if (Clock::now() >= deadline) {
+            return false;
+        } else {
+            std::this_thread::sleep_for(milliseconds(1));
+        }
+    }
+    return true;
+}
+
+void Process::kill_and_reap() {
+    if (pid_ < 0) return;
+    kill(pid_, SIGKILL);
+    while (waitpid(pid_, &status_, 0) < 0 && errno == EINTR) {
+    }
+    pid_ = -1;
+}
+
+Outcome run_console(std::string_view input, const Files& files, milliseconds timeout) {
+    Process engine(files);
+    engine.send(input);
+    engine.close_input();
+    return engine.finish(timeout);
+}
+
+}  // namespace varn
