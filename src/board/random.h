@@ -19,6 +19,15 @@ public:
         return mixed ^ (mixed >> 31);
     }
 
+    /// A number from 0 to `range` - 1, each as likely as the others; `range` must not be 0.
+    constexpr std::uint64_t below(std::uint64_t range) {
+        // The few lowest draws, which would favour small remainders, are drawn again.
+        const std::uint64_t uneven = (0 - range) % range;
+        std::uint64_t drawn = next();
+        while (drawn < uneven) drawn = next();
+        return drawn % range;
+    }
+
 private:
     std::uint64_t state_;
 };

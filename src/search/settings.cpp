@@ -9,10 +9,10 @@ namespace varn {
 
 std::int32_t hash_bits = 21;
 std::int32_t qhash_bytes = 16777216;
-std::int32_t ply_limit = 50;
 std::int32_t xboard_mode = 0;
-std::int32_t post_thinking = 1;
 std::int32_t book_enabled = 0;
+std::atomic<std::int32_t> ply_limit = 50;
+std::atomic<std::int32_t> post_thinking = 1;
 
 namespace {
 

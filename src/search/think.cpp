@@ -17,7 +17,7 @@
 
 namespace varn {
 
-const Move* (*book_move)(Game* game) = nullptr;
+std::optional<Move> (*book_hook)(Game* game) = nullptr;
 Move predicted_move;
 std::int32_t predicted_valid;
 
@@ -37,11 +37,11 @@ const Move* choose(Move move) {
     return &chosen_move;
 }
 
-const Move* ask_book(Game* game) {
-    if (book_enabled != 1) return nullptr;
-    const Move* move = book_move != nullptr ? book_move(game) : nullptr;
-    if (move == nullptr) book_enabled = 0;
-    return move;
+std::optional<Move> ask_book(Game* game) {
+    if (book_enabled != 1) return std::nullopt;
+    if (book_hook != nullptr) return book_hook(game);
+    book_enabled = 0;
+    return std::nullopt;
 }
 
 /// The legal moves of the root, in the order of generation.
@@ -112,7 +112,7 @@ void set_trade_flags(const Game& game) {
 /// Deepens until the clock or the last depth ends it; returns the speed of the last finished iteration.
 double deepen(Game* game) {
     const Game saved = *game;
-    const int last_depth = std::clamp(ply_limit, 1, deepest_iteration);
+    const int last_depth = std::clamp(ply_limit.load(), 1, deepest_iteration);
     double nodes_per_second = 0;
     search_nodes = 0;
     start_clock();
@@ -137,7 +137,7 @@ void predict_reply() {
 
 const Move* think(Game* game) {
     predicted_valid = 0;
-    if (const Move* move = ask_book(game)) return choose(*move);
+    if (const auto move = ask_book(game)) return choose(*move);
     const MoveList* legal = legal_root_moves(game);
     if (legal->count == 0) return nullptr;
     const Move first_legal = legal->moves[0];

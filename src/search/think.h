@@ -2,13 +2,15 @@
 // last depth ends it, and says what it thinks as it goes.
 #pragma once
 
+#include <optional>
+
 #include "search/search.h"
 
 namespace varn {
 
-/// Asked for a move before any search while `book_enabled` is 1; null, with `book_enabled` cleared, where it has none.
-/// Whoever owns a book sets it; until then there is none.
-extern const Move* (*book_move)(Game* game);
+/// Asked for a legal move before any search while `book_enabled` is 1; gives none, and clears `book_enabled`, where the
+/// book has no move. Whoever owns a book sets it; until then there is none.
+extern std::optional<Move> (*book_hook)(Game* game);
 
 // The reply that the last search expects, the second move of its main line, if `predicted_valid` is 1.
 extern Move predicted_move;
