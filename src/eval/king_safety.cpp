@@ -78,19 +78,8 @@ template <Side S> int attack(const Game& g) {
 
 // --- Control ------------------------------------------------------------------------------------------------------
 
-constexpr int no_square = -1;
-
 /// By man: what its control of a square counts.
 constexpr Table<std::int32_t, 8> control_weights = {{50, 100, 660, 675, 450, 450, 450, 1000}};
-
-/// The man of side S that counts next: the cheapest, and the king only while no enemy attacks the square.
-template <Side S> int next_controller(const Game& g, Bitboard attackers) {
-    for (const Bitboard men : {pawns_of<S>(g), knights_of<S>(g), bishops_of<S>(g), rooks_of<S>(g), queens_of<S>(g)}) {
-        if ((men & attackers) != 0) return first_one(men & attackers);
-    }
-    const Bitboard kings = king_of<S>(g) & attackers;
-    return kings != 0 && (pieces_of<other(S)>(g) & attackers) == 0 ? first_one(kings) : no_square;
-}
 
 /// By danger count: what the enemy's hold on the squares round a king is worth to the enemy.
 constexpr Table<std::int32_t, 35> attack_eval_weights = {{
@@ -115,17 +104,14 @@ int king_shelter(const Game* game) { return shelter<Side::white>(*game) - shelte
 
 int king_attack(const Game* game) { return attack<Side::white>(*game) - attack<Side::black>(*game); }
 
+// The attackers may come in any order: who joins in behind a man hangs on the board alone. A king may come only where
+// no enemy is left to capture it; of two kings neither can, and counting both comes to the same.
 int square_control(const Game* game, int square) {
-    const Game& g = *game;
     int balance = 0;
     for (Bitboard attackers = attackers_of(game, square); attackers != 0;) {
-        int from = next_controller<Side::white>(g, attackers);
-        if (from == no_square) from = next_controller<Side::black>(g, attackers);
-        if (from == no_square) break;
-        const int code = g.cells[from];
+        const int from = pop_first(attackers);
+        const int code = game->cells[from];
         balance += piece_colour(code) == 0 ? control_weights[man_of(code)] : -control_weights[man_of(code)];
-        attackers &= not_bit(from);
-        // Those behind join in, but nothing joins behind a king.
         if (man_of(code) != king) attackers = add_xray(game, from, square, attackers);
     }
     return balance;

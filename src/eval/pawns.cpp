@@ -134,8 +134,8 @@ void pawn_hash_clear() {
     pawn_hash_generation = 1;
 }
 
-PawnEntry* pawn_hash_probe(const Game* game) {
-    PawnEntry& entry = pawn_slot(*game);
+const PawnEntry* pawn_hash_probe(const Game* game) {
+    const PawnEntry& entry = pawn_slot(*game);
     return entry.generation == pawn_hash_generation && entry.lock == game->pawn_lock ? &entry : nullptr;
 }
 

@@ -32,7 +32,7 @@ void pawn_hash_clear();
 // Both need an allocated table.
 
 /// The slot of these pawns if it is theirs, else null; valid until the next store.
-PawnEntry* pawn_hash_probe(const Game* game);
+const PawnEntry* pawn_hash_probe(const Game* game);
 void pawn_hash_store(const Game* game, int score, std::uint8_t w_passed, std::uint8_t b_passed);
 
 /// The pawns' score in centipawns from white's point of view. Where the table knows the pawns it scores one passed pawn

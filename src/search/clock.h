@@ -13,7 +13,7 @@ extern std::uint32_t quiescent_nodes;
 // The first of these over all iterations of the last move, the unfinished one included.
 extern std::uint64_t search_nodes;
 
-// Shared by two threads, hence atomic; each is a word on its own, so relaxed order does.
+// Shared by two threads, hence atomic.
 extern std::atomic<std::uint32_t> clock_running;   // 1 while the search may go on
 extern std::atomic<std::uint32_t> clock_start_ms;  // the clock when `start_clock` ran
 extern std::atomic<std::int32_t> time_limit_ms;    // the budget in milliseconds, read as unsigned by the test
@@ -23,6 +23,8 @@ std::uint32_t clock_ms();
 
 /// The budget counts from now, and the search may run.
 void start_clock();
+/// A new budget that counts from now, for a search that may be running on the other thread.
+void restart_clock(std::int32_t limit_ms);
 
 /// Reads the clock; past the budget the search may not run on.
 bool clock_ok_now();

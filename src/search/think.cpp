@@ -127,8 +127,12 @@ double deepen(Game* game) {
     return nodes_per_second;
 }
 
-void predict_reply() {
+/// The main line's second move. What a sibling left behind the first one may not follow from it: no reply then.
+void predict_reply(const Game& game) {
     if (main_pv.length < 2) return;
+    Game after = game;
+    make_move(&after, main_pv.moves[0]);
+    if (!is_valid_move(&after, main_pv.moves[1])) return;
     predicted_move = main_pv.moves[1];
     predicted_valid = 1;
 }
@@ -149,7 +153,7 @@ const Move* think(Game* game) {
     start_afresh(*game);
     const double nodes_per_second = deepen(game);
     if (xboard_mode == 0) say("\nNPS: %d\n\n", printable(nodes_per_second));
-    predict_reply();
+    predict_reply(*game);
     // A search stopped before its first move raised alpha has no line; any legal move is better than none.
     return choose(main_pv.length > 0 ? main_pv.moves[0] : first_legal);
 }

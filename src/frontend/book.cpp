@@ -1,0 +1,95 @@
+#include "frontend/book.h"
+
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "board/legality.h"
+#include "board/notation.h"
+#include "board/output.h"
+#include "board/random.h"
+#include "search/settings.h"
+
+namespace varn {
+
+namespace {
+
+constexpr int last_book_ply = 20;       // moves with a greater number in the game end the book
+constexpr std::size_t move_length = 4;  // characters of a move in a row
+
+std::vector<std::string> book_lines;  // without their line ends
+RandomSource book_random(0);
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+/// The next row of the file, its line end taken off; none at the end of the file.
+std::optional<std::string> read_row(std::FILE* file) {
+    char buffer[book_row_length + 1];
+    if (std::fgets(buffer, sizeof buffer, file) == nullptr) return std::nullopt;
+    std::string row = buffer;
+    row.resize(row.find_last_not_of("\r\n") + 1);
+    return row;
+}
+
+/// The moves of the game as a row has them; none where the game is too long for the book.
+std::optional<std::string> text_of_game(const Game& game) {
+    if (game.move_counter > last_book_ply + 1) return std::nullopt;
+    std::string text;
+    for (int i = 0; i < game.move_counter; ++i) text += move_text(game.game_moves[i]).substr(0, move_length);
+    return text;
+}
+
+bool is_candidate(std::string_view row, std::string_view text) {
+    const bool ends_by_comma = row.size() > text.size() && row[text.size()] == ',';
+    return row.starts_with(text) && !ends_by_comma;
+}
+
+/// One of the rows that go on from the text, each as likely as the others; null where there is none.
+const std::string* draw_row(std::string_view text) {
+    std::vector<const std::string*> candidates;
+    for (const std::string& row : book_lines) {
+        if (is_candidate(row, text)) candidates.push_back(&row);
+    }
+    return candidates.empty() ? nullptr : candidates[book_random.below(candidates.size())];
+}
+
+std::optional<Move> find_move(Game* game) {
+    const auto text = text_of_game(*game);
+    if (!text) return std::nullopt;
+    const std::string* row = draw_row(*text);
+    if (row == nullptr) return std::nullopt;
+    const Move move = parse_move(std::string_view(*row).substr(text->size(), move_length), game);
+    return is_valid_move(game, move) ? std::optional(move) : std::nullopt;
+}
+
+}  // namespace
+
+void load_book(const char* file_name) {
+    book_lines.clear();
+    book_random = RandomSource(static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()));
+    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(file_name, "r"));
+    if (file == nullptr) return;
+    while (auto row = read_row(file.get())) {
+        if (book_line_count() == book_capacity) {
+            say("%s has more than %d rows: the rest is left out.\n", file_name, book_capacity);
+            return;
+        }
+        book_lines.push_back(std::move(*row));
+    }
+}
+
+int book_line_count() { return static_cast<int>(book_lines.size()); }
+
+const std::string& book_line(int row) { return book_lines[static_cast<std::size_t>(row)]; }
+
+std::optional<Move> book_move(Game* game) {
+    const auto move = find_move(game);
+    if (!move) book_enabled = 0;
+    return move;
+}
+
+}  // namespace varn

@@ -1,0 +1,32 @@
+#include "frontend/numbers.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace varn {
+
+namespace {
+
+constexpr std::string_view blanks = " \t\n\v\f\r";
+
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+}  // namespace
+
+std::optional<std::int32_t> take_number(std::string_view& text) {
+    constexpr std::int64_t lowest = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int64_t highest = std::numeric_limits<std::int32_t>::max();
+    std::string_view rest = text.substr(std::min(text.find_first_not_of(blanks), text.size()));
+    const bool negative = rest.starts_with('-');
+    if (negative || rest.starts_with('+')) rest.remove_prefix(1);
+    if (rest.empty() || !is_digit(rest.front())) return std::nullopt;
+
+    std::int64_t number = 0;
+    for (; !rest.empty() && is_digit(rest.front()); rest.remove_prefix(1)) {
+        number = std::min(number * 10 + (rest.front() - '0'), highest + 1);
+    }
+    text = rest;
+    return static_cast<std::int32_t>(std::clamp(negative ? -number : number, lowest, highest));
+}
+
+}  // namespace varn

@@ -1,0 +1,53 @@
+#include "frontend/perft.h"
+
+#include <chrono>
+
+#include "board/make.h"
+#include "board/movegen.h"
+#include "board/output.h"
+#include "frontend/compare_games.h"
+#include "frontend/numbers.h"
+
+namespace varn {
+
+namespace {
+
+/// Legal lines of so many plies. The depth left serves as ply, so that each level has slots of its own.
+std::uint64_t perft_count(Game* game, int depth) {
+    if (depth == 0) return 1;
+    std::uint64_t leaves = 0;
+    const MoveList* list = generate_all(game, depth);
+    for (int i = 0; i < list->count; ++i) {
+        const Move move = list->moves[i];
+        const UndoRecord* undo = save_undo(game, move, depth);
+        if (!make_if_legal(game, move, depth, undo)) continue;
+        leaves += perft_count(game, depth - 1);
+        unmake_move(game, move, undo);
+    }
+    return leaves;
+}
+
+}  // namespace
+
+void perft(Game* game, int depth) {
+    const Game copy = *game;
+    const auto started = std::chrono::steady_clock::now();
+    say("running perft=%d\n", depth);
+    const std::uint64_t leaves = perft_count(game, depth);
+    const auto taken = std::chrono::steady_clock::now() - started;
+    say("Counted: %llu nodes in %d seconds.\n", static_cast<unsigned long long>(leaves),
+        static_cast<int>(std::chrono::duration_cast<std::chrono::seconds>(taken).count()));
+    compare_games(&copy, game);
+}
+
+void count_moves(Console& console, const CommandLine& line) {
+    std::string_view rest = line.rest;
+    const auto depth = take_number(rest);
+    if (!depth || *depth < 0 || *depth > last_ply) {
+        ignore_line(line);
+    } else if (!refuse_unplayable(console.game.get())) {
+        perft(console.game.get(), *depth);
+    }
+}
+
+}  // namespace varn

@@ -1,0 +1,162 @@
+// The opening book: the file that is shipped, move by move, and what is drawn from books made for the purpose.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+
+#include "board/notation.h"
+#include "frontend/book.h"
+#include "positions.h"
+#include "search/settings.h"
+
+namespace varn {
+namespace {
+
+constexpr int draws = 2000;
+constexpr int tolerance = 150;  // of the draws: more than six standard deviations of the evenest draw
+const std::string off = "off";  // for a book that gives no move and is switched off
+
+std::string moves_of_row(int row) { return book_line(row).substr(0, book_line(row).find(',')); }
+
+/// Plays one move after the other, each in four characters, up to the first that isn't legal; tells which one it was.
+std::string first_illegal_move(std::string_view moves, Game* game) {
+    for (std::size_t i = 0; i < moves.size(); i += 4) {
+        const Move move = parse_move(moves.substr(i, 4), game);
+        if (!is_valid_move(game, move)) return std::string(moves.substr(i, 4));
+        play_move(move, game);
+    }
+    return "";
+}
+
+/// A book is process-wide: the next test begins without one.
+class Book : public ::testing::Test {
+protected:
+    Book() { std::filesystem::create_directory(folder_); }
+    ~Book() override {
+        std::filesystem::remove_all(folder_);
+        load_book(file().c_str());
+        book_enabled = 0;
+    }
+
+    std::string file() const { return (folder_ / "book.dat").string(); }
+
+    /// Loads the file, or no book where there is none; gives what was said meanwhile.
+    std::string load() {
+        ::testing::internal::CaptureStdout();
+        load_book(file().c_str());
+        return ::testing::internal::GetCapturedStdout();
+    }
+    std::string load(const std::string& text) {
+        std::ofstream(file(), std::ios::binary) << text;
+        return load();
+    }
+
+    /// How often the book answers the moves with what, in as many questions.
+    std::map<std::string, int> answers(std::string_view moves, int questions) {
+        const auto game = new_game(false);
+        EXPECT_EQ(first_illegal_move(moves, game.get()), "");
+        std::map<std::string, int> counts;
+        for (int i = 0; i < questions; ++i) {
+            book_enabled = 1;
+            const auto move = book_move(game.get());
+            EXPECT_EQ(book_enabled, move ? 1 : 0) << moves;
+            ++counts[move ? move_text(*move) : off];
+        }
+        return counts;
+    }
+    std::string answer(std::string_view moves) { return answers(moves, 1).begin()->first; }
+
+private:
+    std::filesystem::path folder_ = std::filesystem::temp_directory_path() / ("varn-book-" + std::to_string(getpid()));
+};
+
+TEST_F(Book, AsShippedIsLegalSortedAndLarge) {
+    load_book(VARN_DATA_FOLDER "/book.dat");
+    ASSERT_GE(book_line_count(), 500);
+    for (int row = 0; row < book_line_count(); ++row) {
+        const std::string moves = moves_of_row(row);
+        const auto game = new_game(false);
+        EXPECT_LT(moves.size(), book_line(row).size()) << "no name: " << moves;
+        EXPECT_EQ(moves.size() % 4, 0U) << moves;
+        EXPECT_EQ(first_illegal_move(moves, game.get()), "") << moves;
+        if (row == 0) continue;
+        // In a sorted file a row that another one only prolongs stands right before such a row.
+        EXPECT_LT(moves_of_row(row - 1), moves);
+        EXPECT_FALSE(moves.starts_with(moves_of_row(row - 1))) << moves;
+    }
+}
+
+TEST_F(Book, AnswersByTheCountOfFittingRows) {
+    struct Case {
+        std::string rows, moves;
+        std::map<std::string, double> expected;  // shares of the draws
+    };
+    const Case cases[] = {
+        {"e2e4e7e5\ne2e4c7c5\n", "e2e4", {{"e7e5", 0.5}, {"c7c5", 0.5}}},
+        {"d2d4d7d5\nd2d4g8f6\ne2e4c7c5\ne2e4e7e5\ne2e4e7e6\n", "", {{"d2d4", 0.4}, {"e2e4", 0.6}}},
+        {"e2e4c7c5g1f3\ne2e4c7c5g1f3\ne2e4c7c5g1f3\ne2e4c7c5b1c3\n", "e2e4c7c5", {{"g1f3", 0.75}, {"b1c3", 0.25}}},
+        {"e2e4c7c5\nd2d4d7d5\ne2e4e7e5\n", "e2e4", {{"c7c5", 0.5}, {"e7e5", 0.5}}},  // apart from each other
+        {"e2e4\ne2e4e7e5\n", "e2e4", {{off, 0.5}, {"e7e5", 0.5}}},
+        {"e2e4,any text\ne2e4e7e5,any text", "e2e4", {{"e7e5", 1}}},
+        {"e2e4,any text\n", "e2e4", {{off, 1}}},
+        {"e2e4,e7e5\n", "e2e4", {{off, 1}}},
+        {"e2e4\n", "e2e4", {{off, 1}}},
+        {"e2e4e7e5\r\n", "", {{"e2e4", 1}}},
+        {"e2e4e7e5\r\n", "e2e4", {{"e7e5", 1}}},
+        {"e2e4e7e5\r\n", "e2e4e7e5", {{off, 1}}},
+        {"d2d4d7d5c2c4e7e6\n", "c2c4e7e6d2d4", {{off, 1}}},  // the moves of a row in another order
+        {"e2e4e2e4\ne2e4e7e4\n", "e2e4", {{off, 1}}},        // moves that can't be played
+        {"e2e4e7e\ne2e4x9x9\ne2e4 \n", "e2e4", {{off, 1}}},  // and that aren't any
+        {"\n\n", "", {{off, 1}}},
+    };
+    for (const auto& [rows, moves, expected] : cases) {
+        EXPECT_EQ(load(rows), "");
+        auto counts = answers(moves, draws);
+        for (const auto& [move, share] : expected) EXPECT_NEAR(counts[move], draws * share, tolerance) << rows << move;
+        EXPECT_EQ(counts.size(), expected.size()) << rows;
+    }
+}
+
+TEST_F(Book, EndsBehindTheTwentySecondMove) {
+    std::string row;
+    while (row.size() < 24 * 4) row += "g1f3g8f6f3g1f6g8";
+    load(row + '\n');
+    for (std::size_t length = 0; length < row.size(); length += 4) {
+        EXPECT_EQ(answer(row.substr(0, length)), length <= 21 * 4 ? row.substr(length, 4) : off) << length / 4;
+    }
+}
+
+TEST_F(Book, ReadsALongLineAsTwoRows) {
+    for (const std::size_t length : {98U, 99U, 120U}) {
+        const std::string line = "e2e4e7e5," + std::string(length - 9, 'x'), next = "d2d4d7d5";
+        const bool fits = length < book_row_length;
+        EXPECT_EQ(load(line + '\n' + next), "");
+        ASSERT_EQ(book_line_count(), fits ? 2 : 3);
+        EXPECT_EQ(book_line(0), line.substr(0, book_row_length));
+        EXPECT_EQ(book_line(1), fits ? next : line.substr(book_row_length));
+    }
+}
+
+TEST_F(Book, LeavesOutWhatItHasNoRoomFor) {
+    std::string rows = "c2c4e7e5\n";
+    for (int row = 1; row < book_capacity; ++row) rows += "e2e4e7e5\n";
+    EXPECT_EQ(load(rows), "");
+    EXPECT_EQ(book_line_count(), book_capacity);
+    EXPECT_EQ(load(rows + "d2d4d7d5\nd2d4d7d5\n"), file() + " has more than 10000 rows: the rest is left out.\n");
+    EXPECT_EQ(book_line_count(), book_capacity);
+    EXPECT_EQ(answer("c2c4"), "e7e5");
+    EXPECT_EQ(answer("d2d4"), off);
+}
+
+TEST_F(Book, IsEmptyWithoutItsFile) {
+    load("e2e4e7e5\n");
+    std::filesystem::remove(file());
+    EXPECT_EQ(load(), "");
+    EXPECT_EQ(book_line_count(), 0);
+    EXPECT_EQ(answer(""), off);
+}
+
+}  // namespace
+}  // namespace varn

@@ -1,0 +1,197 @@
+// Make and unmake against a model that knows the mailbox and the rules of the game only: whatever is kept incrementally
+// must equal what the model computes anew, and whatever was made must be taken back to the last byte.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <utility>
+
+#include "board/attacks.h"
+#include "board/notation.h"
+#include "positions.h"
+
+namespace varn {
+namespace {
+
+PositionKeys combine(PositionKeys a, PositionKeys b) { return {a.key ^ b.key, a.lock ^ b.lock}; }
+PositionKeys combine(PositionKeys a, std::uint64_t number) { return combine(a, PositionKeys{number, number}); }
+
+/// A position without boards or counts. The hashes are exact only relative to their start: `stray` is by how much the
+/// position's are off the sums over its men, through lost rights and null moves; `pawn_stray` never changes.
+struct Model {
+    Table<PieceCode, square_count> cells;
+    std::uint32_t w_castle, b_castle;
+    std::uint8_t turn, fifty;
+    Bitboard enpassant;
+    int ep_side;
+    PositionKeys stray, pawn_stray;
+};
+
+PositionKeys stray_of(const Game& g) { return combine(keys_of(g), position_keys(g)); }
+PositionKeys pawn_stray_of(const Game& g) {
+    return combine(combine({g.pawn_key, g.pawn_lock}, pawn_keys(g)), g.turn == 1 ? zobrist_side_number : 0);
+}
+
+Model model_of(const Game& g) {
+    return {g.cells, g.w_castle, g.b_castle, g.turn, g.fifty, g.enpassant, g.ep_side, stray_of(g), pawn_stray_of(g)};
+}
+
+/// A right falls as soon as the king or the rook that carries it isn't at home.
+void keep_rights(Model& m, std::uint32_t& rights, int king_code, int home, std::uint64_t kings, std::uint64_t queens) {
+    const bool is_home = m.cells[home] == king_code;
+    const bool loses[2] = {(rights & 1) != 0 && !(is_home && m.cells[home - 3] == king_code + kingside_rook),
+                           (rights & 2) != 0 && !(is_home && m.cells[home + 4] == king_code + queenside_rook)};
+    m.stray = combine(m.stray, (loses[0] ? kings : 0) ^ (loses[1] ? queens : 0));
+    rights ^= static_cast<std::uint32_t>(loses[0] + 2 * loses[1]);
+}
+
+Model after(Model m, Move move) {
+    auto& cells = m.cells;
+    const PieceCode mover = cells[move.from];
+    const bool is_pawn = man_of(mover) == pawn, is_king = man_of(mover) == king;
+    m.fifty = is_pawn || cells[move.to] != no_piece ? 0 : static_cast<std::uint8_t>(std::min(m.fifty + 1, 255));
+    cells[move.to] = is_promotion(move.kind) ? static_cast<PieceCode>(move.kind) : mover;
+    cells[move.from] = no_piece;
+    if (is_pawn && m.enpassant == bit_mask(move.to)) cells[move.from / 8 * 8 + move.to % 8] = no_piece;
+    if (is_king && move.from - move.to == 2) std::swap(cells[move.to - 1], cells[move.to + 1]);
+    if (is_king && move.to - move.from == 2) std::swap(cells[move.to + 2], cells[move.to - 1]);
+    keep_rights(m, m.w_castle, 0, e1, w_kingside_number, w_queenside_number);
+    keep_rights(m, m.b_castle, 8, e8, b_kingside_number, b_queenside_number);
+
+    const int rival = mover ^ 8, file = move.to % 8;
+    const bool beside = (file > 0 && cells[move.to - 1] == rival) || (file < 7 && cells[move.to + 1] == rival);
+    const bool capturable = is_pawn && std::abs(move.from - move.to) == 16 && beside;
+    m.enpassant = capturable ? bit_mask((move.from + move.to) / 2) : 0;
+    m.turn ^= 1;
+    m.ep_side = capturable ? m.turn : -1;
+    return m;
+}
+
+void expect_agreement(const Game& g, const Model& m) {
+    Table<Bitboard, piece_code_count> boards{};
+    Bitboard r90 = 0, r45f = 0, r45b = 0, men[2] = {};
+    int material[2] = {};
+    for (int square = 0; square < square_count; ++square) {
+        const int code = m.cells[square];
+        EXPECT_EQ(g.cells[square], code) << square;
+        if (code == no_piece) continue;
+        boards[is_rook(man_of(code)) ? (code & 8) + plain_rook : code] |= bit_mask(square);
+        men[code / 8] |= bit_mask(square);
+        r90 |= bit_mask(r90_map[square]);
+        r45f |= bit_mask(r45f_map[square]);
+        r45b |= bit_mask(r45b_map[square]);
+        material[code / 8] += Table<int, 8>{{0, 950, 310, 300, 500, 500, 500, 100}}[code % 8];
+    }
+    EXPECT_EQ(boards, (Table<Bitboard, piece_code_count>{
+                          {g.w_king, g.w_queens, g.w_bishops, g.w_knights, 0, 0, g.w_rooks, g.w_pawns,  //
+                           g.b_king, g.b_queens, g.b_bishops, g.b_knights, 0, 0, g.b_rooks, g.b_pawns}}));
+    EXPECT_EQ((Table<Bitboard, 5>{{men[0], men[1], r90, r45f, r45b}}),
+              (Table<Bitboard, 5>{{g.w_pieces, g.b_pieces, g.r90, g.r45f, g.r45b}}));
+    EXPECT_EQ(g.material, material[0] - material[1]);
+    EXPECT_EQ((Table<int, 4>{{first_one(boards[0]), first_one(boards[8]), material[0], material[1]}}),
+              (Table<int, 4>{{g.wking_sqr, g.bking_sqr, g.w_material, g.b_material}}));
+    EXPECT_EQ((Table<Bitboard, 6>{{m.w_castle, m.b_castle, m.turn, m.fifty, m.enpassant, Bitboard(m.ep_side)}}),
+              (Table<Bitboard, 6>{{g.w_castle, g.b_castle, g.turn, g.fifty, g.enpassant, Bitboard(g.ep_side)}}));
+    EXPECT_EQ(stray_of(g), m.stray);
+    EXPECT_EQ(pawn_stray_of(g), m.pawn_stray);
+    EXPECT_TRUE(is_consistent(&g));
+}
+
+bool same_bytes(const Game& a, const Game& b) { return std::memcmp(&a, &b, sizeof(Game)) == 0; }
+/// The same but for the keys that popping leaves behind the count.
+bool same_game(const Game& a, const Game& b) {
+    return std::memcmp(&a, &b, offsetof(Game, draw_hash)) == 0 && a.draw_hash_count == b.draw_hash_count &&
+           std::equal(a.draw_hash.begin(), a.draw_hash.begin() + a.draw_hash_count, b.draw_hash.begin());
+}
+
+/// Makes and unmakes every pseudo-legal move, those that leave the king in check included.
+void expect_unmake_restores(Game& game, const Game& before) {
+    for (const Move move : pseudo_legal_moves(game)) {
+        const UndoRecord* undo = save_undo(&game, move, scratch_slot);
+        EXPECT_EQ(undo->captured, before.cells[move.to]);
+        if (make_if_legal(&game, move, 0, undo)) unmake_move(&game, move, undo);
+        make_move(&game, move);
+        unmake_move(&game, move, undo);
+        ASSERT_TRUE(same_bytes(game, before)) << position_text(&before) << ' ' << move_text(move);
+    }
+}
+
+TEST(NewGame, StandsAtTheStart) {
+    const auto game = new_game(false);
+    expect_agreement(*game, model_of(*game));
+    EXPECT_EQ(position_text(game.get()), known_positions[0].text);
+    EXPECT_EQ(stray_of(*game), PositionKeys{});
+    EXPECT_EQ(game->draw_hash[0], keys_of(*game));
+    EXPECT_EQ(game->draw_hash_count, 1U);
+}
+
+struct Step {
+    Game before;
+    UndoRecord undo;
+    Move move;
+    bool is_null;
+};
+
+TEST(Make, AgreesWithTheModelThereAndBackInRandomGames) {
+    RandomSource random(2);
+    std::map<int, int> seen;
+    for (std::size_t round = 0; round < 3 * std::size(known_positions); ++round) {
+        auto game = game_from(known_positions[round / 3].text);
+        game->fifty = round % 3 == 0 ? 240 : 0;  // so that the count meets its ceiling
+        Model model = model_of(*game);
+        std::vector<Step> line;
+        for (int ply = 0; ply < 300; ++ply) {
+            Step& step = line.emplace_back();
+            std::memcpy(&step.before, game.get(), sizeof(Game));
+            expect_unmake_restores(*game, step.before);
+            const std::vector<Move> moves = legal_moves(*game);
+            step.is_null = moves.empty() || (random.next() % 16 == 0 && !in_check(game.get()));
+            if (step.is_null) {
+                make_null(game.get(), ply, &step.undo);
+                EXPECT_EQ(std::exchange(null_move_at[ply], 0), 1);
+                EXPECT_EQ(search_stack[ply].captured, no_piece);
+                model.turn ^= 1;
+                model.enpassant = 0;
+                model.stray = combine(model.stray, zobrist_null_number);
+            } else {
+                step.move = random_move(random, moves);
+                fill_undo(game.get(), step.move, &step.undo);
+                ASSERT_TRUE(make_if_legal(game.get(), step.move, ply, &step.undo));
+                push_keys(game.get());
+                EXPECT_EQ(search_stack[ply].captured, step.undo.captured);
+                model = after(model, step.move);
+                ++seen[step.move.kind];
+            }
+            expect_agreement(*game, model);
+            ASSERT_EQ(game->draw_hash_count, line.size() + 1);
+            EXPECT_EQ(game->draw_hash[line.size()], keys_of(*game));
+            ASSERT_FALSE(HasFailure()) << position_text(&step.before) << " then " << move_text(step.move);
+            if (moves.empty()) break;
+        }
+        for (; !line.empty(); line.pop_back()) {
+            const Step& step = line.back();
+            step.is_null ? unmake_null(game.get(), &step.undo) : retract_move(game.get(), step.move, &step.undo);
+            ASSERT_TRUE(same_game(*game, step.before)) << position_text(&step.before) << ' ' << move_text(step.move);
+        }
+    }
+    EXPECT_EQ(seen.size(), 14U);  // quiet, double step, en passant, capture, two castlings, eight promotions
+    for (const auto& [kind, times] : seen) EXPECT_GT(times, 5) << kind;
+}
+
+TEST(Make, AFullRecordRefusesTheMove) {
+    auto game = new_game(false);
+    game->move_counter = max_game_moves - 1;
+    game->draw_hash_count = max_game_moves;
+    EXPECT_TRUE(play_move({e1 + 8, e1 + 24, kind_double_step}, game.get()));
+    EXPECT_TRUE(record_is_full(*game));
+    EXPECT_EQ(game->draw_hash[max_game_moves], keys_of(*game));
+    const auto before = std::make_unique<Game>(*game);
+    EXPECT_FALSE(play_move({e8 - 8, e8 - 24, kind_double_step}, game.get()));
+    add_game_move(game.get(), Move{});
+    EXPECT_TRUE(same_bytes(*game, *before));
+}
+
+}  // namespace
+}  // namespace varn

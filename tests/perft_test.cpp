@@ -1,0 +1,92 @@
+// Counting moves at the prompt, and the comparison of games that ends each count: which difference it finds and how it
+// says so.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <regex>
+
+#include "frontend/compare_games.h"
+#include "positions.h"
+#include "process.h"
+
+namespace varn {
+namespace {
+
+TEST(Perft, CountsMovesAndLeavesTheGameAsItWas) {
+    constexpr KnownPosition cases[] = {{known_positions[0].text, 0, 1},
+                                       {known_positions[0].text, 4, 197281},
+                                       {known_positions[1].text, 3, 97862},
+                                       {known_positions[2].text, 4, 43238}};
+    for (const auto& [text, depth, leaves] : cases) {
+        const std::string plies = std::to_string(depth);
+        const std::string output =
+            run_console("setboard " + std::string(text) + "\nshow\nperft " + plies + "\nshow\n").output;
+        const std::regex expected("Varn> (Varn> [^V]*)Varn> running perft=" + plies +
+                                  "\nCounted: " + std::to_string(leaves) + " nodes in \\d+ seconds\\.\n\\1Varn> ");
+        EXPECT_TRUE(std::regex_match(output, expected)) << output;
+    }
+}
+
+/// Holds a game against one that differs, both ways round; the messages are followed by both boards.
+void expect_difference(const Game& sound, const Game& spoilt, const std::string& message) {
+    const auto compare = [](const Game& a, const Game& b) {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        compare_games(&a, &b);
+    };
+    const auto expected = [&](const char* name) {
+        return '^' + message +
+               (is_consistent(&spoilt) ? "" : "cell array doesnt match bitboards: " + std::string(name)) +
+               "GAMES NOT EQUAL!!!\n.*\n--------------------------\n.*\n\n$";
+    };
+    EXPECT_EXIT(compare(spoilt, sound), ::testing::ExitedWithCode(1), expected("g\n"));
+    EXPECT_EXIT(compare(sound, spoilt), ::testing::ExitedWithCode(1), expected("h\n"));
+}
+
+TEST(CompareGames, NamesEveryDifference) {
+    const std::pair<const char*, void (*)(Game&)> cases[] = {
+        {"Zobrist keys do not match!\n", [](Game& g) { g.zobrist_key ^= 1; }},
+        {"Zobrist locks do not match!\n", [](Game& g) { g.zobrist_lock ^= 1; }},
+        {"the move counter does not match!\n", [](Game& g) { ++g.move_counter; }},
+        {"the white king squares does not match!\n", [](Game& g) { ++g.wking_sqr; }},
+        {"the black king squares does not match!\n", [](Game& g) { ++g.bking_sqr; }},
+        {"material does not match!\n", [](Game& g) { ++g.material; }},
+        {"the turn does not match!\n", [](Game& g) { g.turn ^= 1; }},
+        {"the white castling rights do not match", [](Game& g) { g.w_castle ^= 1; }},
+        {"the black castling rights do not match", [](Game& g) { g.b_castle ^= 1; }},
+        {"cell array does not match!\n", [](Game& g) { g.cells[20] = 7; }},
+        {"fifty move counter doesn't match!\n", [](Game& g) { ++g.fifty; }},
+    };
+    const auto sound = game_from(known_positions[1].text);
+    const auto spoilt = std::make_unique<Game>();
+    for (const auto& [message, spoil] : cases) {
+        *spoilt = *sound;
+        spoil(*spoilt);
+        expect_difference(*sound, *spoilt, message);
+    }
+    constexpr std::pair<const char*, Bitboard Game::*> boards[] = {
+        {"r90", &Game::r90},           {"r45f", &Game::r45f},           {"r45b", &Game::r45b},
+        {"w_pieces", &Game::w_pieces}, {"b_pieces", &Game::b_pieces},   {"w_queens", &Game::w_queens},
+        {"w_rooks", &Game::w_rooks},   {"w_bishops", &Game::w_bishops}, {"w_knights", &Game::w_knights},
+        {"w_king", &Game::w_king},     {"w_pawns", &Game::w_pawns},     {"b_queens", &Game::b_queens},
+        {"b_rooks", &Game::b_rooks},   {"b_bishops", &Game::b_bishops}, {"b_knights", &Game::b_knights},
+        {"b_king", &Game::b_king},     {"b_pawns", &Game::b_pawns},     {"enpassant", &Game::enpassant},
+    };
+    for (const auto& [name, board] : boards) {
+        *spoilt = *sound;
+        (*spoilt).*board ^= bit_mask(20);
+        expect_difference(*sound, *spoilt, "BitBoard: " + std::string(name) + " does not match!\n");
+    }
+}
+
+TEST(CompareGames, SaysNothingOfEqualGames) {
+    const auto game = game_from(known_positions[1].text);
+    const auto other = std::make_unique<Game>(*game);
+    ++other->w_material, ++other->b_material, other->pawn_key ^= 1, other->pawn_lock ^= 1, other->ep_side ^= 1;
+    other->draw_hash[0].key ^= 1;
+    ::testing::internal::CaptureStdout();
+    compare_games(game.get(), other.get());
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+}
+
+}  // namespace
+}  // namespace varn

@@ -1,0 +1,597 @@
+// The search from its leaves to its root: exchanges, draws, the clock, quiescence, the node and the deepening.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <regex>
+#include <thread>
+
+#include "board/attacks.h"
+#include "eval/evaluate.h"
+#include "search/draws.h"
+#include "search/exchange.h"
+#include "search/quiesce.h"
+#include "search/think.h"
+#include "search_helpers.h"
+
+namespace varn {
+namespace {
+
+using Search = SearchTest;
+
+constexpr std::string_view start_text = known_positions[0].text;
+constexpr std::string_view middle_text = known_positions[1].text;
+
+template <typename Action> std::string output_of(Action action) {
+    testing::internal::CaptureStdout();
+    action();
+    return testing::internal::GetCapturedStdout();
+}
+
+// --- Exchanges ----------------------------------------------------------------------------------------------------
+
+/// What the side to move gains if it goes on capturing on the square, or doesn't; played out on the board.
+int reply_gain(Game& game, int target) {
+    std::vector<Move> captures = moves_of(*generate_captures(&game, scratch_slot));
+    std::erase_if(captures, [&](Move move) { return move.to != target || move.kind == kind_en_passant; });
+    if (captures.empty()) return 0;
+    const auto cost = [&](Move move) {
+        return std::pair((piece_values[game.cells[move.from]] + 9999) % 10000, move.from);
+    };
+    Move move = std::ranges::min(captures, {}, cost);  // a king comes last
+    const int won = piece_values[game.cells[target]];
+    if (man_of(game.cells[move.from]) == king) {
+        return game.turn == 0 ? (attacked_by_black(&game, target) ? 0 : won)
+                              : (attacked_by_white(&game, target) ? 0 : won);
+    }
+    move.kind = kind_capture;
+    return std::max(0, won - reply_gain(*after(game, move), target));
+}
+
+TEST_F(Search, ExchangeIsThatPlayedOutOnTheBoard) {
+    int captures = 0;
+    visit_random_games(41, 40, [&](Game& game) {
+        const Game before = game;
+        for (Move move : moves_of(*generate_captures(&game, 0))) {
+            if (!is_legal(&game, move) || move.kind == kind_en_passant) continue;
+            const Move as_capture = {move.from, move.to, kind_capture};
+            const int gain = piece_values[game.cells[move.to]] - reply_gain(*after(game, as_capture), move.to);
+            ASSERT_EQ(exchange_value(&game, move), game.turn == 0 ? gain : -gain)
+                << position_text(&game) << move_text(move);
+            ++captures;
+        }
+        ASSERT_TRUE(same_game(game, before));
+    });
+    EXPECT_GT(captures, 2000);
+}
+
+TEST_F(Search, ExchangesByHand) {
+    struct {
+        const char* text;
+        const char* move;
+        int value;
+    } constexpr cases[] = {
+        {"4k3/8/4p3/3p4/4P3/8/8/4K3 w - -", "e4d5", 0},     {"4k3/8/4p3/3p4/8/8/8/3QK3 w - -", "d1d5", -850},
+        {"6k1/8/8/3r4/8/8/8/3R2K1 w - -", "d1d5", 500},     {"6k1/8/8/3r4/8/8/8/3R2K1 b - -", "d5d1", -500},
+        {"3rk3/8/8/3p4/8/8/3R4/3RK3 w - -", "d2d5", 100},   {"3rk3/3r4/8/3p4/8/8/3R4/3RK3 w - -", "d2d5", -400},
+        {"4k3/8/1p6/2p5/3P4/4B3/8/4K3 w - -", "d4c5", 100}, {"8/8/8/2k5/3p4/4P3/8/4K3 w - -", "e3d4", 0},
+        {"8/8/5B2/2k5/3p4/4P3/8/4K3 w - -", "e3d4", 100},   {"1r2k3/P7/8/8/8/8/8/4K3 w - -", "a7b8q", 500},
+        {"1rr1k3/P7/8/8/8/8/8/4K3 w - -", "a7b8n", 400},
+    };
+    for (const auto& [text, move, value] : cases) {
+        const auto game = game_from(text);
+        EXPECT_EQ(exchange_value(game.get(), parse_move(move, game.get())), value) << text;
+    }
+    const auto game = game_after("4k3/3p4/8/4P3/8/8/8/4K3 b - -", {"d7d5"});
+    EXPECT_EQ(exchange_value(game.get(), parse_move("e5d6", game.get())), 0);
+}
+
+// --- Draws --------------------------------------------------------------------------------------------------------
+
+TEST_F(Search, RepetitionsAreFoundSinceTheLastPawnMoveOrCapture) {
+    const auto game = game_from(start_text);
+    const char* const round[] = {"g1f3", "g8f6", "f3g1", "f6g8"};
+    for (int played = 1; played <= 12; ++played) {
+        play_move(parse_move(round[(played - 1) % 4], game.get()), game.get());
+        EXPECT_EQ(is_repetition(game.get()), played >= 4) << played;
+        EXPECT_EQ(is_third_repetition(game.get()), played >= 8) << played;
+    }
+    for (const auto& [fifty, times] : {std::pair{0, 0}, {3, 0}, {4, 1}, {7, 1}, {8, 2}, {255, 2}}) {
+        game->fifty = static_cast<std::uint8_t>(fifty);
+        EXPECT_EQ(is_repetition(game.get()) + is_third_repetition(game.get()), times) << fifty;
+    }
+    game->draw_hash[8].lock ^= 1;
+    game->draw_hash[4].key ^= 1;
+    EXPECT_TRUE(is_repetition(game.get()));
+    EXPECT_FALSE(is_third_repetition(game.get()));
+    EXPECT_TRUE(draw_by_rule(game.get()));
+    game->draw_hash[0].lock ^= 1;
+    EXPECT_FALSE(draw_by_rule(game.get()));
+}
+
+TEST_F(Search, InsufficientMaterial) {
+    for (const char* men : {"4", "N3", "b3", "Nn2", "Bn2", "Bb2"}) {
+        EXPECT_TRUE(insufficient_material(game_from("4k3/8/8/8/8/8/8/" + std::string(men) + "K3 w - -").get())) << men;
+    }
+    for (const char* men : {"NN2", "bb2", "nb2", "Nnn1", "Q3", "r3", "R3", "q3"}) {
+        EXPECT_FALSE(insufficient_material(game_from("4k3/8/8/8/8/8/8/" + std::string(men) + "K3 w - -").get())) << men;
+    }
+    for (const char* text : {"4k3/8/8/8/8/8/P7/4K3 w - -", "4k3/p7/8/8/8/8/8/4K3 w - -"}) {
+        EXPECT_FALSE(insufficient_material(game_from(text).get())) << text;
+    }
+}
+
+TEST_F(Search, DrawAfterMove) {
+    struct {
+        const char* text;
+        int fifty;
+        const char* move;
+        bool drawn;
+    } constexpr cases[] = {
+        {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", 99, "a1b1", true},  {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", 98, "a1b1", false},
+        {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", 99, "a2a3", false}, {"4k3/7p/8/8/8/7b/8/5B1K w - -", 99, "f1h3", false},
+        {"4k3/8/8/8/8/7q/8/5B1K w - -", 0, "f1h3", true},      {"4k3/8/8/8/8/7q/8/5B1K w - -", 0, "f1g2", false},
+    };
+    for (const auto& [text, fifty, move, drawn] : cases) {
+        const auto game = game_from(text);
+        game->fifty = static_cast<std::uint8_t>(fifty);
+        const Game before = *game;
+        EXPECT_EQ(draw_after_move(game.get(), parse_move(move, game.get())), drawn) << text << move << fifty;
+        EXPECT_TRUE(same_game(*game, before));
+    }
+    const auto game = game_after(start_text, {"g1f3", "g8f6", "f3g1"});
+    EXPECT_TRUE(draw_after_move(game.get(), parse_move("f6g8", game.get())));
+    EXPECT_FALSE(draw_after_move(game.get(), parse_move("f6e4", game.get())));
+}
+
+TEST_F(Search, StatusOfFinishedGames) {
+    struct {
+        const char* text;
+        int status;
+    } constexpr cases[] = {
+        {"3R2k1/5ppp/8/8/8/8/8/4K3 b - -", 9994}, {"4k3/8/8/8/8/8/5PPP/3r2K1 w - -", -9994},
+        {"7k/5Q2/8/8/8/8/8/4K3 b - -", 0},        {"4k3/8/8/8/8/8/5q2/7K w - -", 0},
+        {"4k3/8/8/8/8/8/8/4K1N1 w - -", 0},       {"4k3/8/8/8/8/8/8/4K1R1 w - -", game_goes_on},
+    };
+    for (const auto& [text, status] : cases) {
+        const auto game = game_from(text);
+        EXPECT_EQ(node_status(game.get(), 5), status) << text;
+        game->fifty = 100;
+        EXPECT_EQ(node_status(game.get(), 5), 0) << text;
+    }
+}
+
+// --- Clock --------------------------------------------------------------------------------------------------------
+
+TEST_F(Search, ClockIsReadOnceIn16384Nodes) {
+    time_limit_ms = 0;
+    std::this_thread::sleep_for(std::chrono::milliseconds(3));
+    for (const std::uint32_t seen : {1U, 16383U, 16385U, 24576U, 32767U}) {
+        nodes = seen;
+        EXPECT_TRUE(clock_ok()) << seen;
+    }
+    nodes = 3 * 16384;
+    time_limit_ms = -1;  // without a sign: 49 days
+    EXPECT_TRUE(clock_ok());
+    time_limit_ms = 0;
+    EXPECT_FALSE(clock_ok());
+    time_limit_ms = 1000000;
+    nodes = 1;
+    EXPECT_FALSE(clock_ok());
+    start_clock();
+    EXPECT_TRUE(clock_ok());
+}
+
+// --- Quiescence ---------------------------------------------------------------------------------------------------
+
+TEST_F(Search, MaterialAloneDecidesWhereThereIsMuchOfIt) {
+    const auto game = game_from(middle_text);
+    for (const auto& [total, balance, decides] : {std::tuple{3000, 302, true},
+                                                  {3000, 301, false},
+                                                  {3000, -299, true},
+                                                  {3000, -298, false},
+                                                  {2999, 302, false},
+                                                  {2999, -299, false},
+                                                  {7000, 5000, true},
+                                                  {3000, 0, false}}) {
+        for (const int turn : {0, 1}) {
+            game->turn = static_cast<std::uint8_t>(turn);
+            game->material = turn == 0 ? balance : -balance;
+            game->w_material = (total + game->material) / 2;
+            game->b_material = total - game->w_material;
+            const int evaluated = evaluate(game.get(), 0, 0, 0) * (turn == 0 ? 1 : -1);
+            EXPECT_NE(evaluated, balance);
+            EXPECT_EQ(static_score(game.get(), root_frame, 0, 0), decides ? balance : evaluated) << total << balance;
+        }
+    }
+}
+
+int quiesce_afresh(Game* game, int alpha, int beta) {
+    qhash_clear();
+    quiescent_nodes = 0;
+    return quiesce(game, alpha, beta, root_frame);
+}
+
+TEST_F(Search, QuiescenceStandsPat) {
+    for (const char* text : {"4k3/pppp4/8/8/8/8/4PPPP/4K3 w - -", "4k3/8/4p3/3p4/8/8/8/3QK3 w - -"}) {
+        const auto game = game_from(text);
+        const int stand = static_score(game.get(), root_frame, 0, 0);
+        for (const auto& [alpha, beta, bound] : {std::tuple{stand - 1, stand, 2},
+                                                 {stand - 9, stand - 1, 2},
+                                                 {stand, stand + 1, 1},
+                                                 {stand - 1, stand + 1, 0}}) {
+            EXPECT_EQ(quiesce_afresh(game.get(), alpha, beta), stand) << text << bound;
+            EXPECT_EQ(quiescent_nodes, 1U);  // also where all captures lose
+            const HashEntry* entry = qhash_probe(game.get());
+            ASSERT_NE(entry, nullptr);
+            EXPECT_TRUE(entry->bound == bound && entry->score == stand) << text << bound;
+        }
+    }
+}
+
+TEST_F(Search, QuiescenceTriesWhatMayReachAlpha) {
+    const auto nodes_of = [](const Game& game, int alpha) {
+        Game copy = game;
+        quiesce_afresh(&copy, alpha, full_window);
+        EXPECT_TRUE(same_game(copy, game));
+        return quiescent_nodes;
+    };
+    for (const auto& [text, gain] : {std::pair{"4k3/8/8/3p4/4P3/8/8/4K3 w - -", 100},
+                                     {"8/P7/8/7k/8/8/8/K7 w - -", 850},
+                                     {"8/8/8/3p4/4P1k1/8/8/2K5 b - -", 100},
+                                     {"4k3/8/4p3/3p4/4P3/8/8/4K3 w - -", 0}}) {
+        const auto game = game_from(text);
+        const int stand = static_score(game.get(), root_frame, 0, 0);
+        EXPECT_GT(nodes_of(*game, stand + gain + 300), 1U) << text;
+        EXPECT_EQ(nodes_of(*game, stand + gain + 301), 1U) << text;
+    }
+    EXPECT_GT(nodes_of(*game_after("4k3/3p4/8/4P3/8/8/8/4K3 b - -", {"d7d5"}), -full_window), 1U);  // en passant
+}
+
+TEST_F(Search, QuiescenceAnswersBeforeItStandsPat) {
+    const auto game = game_from("4k3/pppp4/8/8/8/8/4PPPP/4K3 w - -");
+    const int stand = static_score(game.get(), root_frame, 0, 0);
+    for (const auto& [bound, score, alpha, beta, answers] : {std::tuple{bound_upper, 700, 700, 800, true},
+                                                             {bound_upper, 701, 700, 800, false},
+                                                             {bound_lower, 700, 600, 700, true},
+                                                             {bound_lower, 699, 600, 700, false},
+                                                             {bound_exact, 700, 600, 800, true},
+                                                             {bound_exact, 700, 800, 900, true}}) {
+        qhash_store(game.get(), 77, score, bound);
+        EXPECT_EQ(quiesce(game.get(), alpha, beta, root_frame), answers ? score : stand) << bound << score;
+    }
+    const auto drawn = game_from("4k3/8/8/8/8/8/8/4KB2 w - -");
+    qhash_store(drawn.get(), 0, 55, bound_exact);
+    clock_running = 0;
+    EXPECT_EQ(quiesce(game.get(), 0, 1, root_frame), abort_score);
+    EXPECT_EQ(quiesce(drawn.get(), 0, 1, root_frame), 0);
+}
+
+TEST_F(Search, NothingIsWrittenBehindTheLastPly) {
+    const auto game = game_from(middle_text);
+    const Game before = *game;
+    PvLine line = {};
+    const int stand = static_score(game.get(), root_frame, 0, 0);
+    for (const int ply : {499, 498, 497}) {
+        const SearchFrame frame = {1, ply, 0, 0, 0, 0};
+        qhash_clear();
+        hash_clear();
+        nodes = 0;
+        const int quiet = quiesce(game.get(), -full_window, full_window, frame);
+        const int searched = search(game.get(), -full_window, full_window, 4, frame, &line);
+        EXPECT_EQ(quiet == stand && searched == stand && nodes == 2, ply == 499) << ply;
+        EXPECT_TRUE(same_game(*game, before));
+    }
+}
+
+// --- The node -----------------------------------------------------------------------------------------------------
+
+int search_at(Game* game, int alpha, int beta, int depth, std::uint8_t ply) {
+    PvLine line = {};
+    nodes = 0;
+    return search(game, alpha, beta, depth, {ply, ply, 0, 0, 0, 0}, &line);
+}
+
+TEST_F(Search, NodeTakesTheAnswerOfTheTable) {
+    const auto game = game_from(start_text);
+    for (const auto& [bound, stored, alpha, beta, score] : {std::tuple{bound_upper, 20, 20, 60, 20},
+                                                            {bound_lower, 60, 20, 60, 60},
+                                                            {bound_exact, 60, 20, 60, 60},
+                                                            {bound_exact, 20, 20, 60, 20},
+                                                            {bound_exact, 9999 - 12, 20, 60, 9999 - 8},
+                                                            {bound_upper, 12 - 9999, 20, 60, 8 - 9999},
+                                                            {bound_exact, 9996, 20, 60, 10006}}) {
+        hash_clear();
+        hash_store(game.get(), 10, nullptr, stored, bound);
+        EXPECT_EQ(search_at(game.get(), alpha, beta, 2, 6), score)
+            << bound + 0 << stored;  // mates: 10 farther, 6 nearer
+        EXPECT_EQ(nodes, 1U);
+    }
+    for (const auto& [bound, stored] :
+         {std::pair{bound_upper, 21}, {bound_lower, 59}, {bound_exact, 59}, {bound_lower, 20}}) {
+        hash_clear();
+        hash_store(game.get(), 10, nullptr, stored, bound);
+        search_at(game.get(), 20, 60, 1, 6);
+        EXPECT_GT(nodes, 1U) << bound + 0 << stored;
+    }
+    const auto repeated = game_after(start_text, {"g1f3", "g8f6", "f3g1"});
+    const Move back = parse_move("f6g8", repeated.get());
+    hash_store(repeated.get(), 10, &back, 500, bound_exact);
+    EXPECT_EQ(search_at(repeated.get(), -100, 0, 2, 1), 0);
+    EXPECT_EQ(nodes, 1U);
+}
+
+TEST_F(Search, DrawsEndALineButNotTheRoot) {
+    const auto game = game_from(known_positions[7].text);
+    game->fifty = 100;
+    search_at(game.get(), -full_window, full_window, 1, 1);
+    EXPECT_EQ(nodes, 1U);
+    search_at(game.get(), -full_window, full_window, 1, 0);
+    EXPECT_GT(nodes, 1U);
+}
+
+TEST_F(Search, NullMoveIsTriedWhereItIsSafe) {
+    struct {
+        const char* what;
+        const char* text;
+        int depth, beta, ply;
+        bool passes;
+    } constexpr cases[] = {
+        {"a pawn's hope", "k6r/pppp4/8/8/8/8/PPPPQ3/K6R w - -", 2, 1050, 1,
+         false},  // balance 950, but no more than that
+        {"deep", "k6r/pppp4/8/8/8/8/PPPPQ3/K6R w - -", 4, 500, 1, true},
+        {"black", "k6r/ppppq3/8/8/8/8/PPPP4/K6R b - -", 4, 500, 1, true},
+        {"shallow", "k6r/pppp4/8/8/8/8/PPPPQ3/K6R w - -", 2, 500, 1, true},
+        {"too shallow", "k6r/pppp4/8/8/8/8/PPPPQ3/K6R w - -", 1, 500, 1, false},
+        {"root", "k6r/pppp4/8/8/8/8/PPPPQ3/K6R w - -", 4, 500, 0, false},
+        {"check", "k3r3/pppp4/8/8/8/8/PPPP4/Q3K2R w - -", 4, -500, 1, false},
+        {"one bishop", "k7/8/2b5/8/8/8/PPPPQ3/K6R w - -", 4, 500, 1, false},
+        {"one rook", "k7/8/2r5/8/8/8/PPPPQ3/K6R w - -", 4, 500, 1, true},
+        {"pawns", "k7/pppp4/8/8/8/8/PPPPPPPP/K7 w - -", 4, -200, 1, false},
+    };
+    for (const auto& [what, text, depth, beta, ply, passes] : cases) {
+        const auto game = game_from(text);
+        const int score = search_at(game.get(), beta - 1, beta, depth, static_cast<std::uint8_t>(ply));
+        EXPECT_EQ(null_move_at[ply], passes) << what;  // left behind by a pass that cut the node off
+        EXPECT_TRUE(!passes || score == beta) << what;
+    }
+    const auto game = game_from(cases[1].text);
+    const auto passes = [&](auto prepare) {
+        hash_clear();
+        main_pv = {};
+        null_move_at = {};
+        prepare();
+        search_at(game.get(), 400, 500, 4, 1);
+        return null_move_at[1] == 1;
+    };
+    EXPECT_TRUE(passes([] {}));
+    EXPECT_FALSE(passes([] { null_move_at[0] = 1; }));
+    EXPECT_FALSE(passes([&] { main_pv.keys[1] = game->zobrist_key, main_pv.locks[1] = game->zobrist_lock; }));
+    EXPECT_FALSE(passes([&] { hash_store(game.get(), 9, nullptr, 450, bound_upper); }));
+    EXPECT_FALSE(passes([&] { hash_store(game.get(), 9, nullptr, 450, bound_exact); }));
+    EXPECT_TRUE(passes([&] { hash_store(game.get(), 9, nullptr, 450, bound_lower); }));
+}
+
+TEST_F(Search, ExtensionsShowInTheDepthThatIsStored) {
+    constexpr const char* quiet = "r3k3/8/8/8/8/8/8/R3K3 w - -";
+    constexpr const char* check = "r3k3/8/8/8/8/8/8/4K2r w - -";
+    constexpr const char* seventh = "4k3/R7/8/8/8/8/1p6/4K3 w - -";
+    constexpr int b2 = 14, a7 = 55;
+    struct {
+        const char* text;
+        int depth, taken, taken_back, to;
+        std::uint8_t pawn_extensions, total_extensions;
+        int stored;
+    } constexpr cases[] = {
+        {quiet, 1, -1, -1, 0, 0, 0, 1},    {check, 1, -1, -1, 0, 0, 0, 2},    {check, 1, -1, -1, 0, 0, 3, 1},
+        {check, 1, -1, -1, 0, 0, 2, 2},    {check, 1, 11, 2, 0, 0, 0, 2},     {quiet, 1, 11, 2, 0, 0, 0, 2},
+        {quiet, 1, 2, 11, 0, 0, 0, 2},     {quiet, 1, 14, 4, 0, 0, 0, 2},     {quiet, 1, 14, 3, 0, 0, 0, 1},
+        {quiet, 1, 15, 7, 0, 0, 0, 1},     {quiet, 1, -1, 3, 0, 0, 0, 1},     {quiet, 1, 3, -1, 0, 0, 0, 1},
+        {quiet, 1, 11, 2, 0, 0, 3, 1},     {seventh, 0, -1, -1, b2, 0, 0, 1}, {seventh, 0, -1, -1, a7, 0, 0, 0},
+        {seventh, 0, -1, -1, b2, 1, 0, 0}, {seventh, 0, -1, -1, b2, 0, 3, 0}, {seventh, 1, -1, -1, b2, 0, 0, 1},
+        {seventh, 0, 11, 3, b2, 0, 0, 1},
+    };
+    for (const auto& [text, depth, taken, taken_back, to, pawns, total, stored] : cases) {
+        const auto game = game_from(text);
+        hash_clear();
+        search_stack[0] = {{}, taken};
+        search_stack[1] = {{0, static_cast<std::uint8_t>(to), kind_quiet}, taken_back};
+        PvLine line = {};
+        search(game.get(), -full_window, full_window, depth, {2, 2, pawns, total, 0, 0}, &line);
+        const HashEntry* entry = hash_probe(game.get(), 0);
+        EXPECT_EQ(entry != nullptr ? entry->depth : 0, stored) << text << taken << taken_back << to << total + 0;
+    }
+}
+
+TEST_F(Search, RaisingAlphaMakesHistoryAndACutOffKillers) {
+    const auto game = game_from(start_text);
+    const auto search_start = [&](int beta) {
+        hash_clear();
+        clear_history();
+        return search(game.get(), -full_window, beta, 1, root_frame, &main_pv);
+    };
+    const int best = search_start(full_window);
+    const Move move = main_pv.moves[0];
+    EXPECT_EQ(history[0][move.from][move.to], 2);
+    EXPECT_EQ(killer_two[0].move, Move{});
+    EXPECT_EQ(hash_probe(game.get(), 1)->bound, bound_exact);
+    EXPECT_EQ(search_start(best), best);
+    const HashEntry* entry = hash_probe(game.get(), 1);
+    EXPECT_EQ(entry->bound, bound_lower);
+    EXPECT_EQ(killer_two[0].move, entry->move);
+    EXPECT_EQ(killer_two_piece[0], game->cells[entry->move.from]);
+    hash_clear();
+    EXPECT_EQ(search(game.get(), best + 50, best + 51, 1, root_frame, &main_pv), best);  // fails soft
+    entry = hash_probe(game.get(), 1);
+    EXPECT_TRUE(entry->bound == bound_upper && entry->has_move == 0 && entry->score == best);
+}
+
+// --- The root -----------------------------------------------------------------------------------------------------
+
+/// Whether the side to move mates in that many of its moves, and by which first moves; by trying everything.
+std::vector<Move> mating_moves(Game& game, int moves) {
+    std::vector<Move> mating;
+    for (const Move move : legal_moves(game)) {
+        const auto child = after(game, move);
+        const std::vector<Move> replies = legal_moves(*child);
+        const auto loses = [&](Move reply) {
+            return moves > 1 && !mating_moves(*after(*child, reply), moves - 1).empty();
+        };
+        if (replies.empty() ? in_check(child.get()) : std::ranges::all_of(replies, loses)) mating.push_back(move);
+    }
+    return mating;
+}
+
+std::string main_line(Game game) {
+    std::string text;
+    for (int i = 0; i < main_pv.length; ++i) {
+        if (!is_valid_move(&game, main_pv.moves[i])) break;
+        text += san_text(main_pv.moves[i], &game) + " ";
+        make_move(&game, main_pv.moves[i]);
+    }
+    return text;
+}
+
+constexpr struct {
+    const char* text;
+    int moves, depth;
+    const char* line;
+} mates[] = {
+    {"r1bq2r1/b4pk1/p1pp1p2/1p2pP2/1P2P1PB/3P4/1PPQ2P1/R3K2R w KQ -", 2, 4, "Qh6+ Kxh6 Bxf6# "},
+    {"4kb1r/p2n1ppp/4q3/4p1B1/4P3/1Q6/PPP2PPP/2KR4 w k -", 2, 4, "Qb8+ Nxb8 Rd8# "},
+    {"7k/8/4K3/8/8/8/8/6R1 w - -", 2, 4, "Kf7 Kh7 Rh1# "},
+    {"r5rk/5p1p/5R2/4B3/8/8/7P/7K w - -", 3, 5, "Ra6+ f6 Bxf6+ Rg7 Rxa8# "},
+    {"1r3r1k/5Bpp/8/8/P2qQ3/5R2/1b4PP/5K2 w - -", 3, 5, "Qxh7+ Kxh7 Rh3+ Qh4 Rxh4# "},
+    {"r5k1/2p2ppp/p1P2n2/8/1pP2bbQ/1B3PP1/PP1Pq2P/RNB3K1 b - -", 3, 6, "Qe1+ Kg2 Bxf3+ Kxf3 Qf1# "},
+    {"r2r1n2/pp2bk2/2p1p2p/3q4/3PN1QP/2P3R1/P4PP1/5RK1 w - -", 4, 7, "Qg7+ Ke8 Qxe7+ Kxe7 Rg7+ Ke8 Nf6# "},
+    {"2r1r3/p3P1k1/1p1pR1Pp/n2q1P2/8/2p4P/P4Q2/1B3RK1 w - -", 4, 7, "f6+ Kh8 g7+ Kg8 f7+ Kxg7 Qf6# "},
+};
+
+TEST_F(Search, Mates) {
+    for (const auto& [text, moves, depth, line] : mates) {
+        for (const bool mirror : {false, true}) {
+            const auto game = game_from(mirror ? mirrored_text(text) : std::string(text));
+            ply_limit = depth;
+            post_thinking = 1;
+            const Move* move = nullptr;
+            const std::string output = output_of([&] { move = think(game.get()); });
+            if (moves == 2) {
+                EXPECT_TRUE(mating_moves(*game, 1).empty()) << text;
+                EXPECT_TRUE(contains(mating_moves(*game, 2), *move)) << text;
+            }
+            const std::string printed = output.substr(output.find_last_of('\n', output.size() - 2) + 1);
+            EXPECT_EQ(std::atoi(printed.c_str() + 3), mate_score - (2 * moves - 1)) << text << mirror;
+            EXPECT_EQ(main_line(*game), line) << text << mirror;
+            EXPECT_EQ(predicted_valid == 1 ? predicted_move : Move{}, main_pv.moves[1]);
+        }
+    }
+}
+
+TEST_F(Search, EqualStartsGiveEqualSearches) {
+    const auto run = [](std::string_view text) {
+        killer_one = killer_two = {};
+        const auto prime = game_from(mates[0].text);  // the window of the next search hangs on the last score
+        ply_limit = 4;
+        think(prime.get());
+        const auto game = game_from(text);
+        qhash_clear();
+        ply_limit = 6;
+        post_thinking = 1;
+        const std::string lines = output_of([&] { think(game.get()); });
+        post_thinking = 0;
+        return main_line(*game) + std::to_string(search_nodes) +
+               std::regex_replace(lines, std::regex("(^|\n)(.{11}).{8}"), "$2");
+    };
+    for (const std::string_view text : {start_text, middle_text, known_positions[5].text}) {
+        const std::string first = run(text);
+        EXPECT_EQ(run(text), first);
+    }
+}
+
+TEST_F(Search, StoppedSearchesLeaveTheGameAndGiveALegalMove) {
+    for (const KnownPosition& known : known_positions) {
+        for (const int limit : {0, 1, 5}) {
+            time_limit_ms = limit;
+            const auto game = game_from(known.text);
+            Game before = *game;
+            std::memcpy(&before, game.get(), sizeof(Game));
+            const Move* move = think(game.get());
+            EXPECT_EQ(std::memcmp(game.get(), &before, sizeof(Game)), 0) << known.text;
+            ASSERT_NE(move, nullptr);
+            EXPECT_TRUE(is_valid_move(game.get(), *move)) << known.text;
+        }
+    }
+}
+
+TEST_F(Search, StoppedBeforeItsFirstLineGivesTheFirstLegalMove) {
+    const auto game = game_from("qqqqkqqq/qqqqqqqq/8/8/8/8/QQQQQQQQ/QQQQKQQQ w - -");
+    for (const int limit : {0, 100}) {
+        time_limit_ms = limit;
+        const std::uint32_t started = clock_ms();
+        const Move* move = think(game.get());
+        EXPECT_LT(clock_ms() - started, 5000U);
+        EXPECT_EQ(iteration_depth, 1);
+        EXPECT_EQ(main_pv.length, 0);
+        EXPECT_EQ(predicted_valid, 0);
+        EXPECT_EQ(*move, legal_moves(*game)[0]);
+    }
+}
+
+TEST_F(Search, ForcedAndFinishedGamesAreNotSearched) {
+    xboard_mode = 0;
+    post_thinking = 1;
+    for (const auto& [text, forced] : {std::pair{"7k/8/8/8/8/8/r7/6K1 w - -", "g1f1"},
+                                       {"7k/8/8/8/8/6q1/r7/7K w - -", ""},
+                                       {"k7/8/8/8/8/8/r4q2/7K w - -", ""},
+                                       {"7k/8/8/8/8/8/1r6/K7 w - -", "a1b2"}}) {
+        const auto game = game_from(text);
+        predicted_valid = 1;
+        const Move* move = nullptr;
+        EXPECT_EQ(output_of([&] { move = think(game.get()); }), "");
+        EXPECT_EQ(move == nullptr ? "" : move_text(*move), forced) << text;
+        EXPECT_EQ(predicted_valid, 0);
+        EXPECT_EQ(nodes, 0U);
+    }
+    book_enabled = 1;
+    book_hook = [](Game*) { return std::optional<Move>({8, 16, kind_quiet}); };
+    EXPECT_EQ(output_of([] { EXPECT_EQ(move_text(*think(game_from(start_text).get())), "h2h3"); }), "");
+    book_hook = nullptr;
+}
+
+TEST_F(Search, DeepensToTheLimitAsked) {
+    const auto game = game_from("4k3/8/8/8/8/8/8/4KB2 w - -");
+    for (const auto& [limit, deepest] : {std::pair{-5, 1}, {0, 1}, {1, 1}, {7, 7}, {50, 50}, {99, 50}}) {
+        ply_limit = limit;
+        think(game.get());
+        EXPECT_EQ(iteration_depth, deepest);
+    }
+}
+
+TEST_F(Search, OutputHasItsColumns) {
+    const auto game = game_from(start_text);
+    main_pv.length = 3;
+    main_pv.moves[0] = parse_move("e2e4", game.get());
+    main_pv.moves[1] = {51, 35, kind_double_step};
+    main_pv.moves[2] = {51, 35, kind_double_step};  // a tail that doesn't follow
+    nodes = 1234;
+    quiescent_nodes = 567;
+    const auto print = [&] { print_search_line(game.get(), 7, 89, -42); };
+    EXPECT_EQ(output_of(print), "  7     -42      89       1234       e4    e5 \n");
+    xboard_mode = 0;
+    EXPECT_EQ(output_of(print), "  7     -42      89       1234                  567       e4    e5 \n");
+
+    constexpr const char* header = "\n ply   score    time      nodes     quiescent nodes     principal variation\n\n";
+    const std::string line = "( {2}[1-3][ 0-9-]{8}[ 0-9]{8}[ 0-9]{11} {4}[ 0-9]{17} {4}[^\n]+ \n)";
+    ply_limit = 3;
+    const auto run = [&] { think(game.get()); };
+    EXPECT_TRUE(std::regex_match(output_of(run), std::regex(header + std::string("\nNPS: [1-9][0-9]*\n\n"))));
+    post_thinking = 1;
+    EXPECT_TRUE(std::regex_match(output_of(run), std::regex(header + line + "{6,}\nNPS: [1-9][0-9]*\n\n")));
+    xboard_mode = 1;
+    EXPECT_TRUE(std::regex_match(output_of(run),
+                                 std::regex("( {2}[1-3][ 0-9-]{8}[ 0-9]{8}[ 0-9]{11} {4} +[a-hNO][^\n]+ \n){6,}")));
+    post_thinking = 0;
+    EXPECT_EQ(output_of(run), "");
+}
+
+}  // namespace
+}  // namespace varn
