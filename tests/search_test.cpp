@@ -553,9 +553,10 @@ TEST_F(Search, ForcedAndFinishedGamesAreNotSearched) {
         EXPECT_EQ(predicted_valid, 0);
         EXPECT_EQ(nodes, 0U);
     }
+    const auto game = game_from(start_text);
     book_enabled = 1;
     book_hook = [](Game*) { return std::optional<Move>({8, 16, kind_quiet}); };
-    EXPECT_EQ(output_of([] { EXPECT_EQ(move_text(*think(game_from(start_text).get())), "h2h3"); }), "");
+    EXPECT_EQ(output_of([&] { EXPECT_EQ(move_text(*think(game.get())), "h2h3"); }), "");
     book_hook = nullptr;
 }
 
