@@ -65,7 +65,7 @@ inline std::string mirrored_text(std::string_view text) {
     std::string board;
     for (std::size_t start = 0, end; start < blank; start = end + 1) {
         end = std::min(text.find('/', start), blank);
-        board = std::string(text.substr(start, end - start)) + (start == 0 ? "" : "/" + board);
+        board.insert(0, start == 0 ? "" : "/").insert(0, text.substr(start, end - start));
     }
     std::string mirrored = board + std::string(text.substr(blank));
     constexpr char other_case = 'a' ^ 'A';
