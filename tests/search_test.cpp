@@ -124,15 +124,15 @@ TEST_F(Search, InsufficientMaterial) {
 TEST_F(Search, DrawAfterMove) {
     struct {
         const char* text;
-        int fifty;
         const char* move;
+        int fifty;
         bool drawn;
     } constexpr cases[] = {
-        {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", 99, "a1b1", true},  {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", 98, "a1b1", false},
-        {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", 99, "a2a3", false}, {"4k3/7p/8/8/8/7b/8/5B1K w - -", 99, "f1h3", false},
-        {"4k3/8/8/8/8/7q/8/5B1K w - -", 0, "f1h3", true},      {"4k3/8/8/8/8/7q/8/5B1K w - -", 0, "f1g2", false},
+        {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", "a1b1", 99, true},  {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", "a1b1", 98, false},
+        {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", "a2a3", 99, false}, {"4k3/7p/8/8/8/7b/8/5B1K w - -", "f1h3", 99, false},
+        {"4k3/8/8/8/8/7q/8/5B1K w - -", "f1h3", 0, true},      {"4k3/8/8/8/8/7q/8/5B1K w - -", "f1g2", 0, false},
     };
-    for (const auto& [text, fifty, move, drawn] : cases) {
+    for (const auto& [text, move, fifty, drawn] : cases) {
         const auto game = game_from(text);
         game->fifty = static_cast<std::uint8_t>(fifty);
         const Game before = *game;
@@ -485,7 +485,7 @@ TEST_F(Search, Mates) {
                 EXPECT_TRUE(contains(mating_moves(*game, 2), *move)) << text;
             }
             const std::string printed = output.substr(output.find_last_of('\n', output.size() - 2) + 1);
-            EXPECT_EQ(std::atoi(printed.c_str() + 3), mate_score - (2 * moves - 1)) << text << mirror;
+            EXPECT_EQ(std::stoi(printed.substr(3)), mate_score - (2 * moves - 1)) << text << mirror;
             EXPECT_EQ(main_line(*game), mirror ? mirrored_line(line) : line) << text;
             EXPECT_EQ(predicted_valid == 1 ? predicted_move : Move{}, main_pv.moves[1]);
         }
@@ -518,10 +518,9 @@ TEST_F(Search, StoppedSearchesLeaveTheGameAndGiveALegalMove) {
         for (const int limit : {0, 1, 5}) {
             time_limit_ms = limit;
             const auto game = game_from(known.text);
-            Game before = *game;
-            std::memcpy(&before, game.get(), sizeof(Game));
+            const Game before = *game;
             const Move* move = think(game.get());
-            EXPECT_EQ(std::memcmp(game.get(), &before, sizeof(Game)), 0) << known.text;
+            EXPECT_TRUE(*game == before) << known.text;
             ASSERT_NE(move, nullptr);
             EXPECT_TRUE(is_valid_move(game.get(), *move)) << known.text;
         }
