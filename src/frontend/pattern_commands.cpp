@@ -1,0 +1,19 @@
+#include "frontend/pattern_commands.h"
+
+#include "frontend/take_back.h"
+#include "patterns/anneal.h"
+#include "patterns/kpk_placements.h"
+
+namespace varn {
+
+void print_placements(Console& console, const CommandLine&) {
+    print_kpk_script(console.game.get());
+    set_base_position(*console.game);
+}
+
+void anneal_placements(Console& console, const CommandLine&) {
+    anneal_kpk(console.game.get());
+    if (console.game->move_counter == 0) set_base_position(*console.game);
+}
+
+}  // namespace varn

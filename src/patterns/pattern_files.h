@@ -1,0 +1,30 @@
+// The files of the annealing: the solved positions that it reads and the boxes that it writes.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "board/game.h"
+#include "patterns/pattern_list.h"
+
+namespace varn {
+
+struct LoadedPositions {
+    std::vector<Pattern> drawn;  // one box for each position with result 0, in the file's order
+    std::uint32_t lines = 0;     // of the file
+};
+
+/// Reads a file of lines of a position text, a tab and the position's result; nothing where it can't be opened. Lines
+/// without a tab or without a number behind it are skipped, and what goes beyond 79 characters is a line of its own.
+/// The game holds the last position read; what it says of a bad one, `set_position` tells.
+std::optional<LoadedPositions> load_positions(const char* file_name, Game* game);
+
+/// A line with the number of boxes and the side, then a line for every box: its boards as `board_number` writes them
+/// and the result. The file comes into being as a whole or not at all; either is said.
+void dump_patterns(const std::string& file_name, const PatternList& list);
+
+/// The high half of the board as a decimal number, left out where it is 0, and the low half, with nothing between them.
+std::string board_number(Bitboard board);
+
+}  // namespace varn
