@@ -14,8 +14,8 @@ std::vector<Pattern> some_positions(std::size_t every) {
     std::vector<Pattern> positions;
     const std::vector<Placement> placements = kpk_placements();
     for (std::size_t i = 0; i < placements.size(); i += every) {
-        positions.push_back({{bit_mask(placements[i].white_king), bit_mask(placements[i].pawn),
-                              bit_mask(placements[i].black_king)}});
+        positions.push_back(
+            {{bit_mask(placements[i].white_king), bit_mask(placements[i].pawn), bit_mask(placements[i].black_king)}});
     }
     return positions;
 }
@@ -52,8 +52,10 @@ void compare_with_plain_walk(const std::vector<Pattern>& positions, std::uint32_
 }
 
 TEST(Patterns, TheListMovesAsThePlainWalkDoes) {
-    for (const auto& [every, capacity, moves] :
-         {std::tuple<std::size_t, std::uint32_t, int>{1000, 200, 100000}, {3000, 60, 100000}, {20000, 9, 20000}, {163327, 2, 100}}) {
+    for (const auto& [every, capacity, moves] : {std::tuple<std::size_t, std::uint32_t, int>{1000, 200, 100000},
+                                                 {3000, 60, 100000},
+                                                 {20000, 9, 20000},
+                                                 {163327, 2, 100}}) {
         compare_with_plain_walk(some_positions(every), capacity, moves, every);
     }
     std::vector<Pattern> block;

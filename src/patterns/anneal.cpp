@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <utility>
@@ -69,9 +70,9 @@ void anneal(PatternList& list, std::uint64_t moves, Choices& choices, UniformSta
 
 std::unique_ptr<PatternList> anneal_kpk(Game* game, std::uint64_t moves) {
     say_text("loading precomputed data in memory...\n");
-    auto positions = load_positions("kpkbb", game);
+    auto positions = load_positions(positions_file_name, game);
     if (!positions) {
-        say_text("error: cannot open kpkbb.\n");
+        say("error: cannot open %s.\n", positions_file_name);
         return nullptr;
     }
     say("finished loading, %zu patterns in memory.\n", positions->drawn.size());
@@ -82,13 +83,14 @@ std::unique_ptr<PatternList> anneal_kpk(Game* game, std::uint64_t moves) {
 
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     Choices choices(static_cast<std::uint64_t>(std::chrono::nanoseconds(now).count()));
-    UniformState acceptance = {static_cast<std::int32_t>(std::chrono::duration_cast<std::chrono::seconds>(now).count())};
+    UniformState acceptance = {
+        static_cast<std::int32_t>(std::chrono::duration_cast<std::chrono::seconds>(now).count())};
     say_text("shuffling...\n");
     shuffle(positions->drawn, choices);
     auto list = std::make_unique<PatternList>(positions->drawn, positions->lines);
     say_text("starting annealing process...\n");
     anneal_with_progress(*list, moves, choices, acceptance);
-    dump_patterns("wkpk.eb", *list);
+    dump_patterns(patterns_file_name, *list);
     return list;
 }
 

@@ -16,8 +16,8 @@ inline constexpr std::uint64_t kpk_moves = 100'000'000'000;
 /// list must not be empty.
 void anneal(PatternList& list, std::uint64_t moves, Choices& choices, UniformState& acceptance);
 
-/// The whole run: reads the file `kpkbb`, anneals the positions with result 0, writes `wkpk.eb`, and says how far it is.
-/// Gives the boxes, or null, with a message, where there is no file or no such position. The game holds the last
+/// The whole run: reads the file `kpkbb`, anneals the positions with result 0, writes `wkpk.eb`, and says how far it
+/// is. Gives the boxes, or null, with a message, where there is no file or no such position. The game holds the last
 /// position read. A terminal on the error stream is shown the progress.
 std::unique_ptr<PatternList> anneal_kpk(Game* game, std::uint64_t moves = kpk_moves);
 

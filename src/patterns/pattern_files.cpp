@@ -1,5 +1,6 @@
 #include "patterns/pattern_files.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <memory>
@@ -11,10 +12,6 @@
 namespace varn {
 
 namespace {
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 enum class Reading : std::uint8_t { no_number, zero, other };
 
@@ -46,7 +43,7 @@ std::string file_text(const PatternList& list) {
     return text;
 }
 
-bool write_file(const std::string& file_name, const std::string& text) {
+bool write_file(const std::string& file_name, std::string_view text) {
     std::FILE* file = std::fopen(file_name.c_str(), "w");
     if (file == nullptr) return false;
     const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
@@ -56,7 +53,7 @@ bool write_file(const std::string& file_name, const std::string& text) {
 }  // namespace
 
 std::optional<LoadedPositions> load_positions(const char* file_name, Game* game) {
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(file_name, "r"));
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(file_name, "r"), std::fclose);
     if (file == nullptr) return std::nullopt;
     LoadedPositions positions;
     char line[80];
@@ -66,12 +63,17 @@ std::optional<LoadedPositions> load_positions(const char* file_name, Game* game)
     return positions;
 }
 
-void dump_patterns(const std::string& file_name, const PatternList& list) {
+bool write_whole_file(const std::string& file_name, std::string_view text) {
     const std::string unfinished = file_name + ".tmp";
-    if (write_file(unfinished, file_text(list)) && std::rename(unfinished.c_str(), file_name.c_str()) == 0) {
+    if (write_file(unfinished, text) && std::rename(unfinished.c_str(), file_name.c_str()) == 0) return true;
+    std::remove(unfinished.c_str());
+    return false;
+}
+
+void dump_patterns(const std::string& file_name, const PatternList& list) {
+    if (write_whole_file(file_name, file_text(list))) {
         say("finished dumping %s\n", file_name.c_str());
     } else {
-        std::remove(unfinished.c_str());
         say_text("error: cannot output evalubase file.\n");
     }
 }

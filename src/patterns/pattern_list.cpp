@@ -10,7 +10,8 @@ namespace {
 
 constexpr Field all_fields[] = {white_king_field, white_pawn_field, black_king_field};
 
-// --- Groups -----------------------------------------------------------------------------------------------------------
+// --- Groups
+// -----------------------------------------------------------------------------------------------------------
 
 /// The two fields by which a group is found.
 constexpr Field one_key(Field left_out) { return left_out == white_king_field ? white_pawn_field : white_king_field; }
@@ -59,7 +60,8 @@ GroupPlace find_group(PatternList& list, const Pattern& pattern, Field left_out)
     return new_group(index, bucket);
 }
 
-// --- Links ------------------------------------------------------------------------------------------------------------
+// --- Links
+// ------------------------------------------------------------------------------------------------------------
 
 BoxPlace& link_from(PatternList& list, BoxPlace previous, Group& group, Field left_out) {
     return previous == no_place ? group.first : list.boxes[previous].next[left_out];
@@ -110,7 +112,8 @@ void join_group(PatternList& list, BoxPlace place, Field left_out) {
     insert(list, place, previous, group, left_out);
 }
 
-// --- Boxes ------------------------------------------------------------------------------------------------------------
+// --- Boxes
+// ------------------------------------------------------------------------------------------------------------
 
 /// Moves the box to the end of the list, and with that of its groups.
 inline void move_to_end(PatternList& list, BoxPlace place) {
@@ -181,9 +184,9 @@ Bitboard choose_squares(Bitboard squares, Choices& choices) {
 
 }  // namespace
 
-PatternList::PatternList(std::span<const Pattern> patterns, std::uint32_t room) : capacity(room) {
-    boxes.reserve(capacity);
-    stamps.reserve(capacity);
+PatternList::PatternList(std::span<const Pattern> patterns, std::uint64_t room) : capacity(room) {
+    boxes.reserve(patterns.size());
+    stamps.reserve(patterns.size());
     for (GroupIndex& index : indexes) index.buckets.assign(std::bit_ceil(patterns.size() + 2), no_place);
     for (const Pattern& pattern : patterns) append(*this, pattern);
 }

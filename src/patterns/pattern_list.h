@@ -48,11 +48,11 @@ struct GroupIndex {
 
 struct PatternList {
     /// The boxes in the order given; there is never room for more than `capacity`, which is at least their number.
-    PatternList(std::span<const Pattern> patterns, std::uint32_t capacity);
+    PatternList(std::span<const Pattern> patterns, std::uint64_t capacity);
 
     std::uint32_t count() const { return static_cast<std::uint32_t>(boxes.size()); }
 
-    std::uint32_t capacity;
+    std::uint64_t capacity;
     std::int32_t side = 0;    // 0: the positions have white to move
     std::int32_t result = 0;  // shared by all positions
     std::vector<Box> boxes;
@@ -65,13 +65,14 @@ struct PatternList {
 std::vector<Pattern> in_order(const PatternList& list);
 
 /// Looks at the boxes that equal the one at `place` in all fields but one, itself among them, in the order of the list,
-/// and takes each with a chance of one in 2, 3 or 4, which is chosen first, but two at most. Two boxes taken become one,
-/// with the squares of both in the field left out; it stands at the end of the list. A box taken alone moves there.
+/// and takes each with a chance of one in 2, 3 or 4, which is chosen first, but two at most. Two boxes taken become
+/// one, with the squares of both in the field left out; it stands at the end of the list. A box taken alone moves
+/// there.
 void merge_patterns(PatternList& list, BoxPlace place, Field left_out, Choices& choices);
 
-/// Chooses squares of one field, the lowest first, each with a chance of one in 2 or 3, which is chosen first, and never
-/// all of them. The box keeps these, and one with the rest is appended. Nothing changes where none was chosen, as in a
-/// field with one square, or where the list has no room.
+/// Chooses squares of one field, the lowest first, each with a chance of one in 2 or 3, which is chosen first, and
+/// never all of them. The box keeps these, and one with the rest is appended. Nothing changes where none was chosen, as
+/// in a field with one square, or where the list has no room.
 void split_pattern(PatternList& list, BoxPlace place, Field field, Choices& choices);
 
 }  // namespace varn
