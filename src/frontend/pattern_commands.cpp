@@ -12,8 +12,10 @@ void print_placements(Console& console, const CommandLine&) {
 }
 
 void anneal_placements(Console& console, const CommandLine&) {
+    const Game before = *console.game;
     anneal_kpk(console.game.get());
-    if (console.game->move_counter == 0) set_base_position(*console.game);
+    // Where no position was read the game goes on, and can be taken back as before.
+    if (*console.game != before) set_base_position(*console.game);
 }
 
 }  // namespace varn

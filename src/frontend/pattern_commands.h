@@ -5,7 +5,7 @@
 
 namespace varn {
 
-// Both use the console's game to read positions into. Where they read any, it starts afresh from the last of them.
+// Both read positions into the console's game: it starts afresh from the last one read, and `back` comes to that.
 void print_placements(Console& console, const CommandLine& line);
 void anneal_placements(Console& console, const CommandLine& line);
 

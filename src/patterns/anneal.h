@@ -9,7 +9,7 @@
 
 namespace varn {
 
-/// Moves of a whole run. They take about an hour.
+/// Moves of a whole run: the better part of an hour, or more.
 inline constexpr std::uint64_t kpk_moves = 100'000'000'000;
 
 /// Random merges and splits, so many in all: as many tries of one as of the other, but few of the splits are made. The
