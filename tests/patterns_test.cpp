@@ -7,7 +7,6 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <random>
 #include <set>
 
 #include "board/attacks.h"
@@ -98,10 +97,11 @@ TEST(Kpk, AcceptanceHasThePublishedSequence) {
     // The shuffle gives each number of the generator once, out of a table's length of them.
     constexpr int warm_up = 8, table = 32;
     constexpr double modulus = 2147483647, largest = 0.99999988;
-    std::minstd_rand0 generator(1);
-    generator.discard(warm_up);
+    long number = 1;
+    const auto next = [&] { return number = number * 16807 % 2147483647; };
+    for (int i = 0; i < warm_up; ++i) next();
     std::set<long> in_table;
-    for (int i = 0; i < table; ++i) in_table.insert(static_cast<long>(generator()));
+    for (int i = 0; i < table; ++i) in_table.insert(next());
     int cut = 0;
     for (int i = 0; i < 10000; ++i) {
         const double value = uniform_random(first);
@@ -112,10 +112,10 @@ TEST(Kpk, AcceptanceHasThePublishedSequence) {
         }
         const bool is_cut = value == largest;
         cut += is_cut;
-        const long number = is_cut ? *in_table.rbegin() : std::lround(value * modulus);
-        EXPECT_GE(static_cast<double>(number) / modulus, value - 1e-12) << i;
-        EXPECT_EQ(in_table.erase(number), 1U) << i;
-        in_table.insert(static_cast<long>(generator()));
+        const long drawn = is_cut ? *in_table.rbegin() : std::lround(value * modulus);
+        EXPECT_GE(static_cast<double>(drawn) / modulus, value - 1e-12) << i;
+        EXPECT_EQ(in_table.erase(drawn), 1U) << i;
+        in_table.insert(next());
     }
     EXPECT_EQ(cut, 1);  // the sequence has such a number early on
 }
@@ -137,6 +137,7 @@ std::vector<Pattern> drawn_positions(std::size_t every) {
 /// Every square with every other on three edges: all of it can become one box.
 std::vector<Pattern> full_block(int edge) {
     std::vector<Pattern> block;
+    block.reserve(static_cast<std::size_t>(edge * edge * edge));
     for (int i = 0; i < edge * edge * edge; ++i) {
         block.push_back({{bit_mask(i % edge), bit_mask(i / edge % edge), bit_mask(i / edge / edge)}});
     }
@@ -180,7 +181,7 @@ TEST(Patterns, TheListChangesAsThePlainWalkChangesIt) {
     const Work works[] = {
         {full_block(6), 300, 30000},         // large groups
         {drawn_positions(200), 250, 20000},  // small groups
-        {full_block(3), 27, 20000},          // no room
+        {{{{255, 255, 255}}}, 40, 20000},    // no room
         {{{{1, 1, 1}}}, 3, 100},
         {odd, 200, 20000},
     };
@@ -200,7 +201,6 @@ TEST(Patterns, TheListChangesAsThePlainWalkChangesIt) {
             ASSERT_EQ(in_order(list), plain.patterns) << work.positions.size() << ", move " << i;
             ASSERT_EQ(choices.below(1U << 30), same.below(1U << 30)) << i;
         }
-        EXPECT_EQ(plain.patterns.size() < work.positions.size(), work.positions.size() > 1);
     }
 }
 
@@ -246,7 +246,7 @@ TEST(Patterns, EveryMoveHasItsShareOfChance) {
     }
     EXPECT_EQ(counts.size(), std::size(expected) + 1);  // and the list as it was
     for (const auto& [boxes, share] : expected) {
-        EXPECT_NEAR(counts[boxes], moves * share, 4 * std::sqrt(moves * share)) << boxes.size() << ' ' << share;
+        EXPECT_NEAR(counts[boxes], moves * share, 3 * std::sqrt(moves * share)) << boxes.size() << ' ' << share;
     }
 }
 
@@ -333,7 +333,7 @@ TEST_F(PatternFiles, HoldTheBoxesInOrder) {
     EXPECT_EQ(said([&] { dump_patterns(patterns_file_name, list); }), "finished dumping wkpk.eb\n");
     EXPECT_EQ(written(), "2 w\n2 256 21474836480 0\n1 256 4 0\n");
     list.side = 1;
-    dump_patterns(patterns_file_name, list);
+    said([&] { dump_patterns(patterns_file_name, list); });
     EXPECT_TRUE(written().starts_with("2 b\n2 "));
 
     write(some_text + "\t0\n");
@@ -391,19 +391,19 @@ TEST(PatternCommands, PrintTheScript) {
 TEST(PatternCommands, RefuseWhatCannotBeAnnealed) {
     const std::string loading = "loading precomputed data in memory...\n";
     const std::string none = loading + "finished loading, 0 patterns in memory.\nerror: no patterns to anneal.\n";
-    // What the game is after an annealing and after a step back from there: it goes on where no position was read.
+    // The game goes on where no position was read: what it is after the command, and after a step back from there.
+    const std::string begun = "EPD string is: " + start_text + "\n";
     const std::string moved = "EPD string is: rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -\n";
     const std::string read = "EPD string is: 8/8/8/8/8/8/7P/5k1K w - -\n";
-    const std::tuple<Files, std::string, std::string, std::string> cases[] = {
-        {default_files(), loading + "error: cannot open kpkbb.\n", moved, "EPD string is: " + start_text + "\n"},
-        {with_positions("nothing\n"), none, moved, "EPD string is: " + start_text + "\n"},
-        {with_positions(some_text + "\t1\n"), none, read, read},
+    const std::tuple<Files, std::string, std::string> cases[] = {
+        {default_files(), loading + "error: cannot open kpkbb.\nVarn> " + moved, begun},
+        {with_positions("nothing\n"), none + "Varn> " + moved, begun},
+        {with_positions(some_text + "\t1\n"), none + "Varn> " + read, read},
     };
-    for (const auto& [files, answer, after, back] : cases) {
+    for (const auto& [files, after, back] : cases) {
         const std::string output = run_console("pvp\ne2e4\nkpkbb\nepd\nback\nepd\n", files).output;
-        EXPECT_NE(output.find("Varn> Varn> Varn> " + answer + "Varn> " + after + "Varn> "), std::string::npos)
-            << output;
-        EXPECT_TRUE(output.ends_with("Varn> " + back + "Varn> ")) << output;
+        EXPECT_TRUE(output.starts_with("Varn> Varn> Varn> " + after)) << output;
+        EXPECT_TRUE(output.ends_with(back + prompt.data())) << output;
     }
     const Outcome foreign = run_console("kpkbb\nepd\n", with_positions(some_text + "\t0\nx" + some_text + "\t0\n"));
     EXPECT_EQ(foreign.output, "Varn> " + loading + "error: unrecognised character in EPD string.\n");

@@ -53,7 +53,7 @@ bool black_loses(const KpkWins& wins, Placement at) {
     const Bitboard pawn_attacked = pawn_attacks<Side::white>[at.pawn];
     Bitboard targets = king_moves[at.black_king] & ~king_moves[at.white_king] & ~pawn_attacked;
     if (targets == 0) return (pawn_attacked & bit_mask(at.black_king)) != 0;  // mate, else stalemate
-    if ((targets & bit_mask(at.pawn)) != 0) return false;
+    // Where the pawn itself is a target, what is left can't arise and isn't won.
     while (targets != 0) {
         if (!wins.white_to_move[kpk_index({at.white_king, at.pawn, as_square(pop_first(targets))})]) return false;
     }
