@@ -8,6 +8,7 @@
 #include "board/position.h"
 #include "frontend/game_commands.h"
 #include "frontend/input.h"
+#include "frontend/pattern_commands.h"
 #include "frontend/perft.h"
 #include "frontend/setting_commands.h"
 #include "frontend/show_commands.h"
@@ -126,6 +127,8 @@ constexpr Command commands[] = {
     {"b_material\n", whole_line, none, show_black_material},
     {"perft ", beginning, none, count_moves},
     {"nm\n", whole_line, none, search_fixed_depth},
+    {"kpk\n", whole_line, none, print_placements},
+    {"kpkbb\n", whole_line, none, anneal_placements},
     {"xboard\n", whole_line, none, speak_xboard},
 };
 
