@@ -5,7 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include <map>
-#include <random>
+#include <utility>
 
 #include "../tests/plain_patterns.h"
 #include "patterns/anneal.h"
@@ -17,7 +17,8 @@ constexpr double accepted_splits = 0.08;
 
 std::vector<Pattern> shuffled_draws() {
     std::vector<Pattern> positions = drawn_positions();
-    std::ranges::shuffle(positions, std::mt19937_64(20081019));
+    Choices choices(20081019);
+    for (std::uint32_t i = 1; i < positions.size(); ++i) std::swap(positions[i], positions[choices.below(i + 1)]);
     return positions;
 }
 
