@@ -5,11 +5,10 @@
 #include <benchmark/benchmark.h>
 
 #include <map>
-#include <memory>
+#include <utility>
 
 #include "../tests/plain_patterns.h"
 #include "patterns/anneal.h"
-#include "patterns/kpk_solver.h"
 
 namespace varn {
 namespace {
@@ -17,15 +16,9 @@ namespace {
 constexpr double accepted_splits = 0.08;
 
 std::vector<Pattern> shuffled_draws() {
-    const auto wins = solve_kpk();
-    std::vector<Pattern> positions;
+    std::vector<Pattern> positions = drawn_positions();
     Choices choices(20081019);
-    for (const Placement placement : kpk_placements()) {
-        if (wins->white_to_move[kpk_index(placement)]) continue;
-        positions.push_back(
-            {{bit_mask(placement.white_king), bit_mask(placement.pawn), bit_mask(placement.black_king)}});
-        std::swap(positions.back(), positions[choices.below(static_cast<std::uint32_t>(positions.size()))]);
-    }
+    for (std::uint32_t i = 1; i < positions.size(); ++i) std::swap(positions[i], positions[choices.below(i + 1)]);
     return positions;
 }
 
@@ -36,7 +29,7 @@ const PatternList& list_after(std::int64_t thousand_moves) {
     const auto found = lists.find(thousand_moves);
     if (found != lists.end()) return found->second;
     const std::vector<Pattern> draws = shuffled_draws();
-    PatternList list(draws, kpk_placements().size());
+    PatternList list(draws, draws.size());
     Choices choices(1);
     UniformState acceptance = {1};
     anneal(list, static_cast<std::uint64_t>(thousand_moves) * 1000, choices, acceptance);

@@ -1,14 +1,27 @@
 // The moves of the annealing as they are told: by walking the list from its beginning, box by box. Slow, and the
-// yardstick for the list that is made to be fast.
+// yardstick for the list that is made to be fast. And the positions to try both on.
 #pragma once
 
 #include <algorithm>
 #include <vector>
 
 #include "patterns/chance.h"
+#include "patterns/kpk_solver.h"
 #include "patterns/pattern.h"
 
 namespace varn {
+
+/// A box for each draw with white to move, or for one of so many.
+inline std::vector<Pattern> drawn_positions(std::size_t every = 1) {
+    const auto wins = solve_kpk();
+    std::vector<Pattern> positions;
+    std::size_t number = 0;
+    for (const Placement at : kpk_placements()) {
+        if (wins->white_to_move[kpk_index(at)] || number++ % every != 0) continue;
+        positions.push_back({{bit_mask(at.white_king), bit_mask(at.pawn), bit_mask(at.black_king)}});
+    }
+    return positions;
+}
 
 struct PlainList {
     std::vector<Pattern> patterns;

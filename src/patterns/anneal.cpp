@@ -51,21 +51,17 @@ void anneal_with_progress(PatternList& list, std::uint64_t moves, Choices& choic
 
 void anneal(PatternList& list, std::uint64_t moves, Choices& choices, UniformState& acceptance) {
     constexpr double accepted_splits = 0.08;
-    Choices own_choices = choices;  // of which the compiler knows that nothing else writes them
-    UniformState own_acceptance = acceptance;
     for (std::uint64_t i = 0; i < moves; ++i) {
-        own_choices.renew();
-        const BoxPlace place = own_choices.below(list.count());
-        const bool is_merge = own_choices.below(2) == 0;
-        const auto field = static_cast<Field>(own_choices.below(field_count));
+        choices.renew();
+        const BoxPlace place = choices.below(list.count());
+        const bool is_merge = choices.below(2) == 0;
+        const auto field = static_cast<Field>(choices.below(field_count));
         if (is_merge) {
-            merge_patterns(list, place, field, own_choices);
-        } else if (uniform_random(own_acceptance) <= accepted_splits) {
-            split_pattern(list, place, field, own_choices);
+            merge_patterns(list, place, field, choices);
+        } else if (uniform_random(acceptance) <= accepted_splits) {
+            split_pattern(list, place, field, choices);
         }
     }
-    choices = own_choices;
-    acceptance = own_acceptance;
 }
 
 std::unique_ptr<PatternList> anneal_kpk(Game* game, std::uint64_t moves) {

@@ -10,8 +10,7 @@ namespace {
 
 constexpr Field all_fields[] = {white_king_field, white_pawn_field, black_king_field};
 
-// --- Groups
-// -----------------------------------------------------------------------------------------------------------
+// --- Groups --------------------------------------------------------------------------------------------------------
 
 /// The two fields by which a group is found.
 constexpr Field one_key(Field left_out) { return left_out == white_king_field ? white_pawn_field : white_king_field; }
@@ -60,8 +59,7 @@ GroupPlace find_group(PatternList& list, const Pattern& pattern, Field left_out)
     return new_group(index, bucket);
 }
 
-// --- Links
-// ------------------------------------------------------------------------------------------------------------
+// --- Links ---------------------------------------------------------------------------------------------------------
 
 BoxPlace& link_from(PatternList& list, BoxPlace previous, Group& group, Field left_out) {
     return previous == no_place ? group.first : list.boxes[previous].next[left_out];
@@ -112,8 +110,7 @@ void join_group(PatternList& list, BoxPlace place, Field left_out) {
     insert(list, place, previous, group, left_out);
 }
 
-// --- Boxes
-// ------------------------------------------------------------------------------------------------------------
+// --- Boxes ---------------------------------------------------------------------------------------------------------
 
 /// Moves the box to the end of the list, and with that of its groups.
 inline void move_to_end(PatternList& list, BoxPlace place) {
