@@ -28,7 +28,7 @@ void run_input(std::string_view input) {
     const std::string text = varn::position_text(game.get());
     auto again = varn::new_game(false);
     varn::set_position(again.get(), text, varn::KeepTables::yes);
-    require(varn::keys_of(*again) == varn::keys_of(*game) && varn::position_text(again.get()) == text);
+    require(varn::position_text(again.get()) == text);
 
     const varn::MoveList* list = varn::generate_all(game.get(), varn::scratch_slot);
     for (int i = 0; i < list->count; ++i) {
