@@ -5,7 +5,7 @@
 
 #include "board/notation.h"
 #include "board/san_reader.h"
-#include "search_helpers.h"
+#include "positions.h"
 
 namespace varn {
 namespace {

@@ -69,6 +69,8 @@ struct Game {
     std::int32_t move_counter;
     Table<PositionKeys, draw_hash_slots> draw_hash;
     std::uint32_t draw_hash_count;
+
+    friend constexpr bool operator==(const Game&, const Game&) = default;
 };
 
 /// A game at the starting position; the search's tables and history are cleared with it, and allocated anew first where

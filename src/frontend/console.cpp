@@ -8,6 +8,7 @@
 #include "board/position.h"
 #include "frontend/game_commands.h"
 #include "frontend/input.h"
+#include "frontend/pattern_commands.h"
 #include "frontend/perft.h"
 #include "frontend/setting_commands.h"
 #include "frontend/show_commands.h"
@@ -129,6 +130,8 @@ constexpr Command commands[] = {
     {"advperft ", beginning, none, count_picked_moves},
     {"runs", beginning, none, run_test_suite},
     {"nm\n", whole_line, none, search_fixed_depth},
+    {"kpk\n", whole_line, none, print_placements},
+    {"kpkbb\n", whole_line, none, anneal_placements},
     {"xboard\n", whole_line, none, speak_xboard},
 };
 
