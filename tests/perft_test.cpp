@@ -20,14 +20,13 @@ TEST(Perft, CountsMovesEitherWayAndLeavesTheGameAsItWas) {
                                        {known_positions[1].text, 3, 97862},
                                        {known_positions[2].text, 4, 43238}};
     for (const auto& [text, depth, leaves] : cases) {
-        const std::string plies = std::to_string(depth);
-        const std::string count =
-            "running perft=" + plies + "\nCounted: " + std::to_string(leaves) + " nodes in \\d+ seconds\\.\n";
-        const std::string output =
-            run_console("setboard " + std::string(text) + "\nshow\nperft " + plies + "\nadvperft " + plies + "\nshow\n")
-                .output;
-        const std::regex expected("Varn> (Varn> [^V]*)Varn> " + count + "Varn> " + count + "\\1Varn> ");
-        EXPECT_TRUE(std::regex_match(output, expected)) << output;
+        const std::string plies = std::to_string(depth) + '\n';
+        std::string lines = "setboard ", count = "running perft=" + plies, expected = "Varn> Varn> ([^V]*)Varn> ";
+        lines.append(text).append("\nshow\nperft " + plies).append("advperft " + plies).append("show\n");
+        count.append("Counted: " + std::to_string(leaves)).append(" nodes in \\d+ seconds\\.\nVarn> ");
+        expected.append(count).append(count).append("\\1Varn> ");
+        const std::string output = run_console(lines).output;
+        EXPECT_TRUE(std::regex_match(output, std::regex(expected))) << output;
     }
 }
 

@@ -9,8 +9,8 @@
 
 namespace varn {
 
-/// A line on the error stream that is written anew as the count grows. It appears where that stream is a terminal, and
-/// only once a run has taken longer than two seconds.
+/// A line on the error stream that is written anew as the count grows. It appears where that stream is a terminal and
+/// the output goes elsewhere, and only once a run has taken longer than two seconds.
 class Progress {
 public:
     /// What is counted, as in "lines".
@@ -20,8 +20,9 @@ public:
     Progress& operator=(const Progress&) = delete;
 
     void show(long count) {
+        if (!watched_) return;
         const auto now = Clock::now();
-        if (!on_terminal_ || now < next_) return;
+        if (now < next_) return;
         next_ = now + std::chrono::milliseconds(200);
         std::fprintf(stderr, "\r%ld %s", count, unit_.c_str());
         shown_ = true;
@@ -36,7 +37,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     std::string unit_;
-    bool on_terminal_ = isatty(STDERR_FILENO) == 1;
+    bool watched_ = isatty(STDERR_FILENO) == 1 && isatty(STDOUT_FILENO) == 0;
     bool shown_ = false;
     Clock::time_point next_ = Clock::now() + std::chrono::seconds(2);
 };
