@@ -357,40 +357,44 @@ TEST(Xboard, WithoutASecondThreadItEndsWithAMessage) {
 
 TEST(Xboard, PlaysItselfUnderAClock) {
     constexpr int moves_per_control = 10, plies = 160;
-    constexpr milliseconds base(500), hold_up(500);  // a busy machine may hold both sides up for a while
-    std::array<Partner, 2> sides;
-    std::array<milliseconds, 2> clocks = {base, base};
-    for (Partner& side : sides) side.answer("new; level 10 0:01 0");
-    sides[1].answer("easy");
+    static constexpr milliseconds base(500);
+    constexpr milliseconds hold_up(500);  // a busy machine may hold both sides up for a while
+    struct Player {
+        Partner partner;
+        milliseconds clock = base;
+
+        Process& engine() { return partner.process(); }
+        std::string time_left() const { return std::to_string(clock.count() / 10) + '\n'; }
+    };
+    Player white, black;
+    for (Player* player : {&white, &black}) player->partner.answer("new; level 10 0:01 0");
+    black.partner.answer("easy");
     auto game = new_game(false);
-    std::string line = "go\n";
-    for (int ply = 0; ply < plies; ++ply) {
-        const int side = ply % 2;
-        Process& engine = sides[static_cast<std::size_t>(side)].process();
-        const auto centiseconds = [&](int of) { return std::to_string(clocks[of].count() / 10) + '\n'; };
+    std::string line = "go\n", result;
+    for (int ply = 0; ply < plies && result.empty(); ++ply) {
+        Player& mover = ply % 2 == 0 ? white : black;
+        Player& waiting = ply % 2 == 0 ? black : white;
         const auto started = steady_clock::now();
-        engine.send("time " + centiseconds(side) + "otim " + centiseconds(1 - side) + line);
-        engine.read_until("move ");
-        line = engine.read_until("\n");
-        clocks[side] -= std::chrono::duration_cast<milliseconds>(steady_clock::now() - started);
-        EXPECT_GE(clocks[side], -hold_up) << "lost on time at ply " << ply;
-        clocks[side] = std::max(clocks[side], milliseconds(10));
-        if (ply / 2 % moves_per_control == moves_per_control - 1) clocks[side] += base;
+        mover.engine().send("time " + mover.time_left() + "otim " + waiting.time_left() + line);
+        mover.engine().read_until("move ");
+        line = mover.engine().read_until("\n");
+        mover.clock -= std::chrono::duration_cast<milliseconds>(steady_clock::now() - started);
+        EXPECT_GE(mover.clock, -hold_up) << "lost on time at ply " << ply;
+        mover.clock = std::max(mover.clock, milliseconds(10));
+        if (ply / 2 % moves_per_control == moves_per_control - 1) mover.clock += base;
 
         const Move move = parse_move(line, game.get());
         ASSERT_TRUE(is_valid_move(game.get(), move)) << line << position_text(game.get());
         play_move(move, game.get());
-        const std::string result = result_text(*game);
-        if (!result.empty()) {
-            EXPECT_EQ(engine.read_until("}\n"), result);
-            sides[1 - side].process().send(line);
-            EXPECT_TRUE(sides[1 - side].process().read_until("}\n").ends_with(result));
-            break;
-        }
+        result = result_text(*game);
+        if (result.empty()) continue;
+        EXPECT_EQ(mover.engine().read_until("}\n"), result);
+        waiting.engine().send(line);
+        EXPECT_TRUE(waiting.engine().read_until("}\n").ends_with(result));
     }
-    for (Partner& side : sides) {
-        side.process().send("quit\n");
-        EXPECT_EQ(side.process().finish().status, 0);
+    for (Player* player : {&white, &black}) {
+        player->engine().send("quit\n");
+        EXPECT_EQ(player->engine().finish().status, 0);
     }
 }
 
