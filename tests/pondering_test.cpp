@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "dialogue.h"
+#include "frontend/numbers.h"
 #include "frontend/pondering.h"
 #include "search_helpers.h"
 
@@ -331,7 +332,8 @@ std::string RandomClient::reply() {
 
 /// What is said behind a move where pondering is allowed: whether it begins depends on what the search expects.
 std::string RandomClient::pondering() {
-    const std::string enabled = "pondering enabled\n", begins = "i am going to try to ponder\npondering: ";
+    std::string enabled = "pondering enabled\n";
+    const std::string begins = "i am going to try to ponder\npondering: ";
     const std::size_t found = answer_.find(begins);
     if (found == std::string::npos) return enabled;
     const Move move = parse_move(answer_.substr(found + begins.size()), game_.get());
@@ -342,7 +344,8 @@ std::string RandomClient::pondering() {
 
 TEST_F(Ponder, RandomDialoguesLeaveTheRightGame) {
     const char* wanted = std::getenv("VARN_PONDER_LINES");
-    const int lines = wanted != nullptr ? std::atoi(wanted) : 2500;
+    std::string_view number = wanted != nullptr ? wanted : "2500";
+    const int lines = take_number(number).value_or(0);
     std::string fault;
     std::map<std::string, int> met_search;
     {

@@ -19,6 +19,12 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+std::string repeated(int times, std::string_view text) {
+    std::string all;
+    for (int i = 0; i < times; ++i) all += text;
+    return all;
+}
+
 /// Moves of a game from the start that goes on for so many plies: without captures and checks, and with pawn moves only
 /// where the fifty-move rule comes near, if at all.
 enum class Pawns : std::uint8_t { stay, save_the_game };
@@ -178,20 +184,28 @@ TEST(Xboard, CountsItsAnswersButNotItsOpening) {
 // --- How a game goes and ends ---------------------------------------------------------------------------------------
 
 TEST(Xboard, SaysHowAGameEnds) {
-    const std::string stalemate =
-        "e2e3; a7a5; d1h5; a8a6; h5a5; h7h5; h2h4; a6h6; a5c7; f7f6; c7d7; e8f7; d7b7; d8d3; b7b8; d3h7; b8c8; f7g6; ";
-    Partner partner;
-    partner.expect(
-        "> force; f2f3; e7e5; g2g4; d8h4; e1f2; x\n0-1 {Black mates}\n0-1 {Black mates}\n0-1 {Black mates}\n");
-    partner.expect("> sd 3; hint; undo; ping; hint; d8g5; undo\n0-1 {Black mates}\nIllegal Move: ????\nHint:  Qh4#\n");
-    partner.expect(
-        "> new; force; e2e4; e7e5; d1h5; b8c6; f1c4; g8f6; h5f7; a7a6\n1-0 {White mates}\n1-0 {White mates}\n");
-    partner.expect("> new; force; g1f3; g8f6; f3g1; f6g8; g1f3; g8f6; f3g1\n> f6g8; e2e4\n" +
-                   std::string(result_texts[3]) + std::string(result_texts[3]));
-    partner.expect("> remove; e2e4; result *; force; e7e5\nIllegal Move: e7e5\n");
-    partner.expect("> " + stalemate + "c8e6; undo; c8c1\n1/2-1/2 {Stalemate}\nIllegal Move: c8c1\n");
-    Partner("setboard 8/8/8/8/2k5/8/3p4/4K1N1 w - -\n")
-        .expect("> force; e1d2; c4d4\n" + std::string(result_texts[6]) + std::string(result_texts[6]));
+    struct Case {
+        std::string console, lines;
+        GameResult result;
+        int times;  // that the result is told
+    };
+    const Case cases[] = {
+        {"", "f2f3; e7e5; g2g4; d8h4; e1f2; hint; ; x", GameResult::black_mates, 4},
+        {"", "e2e4; e7e5; d1h5; b8c6; f1c4; g8f6; h5f7; a7a6", GameResult::white_mates, 2},
+        {"", "g1f3; g8f6; f3g1; f6g8; g1f3; g8f6; f3g1; f6g8; e2e4", GameResult::repetition, 2},
+        {"",
+         "e2e3; a7a5; d1h5; a8a6; h5a5; h7h5; h2h4; a6h6; a5c7; f7f6; c7d7; e8f7; d7b7; d8d3; b7b8; d3h7; b8c8; "
+         "f7g6; c8e6; e6e5",
+         GameResult::stalemate, 2},
+        {"setboard 8/8/8/8/2k5/8/3p4/4K1N1 w - -\n", "e1d2; c4d4", GameResult::insufficient_material, 2},
+    };
+    for (const auto& [console, lines, result, times] : cases) {
+        Partner partner(console);
+        EXPECT_EQ(partner.answer("force; " + lines), repeated(times, result_text(result)));
+        // A game that has ended goes on where a move is taken back, and a new one begins.
+        EXPECT_EQ(partner.answer("undo; x"), "Illegal Move: ????\n");
+        EXPECT_EQ(partner.answer("result *; force; e2e4; e2e4"), "Illegal Move: e2e4\n");
+    }
 }
 
 TEST(Xboard, EndsALongGameAsADraw) {
@@ -200,7 +214,7 @@ TEST(Xboard, EndsALongGameAsADraw) {
         {max_game_moves, Pawns::save_the_game, GameResult::full_record, "x; go; hint; ; x"},
     };
     for (const auto& [plies, pawns, result, lines] : games) {
-        const std::string text(result_texts[static_cast<int>(result)]);
+        const std::string text(result_text(result));
         Partner partner;
         partner.answer("force");
         std::string said;
@@ -209,7 +223,7 @@ TEST(Xboard, EndsALongGameAsADraw) {
             said = partner.answer(move_text(move));
         }
         EXPECT_EQ(said, text);
-        EXPECT_EQ(partner.answer(lines), text + text + text + text);
+        EXPECT_EQ(partner.answer(lines), repeated(4, text));
         EXPECT_EQ(partner.answer("remove; x"), "Illegal Move: ????\n");
     }
 }
@@ -241,7 +255,7 @@ TEST(Xboard, EndsAGameByItsOwnMove) {
     };
     for (const auto& [text, move, reply, result] : cases) {
         Partner partner("setboard " + text + '\n');
-        EXPECT_EQ(partner.answer("sd 3; " + move + "; x"), "move " + reply + '\n' + result + result);
+        EXPECT_EQ(partner.answer("sd 3; " + move + "; x"), "move " + reply + '\n' + repeated(2, result));
         const bool finished_by_rule = result.find("Draw") != std::string::npos;
         if (finished_by_rule) continue;
         partner.process().send("go\n");  // there is no move
