@@ -48,7 +48,8 @@ inline constexpr std::string_view result_texts[] = {
     "1/2-1/2 {Draw by game length}\n",
 };
 
-inline std::string result_text(Game& game) { return std::string(result_texts[static_cast<int>(game_result(&game))]); }
+inline std::string result_text(GameResult result) { return std::string(result_texts[static_cast<int>(result)]); }
+inline std::string result_text(Game& game) { return result_text(game_result(&game)); }
 
 /// The engine as a chess program meets it: first some lines at the console, then the protocol.
 class Partner {

@@ -19,6 +19,12 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+std::string repeated(int times, std::string_view text) {
+    std::string all;
+    for (int i = 0; i < times; ++i) all += text;
+    return all;
+}
+
 /// Moves of a game from the start that goes on for so many plies: without captures and checks, and with pawn moves only
 /// where the fifty-move rule comes near, if at all.
 enum class Pawns : std::uint8_t { stay, save_the_game };
@@ -178,20 +184,28 @@ TEST(Xboard, CountsItsAnswersButNotItsOpening) {
 // --- How a game goes and ends ---------------------------------------------------------------------------------------
 
 TEST(Xboard, SaysHowAGameEnds) {
-    const std::string stalemate =
-        "e2e3; a7a5; d1h5; a8a6; h5a5; h7h5; h2h4; a6h6; a5c7; f7f6; c7d7; e8f7; d7b7; d8d3; b7b8; d3h7; b8c8; f7g6; ";
-    Partner partner;
-    partner.expect(
-        "> force; f2f3; e7e5; g2g4; d8h4; e1f2; x\n0-1 {Black mates}\n0-1 {Black mates}\n0-1 {Black mates}\n");
-    partner.expect("> sd 3; hint; undo; ping; hint; d8g5; undo\n0-1 {Black mates}\nIllegal Move: ????\nHint:  Qh4#\n");
-    partner.expect(
-        "> new; force; e2e4; e7e5; d1h5; b8c6; f1c4; g8f6; h5f7; a7a6\n1-0 {White mates}\n1-0 {White mates}\n");
-    partner.expect("> new; force; g1f3; g8f6; f3g1; f6g8; g1f3; g8f6; f3g1\n> f6g8; e2e4\n" +
-                   std::string(result_texts[3]) + std::string(result_texts[3]));
-    partner.expect("> remove; e2e4; result *; force; e7e5\nIllegal Move: e7e5\n");
-    partner.expect("> " + stalemate + "c8e6; undo; c8c1\n1/2-1/2 {Stalemate}\nIllegal Move: c8c1\n");
-    Partner("setboard 8/8/8/8/2k5/8/3p4/4K1N1 w - -\n")
-        .expect("> force; e1d2; c4d4\n" + std::string(result_texts[6]) + std::string(result_texts[6]));
+    struct Case {
+        std::string console, lines;
+        GameResult result;
+        int times;  // that the result is told
+    };
+    const Case cases[] = {
+        {"", "f2f3; e7e5; g2g4; d8h4; e1f2; hint; ; x", GameResult::black_mates, 4},
+        {"", "e2e4; e7e5; d1h5; b8c6; f1c4; g8f6; h5f7; a7a6", GameResult::white_mates, 2},
+        {"", "g1f3; g8f6; f3g1; f6g8; g1f3; g8f6; f3g1; f6g8; e2e4", GameResult::repetition, 2},
+        {"",
+         "e2e3; a7a5; d1h5; a8a6; h5a5; h7h5; h2h4; a6h6; a5c7; f7f6; c7d7; e8f7; d7b7; d8d3; b7b8; d3h7; b8c8; "
+         "f7g6; c8e6; e6e5",
+         GameResult::stalemate, 2},
+        {"setboard 8/8/8/8/2k5/8/3p4/4K1N1 w - -\n", "e1d2; c4d4", GameResult::insufficient_material, 2},
+    };
+    for (const auto& [console, lines, result, times] : cases) {
+        Partner partner(console);
+        EXPECT_EQ(partner.answer("force; " + lines), repeated(times, result_text(result)));
+        // A game that has ended goes on where a move is taken back, and a new one begins.
+        EXPECT_EQ(partner.answer("undo; x"), "Illegal Move: ????\n");
+        EXPECT_EQ(partner.answer("result *; force; e2e4; e2e4"), "Illegal Move: e2e4\n");
+    }
 }
 
 TEST(Xboard, EndsALongGameAsADraw) {
@@ -200,7 +214,7 @@ TEST(Xboard, EndsALongGameAsADraw) {
         {max_game_moves, Pawns::save_the_game, GameResult::full_record, "x; go; hint; ; x"},
     };
     for (const auto& [plies, pawns, result, lines] : games) {
-        const std::string text(result_texts[static_cast<int>(result)]);
+        const std::string text(result_text(result));
         Partner partner;
         partner.answer("force");
         std::string said;
@@ -209,7 +223,7 @@ TEST(Xboard, EndsALongGameAsADraw) {
             said = partner.answer(move_text(move));
         }
         EXPECT_EQ(said, text);
-        EXPECT_EQ(partner.answer(lines), text + text + text + text);
+        EXPECT_EQ(partner.answer(lines), repeated(4, text));
         EXPECT_EQ(partner.answer("remove; x"), "Illegal Move: ????\n");
     }
 }
@@ -241,7 +255,7 @@ TEST(Xboard, EndsAGameByItsOwnMove) {
     };
     for (const auto& [text, move, reply, result] : cases) {
         Partner partner("setboard " + text + '\n');
-        EXPECT_EQ(partner.answer("sd 3; " + move + "; x"), "move " + reply + '\n' + result + result);
+        EXPECT_EQ(partner.answer("sd 3; " + move + "; x"), "move " + reply + '\n' + repeated(2, result));
         const bool finished_by_rule = result.find("Draw") != std::string::npos;
         if (finished_by_rule) continue;
         partner.process().send("go\n");  // there is no move
@@ -357,40 +371,44 @@ TEST(Xboard, WithoutASecondThreadItEndsWithAMessage) {
 
 TEST(Xboard, PlaysItselfUnderAClock) {
     constexpr int moves_per_control = 10, plies = 160;
-    constexpr milliseconds base(500), hold_up(500);  // a busy machine may hold both sides up for a while
-    std::array<Partner, 2> sides;
-    std::array<milliseconds, 2> clocks = {base, base};
-    for (Partner& side : sides) side.answer("new; level 10 0:01 0");
-    sides[1].answer("easy");
+    static constexpr milliseconds base(500);
+    constexpr milliseconds hold_up(500);  // a busy machine may hold both sides up for a while
+    struct Player {
+        Partner partner;
+        milliseconds clock = base;
+
+        Process& engine() { return partner.process(); }
+        std::string time_left() const { return std::to_string(clock.count() / 10) + '\n'; }
+    };
+    Player white, black;
+    for (Player* player : {&white, &black}) player->partner.answer("new; level 10 0:01 0");
+    black.partner.answer("easy");
     auto game = new_game(false);
-    std::string line = "go\n";
-    for (int ply = 0; ply < plies; ++ply) {
-        const int side = ply % 2;
-        Process& engine = sides[static_cast<std::size_t>(side)].process();
-        const auto centiseconds = [&](int of) { return std::to_string(clocks[of].count() / 10) + '\n'; };
+    std::string line = "go\n", result;
+    for (int ply = 0; ply < plies && result.empty(); ++ply) {
+        Player& mover = ply % 2 == 0 ? white : black;
+        Player& waiting = ply % 2 == 0 ? black : white;
         const auto started = steady_clock::now();
-        engine.send("time " + centiseconds(side) + "otim " + centiseconds(1 - side) + line);
-        engine.read_until("move ");
-        line = engine.read_until("\n");
-        clocks[side] -= std::chrono::duration_cast<milliseconds>(steady_clock::now() - started);
-        EXPECT_GE(clocks[side], -hold_up) << "lost on time at ply " << ply;
-        clocks[side] = std::max(clocks[side], milliseconds(10));
-        if (ply / 2 % moves_per_control == moves_per_control - 1) clocks[side] += base;
+        mover.engine().send("time " + mover.time_left() + "otim " + waiting.time_left() + line);
+        mover.engine().read_until("move ");
+        line = mover.engine().read_until("\n");
+        mover.clock -= std::chrono::duration_cast<milliseconds>(steady_clock::now() - started);
+        EXPECT_GE(mover.clock, -hold_up) << "lost on time at ply " << ply;
+        mover.clock = std::max(mover.clock, milliseconds(10));
+        if (ply / 2 % moves_per_control == moves_per_control - 1) mover.clock += base;
 
         const Move move = parse_move(line, game.get());
         ASSERT_TRUE(is_valid_move(game.get(), move)) << line << position_text(game.get());
         play_move(move, game.get());
-        const std::string result = result_text(*game);
-        if (!result.empty()) {
-            EXPECT_EQ(engine.read_until("}\n"), result);
-            sides[1 - side].process().send(line);
-            EXPECT_TRUE(sides[1 - side].process().read_until("}\n").ends_with(result));
-            break;
-        }
+        result = result_text(*game);
+        if (result.empty()) continue;
+        EXPECT_EQ(mover.engine().read_until("}\n"), result);
+        waiting.engine().send(line);
+        EXPECT_TRUE(waiting.engine().read_until("}\n").ends_with(result));
     }
-    for (Partner& side : sides) {
-        side.process().send("quit\n");
-        EXPECT_EQ(side.process().finish().status, 0);
+    for (Player* player : {&white, &black}) {
+        player->engine().send("quit\n");
+        EXPECT_EQ(player->engine().finish().status, 0);
     }
 }
 
