@@ -178,6 +178,15 @@ void qhash_allocate() {
 void hash_clear() { clear(transposition_table); }
 void qhash_clear() { clear(quiescence_table); }
 
+void prefetch_hashes(const Game* game) {
+    prefetch(transposition_table.slots[slot_index(transposition_table, game->zobrist_key)]);
+    prefetch_qhash(game);
+}
+
+void prefetch_qhash(const Game* game) {
+    prefetch(quiescence_table.slots[slot_index(quiescence_table, game->zobrist_key)]);
+}
+
 HashEntry* hash_probe(const Game* game, int depth) { return probe(keys_of(*game), depth); }
 
 void hash_store(const Game* game, int depth, const Move* move, int score, std::uint8_t bound) {
@@ -219,9 +228,14 @@ PositionKeys child_keys(const Game* game, Move move) {
 }
 
 bool enhanced_transposition(const Game* game, MoveList* list, int wanted_depth, int beta) {
-    for (int i = 0; i < list->count; ++i) list->scores[i] = 0;
+    Table<PositionKeys, MoveList::capacity> keys;
     for (int i = 0; i < list->count; ++i) {
-        const HashEntry* child = probe(child_keys(game, list->moves[i]), wanted_depth);
+        list->scores[i] = 0;
+        keys[i] = child_keys(game, list->moves[i]);
+        prefetch(transposition_table.slots[slot_index(transposition_table, keys[i].key)]);
+    }
+    for (int i = 0; i < list->count; ++i) {
+        const HashEntry* child = probe(keys[i], wanted_depth);
         if (child != nullptr && child->bound != bound_upper && -child->score >= beta) {
             list->scores[i] = etc_bonus;
             return true;
