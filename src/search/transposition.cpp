@@ -93,14 +93,8 @@ HashEntry* probe(PositionKeys keys, int depth) {
 struct KeyDelta {
     PositionKeys keys;
 
-    void toggle(std::uint64_t number) {
-        keys.key ^= number;
-        keys.lock ^= number;
-    }
-    void toggle_man(int square, int code) {
-        keys.key ^= zobrist_key_numbers[square][code];
-        keys.lock ^= zobrist_lock_numbers[square][code];
-    }
+    void toggle(std::uint64_t number) { keys ^= in_both(number); }
+    void toggle_man(int square, int code) { keys ^= zobrist_numbers[square][code]; }
     void move_man(int from, int to, int code) {
         toggle_man(from, code);
         toggle_man(to, code);
