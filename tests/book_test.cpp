@@ -88,6 +88,35 @@ TEST_F(Book, AsShippedIsLegalSortedAndLarge) {
     }
 }
 
+TEST_F(Book, AsShippedPrefersTheMainMoves) {
+    load_book(VARN_DATA_FOLDER "/book.dat");
+    // Every move of a list must stand in more rows than those behind it, and the last in more than any other.
+    const std::pair<std::string, std::vector<std::string>> positions[] = {
+        {"", {"e2e4", "d2d4", "c2c4", "g1f3"}},
+        {"e2e4", {"e7e5", "c7c5", "e7e6", "c7c6"}},
+        {"d2d4", {"g8f6", "d7d5"}},
+        {"e2e4e7e5", {"g1f3"}},
+        {"e2e4e7e5g1f3", {"b8c6", "g8f6"}},
+        {"e2e4c7c5", {"g1f3"}},
+        {"d2d4d7d5", {"c2c4", "g1f3"}},
+        {"d2d4g8f6", {"c2c4", "g1f3"}},
+    };
+    for (const auto& [moves, ranking] : positions) {
+        std::map<std::string, int> weights;
+        for (int row = 0; row < book_line_count(); ++row) {
+            const std::string line = moves_of_row(row);
+            if (line.starts_with(moves) && line.size() > moves.size()) ++weights[line.substr(moves.size(), 4)];
+        }
+        int above = book_line_count() + 1;
+        for (const std::string& move : ranking) {
+            EXPECT_LT(weights[move], above) << moves << ' ' << move;
+            above = weights[move];
+            weights.erase(move);
+        }
+        for (const auto& [move, weight] : weights) EXPECT_LT(weight, above) << moves << ' ' << move;
+    }
+}
+
 TEST_F(Book, AnswersByTheCountOfFittingRows) {
     struct Case {
         std::string rows, moves;
