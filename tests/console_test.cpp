@@ -8,6 +8,7 @@
 
 #include "board/attacks.h"
 #include "board/notation.h"
+#include "dialogue.h"
 #include "eval/evaluate.h"
 #include "eval/king_safety.h"
 #include "eval/pawns.h"
@@ -32,15 +33,6 @@ std::string normalised(const std::string& text) {
 const std::string table =
     "\n ply   score    time      nodes     quiescent nodes     principal variation\n\n\nNPS: N\n\n";
 
-std::vector<std::string> split(std::string_view text, std::string_view separator) {
-    std::vector<std::string> parts;
-    for (std::size_t start = 0, end; start <= text.size(); start = end + separator.size()) {
-        end = std::min(text.find(separator, start), text.size());
-        parts.emplace_back(text.substr(start, end - start));
-    }
-    return parts;
-}
-
 class Session {
 public:
     explicit Session(std::string_view lines = "") {
@@ -61,14 +53,8 @@ public:
     std::string answer(std::string_view lines) { return normalised(raw_answer(lines)); }
     std::string position() { return answer("epd").substr(std::size("EPD string is: ") - 1); }
 
-    /// Plays a transcript: a line that begins with "> " is typed, what follows it is the answer.
     void expect(const std::string& transcript) {
-        for (std::size_t start = 0, end; start < transcript.size(); start = end) {
-            const std::size_t line_end = transcript.find('\n', start);
-            end = std::min(transcript.find("\n> ", line_end), transcript.size() - 1) + 1;
-            const std::string typed = transcript.substr(start + 2, line_end - start - 2);
-            EXPECT_EQ(answer(typed), transcript.substr(line_end + 1, end - line_end - 1)) << typed;
-        }
+        expect_transcript(transcript, [this](const std::string& typed) { return answer(typed); });
     }
 
     /// For a line that ends the process.

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -128,6 +129,21 @@ void Process::send(std::string_view text) {
 void Process::close_input() {
     input_ends_ = true;
     write_pending();
+}
+
+void Process::close_output() { close_end(output_); }
+
+void Process::send_signal(int number) {
+    if (kill(pid_, number) != 0) refuse("kill");
+}
+
+void Process::limit_memory(std::size_t bytes) {
+    std::ifstream statistics("/proc/" + std::to_string(pid_) + "/statm");
+    rlim_t pages = 0;
+    statistics >> pages;
+    const rlim_t limit = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + bytes;
+    const rlimit limits = {limit, limit};
+    if (prlimit(pid_, RLIMIT_AS, &limits, nullptr) != 0) refuse("prlimit");
 }
 
 std::string Process::read_until(std::string_view text, milliseconds timeout) {

@@ -53,6 +53,9 @@ public:
     void send(std::string_view text);
     /// The engine finds the end of its input behind everything sent.
     void close_input();
+    /// Nobody reads what the engine says any more.
+    void close_output();
+    void send_signal(int number);
 
     /// Waits for `text` and returns all output since the last call, up to its end. Throws, with what was read, if the
     /// text isn't there in time or the output ends without it.
@@ -61,6 +64,9 @@ public:
     /// Waits for the process to end by itself and returns the output since the last call. It is killed where it doesn't
     /// end in time, and the output then says so in a last line.
     Outcome finish(std::chrono::milliseconds timeout = patience);
+
+    /// From now on the engine gets no more memory than this beside what it has; an allocation beyond it fails.
+    void limit_memory(std::size_t bytes);
 
     /// The content of a file in the engine's folder; throws if there is none.
     std::string file(const std::string& name) const;

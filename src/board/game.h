@@ -77,6 +77,8 @@ struct Game {
     Table<Move, max_game_moves> game_moves;
     std::int32_t move_counter;
     Table<PositionKeys, draw_hash_slots> draw_hash;
+
+    friend constexpr bool operator==(const Game&, const Game&) = default;
 };
 
 /// A game at the starting position; the search's tables and history are cleared with it, and allocated anew first where

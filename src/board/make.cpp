@@ -260,6 +260,12 @@ UndoRecord* save_undo(const Game* game, Move move, int slot) {
     return undo;
 }
 
+UndoRecord* save_undo(const Game* game, int slot) {
+    UndoRecord* undo = &undo_stack[slot];
+    std::memcpy(undo, game, saved_bytes);
+    return undo;
+}
+
 void make_move(Game* game, Move move) {
     if (piece_colour(game->cells[move.from]) == 0) {
         make_for<Side::white>(*game, move);

@@ -44,6 +44,8 @@ extern Table<std::uint8_t, ply_slots> null_move_at;  // 1 while a null move made
 void fill_undo(const Game* game, Move move, UndoRecord* undo);
 /// The same into `undo_stack[slot]`; gives that record.
 UndoRecord* save_undo(const Game* game, Move move, int slot);
+/// The same for whatever moves the position has: who makes one sets the captured man.
+UndoRecord* save_undo(const Game* game, int slot);
 
 void make_move(Game* game, Move move);
 void unmake_move(Game* game, Move move, const UndoRecord* undo);

@@ -1,10 +1,47 @@
 #include "board/output.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <string>
 
 namespace varn {
+
+namespace {
+
+bool is_pipe(int descriptor) {
+    struct stat status = {};
+    return fstat(descriptor, &status) == 0 && (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
+}
+
+// A signal handler, and all that it calls is allowed in one. The signals come for other reasons, too.
+extern "C" void end_if_unheard(int) {
+    const int interrupted_error = errno;
+    pollfd output = {STDOUT_FILENO, 0, 0};
+    if (poll(&output, 1, 0) == 1 && (output.revents & (POLLERR | POLLHUP)) != 0) _exit(0);
+    errno = interrupted_error;
+}
+
+}  // namespace
+
+void end_when_unheard() {
+    if (!is_pipe(STDOUT_FILENO)) return;
+    struct sigaction action = {};
+    action.sa_handler = end_if_unheard;
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGPIPE, &action, nullptr);
+    sigaction(SIGIO, &action, nullptr);
+    // The kernel says by SIGIO when something happens at either end of the pipe.
+    fcntl(STDOUT_FILENO, F_SETOWN, getpid());
+    fcntl(STDOUT_FILENO, F_SETFL, fcntl(STDOUT_FILENO, F_GETFL) | O_ASYNC);
+    end_if_unheard(SIGIO);  // what happened before
+}
 
 void unbuffer_output() { std::setvbuf(stdout, nullptr, _IONBF, 0); }
 

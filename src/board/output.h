@@ -8,6 +8,10 @@ namespace varn {
 /// Takes standard output's buffer away, so that a prompt without a newline shows at once, also in a pipe.
 void unbuffer_output();
 
+/// From now on the process ends, with status 0, as soon as nobody is left to read from the pipe that is its standard
+/// output: at once, in the midst of a search that has hours to go, too, and whatever signals it was started to ignore.
+void end_when_unheard();
+
 /// Prints as `printf` does, in one write.
 [[gnu::format(printf, 1, 2)]] void say(const char* format, ...);
 

@@ -5,5 +5,6 @@
 
 int main() {
     varn::unbuffer_output();
+    varn::end_when_unheard();
     varn::console_loop(varn::start_up());
 }

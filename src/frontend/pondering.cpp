@@ -26,7 +26,7 @@ std::optional<Move> ponder_result;  // written by the search thread, read after 
 std::int32_t own_limit_ms;          // the budget from before pondering
 
 void* search_thread_main(void*) {
-    const Move* move = think(&ponder_game);
+    const Move* move = think_on_running_clock(&ponder_game);
     ponder_result = move != nullptr ? std::optional(*move) : std::nullopt;
     return nullptr;
 }
@@ -62,9 +62,10 @@ bool is_ponder_hit(Move move) { return pondering_now && move == ponder_move; }
 void start_pondering(const Game* game) {
     ponder_move = predicted_move;
     ponder_game = *game;
+    play_move(ponder_move, &ponder_game);
     own_limit_ms = time_limit_ms.load(std::memory_order_relaxed);
     set_limit(ponder_limit_ms);
-    play_move(ponder_move, &ponder_game);
+    start_clock();
     start_search_thread();
     pondering_now = true;
     say("pondering: %s\n", move_text(ponder_move).c_str());
@@ -78,10 +79,9 @@ std::optional<Move> take_ponder_result() {
 
 void stop_pondering() {
     if (!pondering_now) return;
-    const std::int32_t limit = has_no_deadline() ? own_limit_ms : time_limit_ms.load(std::memory_order_relaxed);
-    set_limit(0);
+    stop_clock();
     join_search_thread();
-    set_limit(limit);
+    if (has_no_deadline()) set_limit(own_limit_ms);
 }
 
 }  // namespace varn

@@ -27,13 +27,6 @@ namespace varn {
 
 namespace {
 
-/// What the protocol keeps between lines, beside the settings.
-struct Protocol {
-    std::unique_ptr<Game> game;
-    bool force_mode = false;  // moves are played on the board only
-    bool pondering_enabled = true;
-};
-
 const char* result_text(GameResult result) {
     switch (result) {
         case GameResult::none: return "";
@@ -187,7 +180,11 @@ void play_line(Protocol& protocol, std::string_view line) {
         return;
     }
     play_move(move, game);
-    if (announce_end(game) || protocol.force_mode) return;
+    if (announce_end(game)) {
+        stop_pondering();  // there is nothing left to think about
+        return;
+    }
+    if (protocol.force_mode) return;
     const Move reply = find_reply(protocol, move);
     count_turn();
     move_now(protocol, reply);
@@ -238,17 +235,6 @@ bool fits(const Command& command, std::string_view line) {
     return command.match == Match::whole_line ? line == command.text : line.starts_with(command.text);
 }
 
-void xboard_step(Protocol& protocol) {
-    const auto line = read_line();
-    if (!line) quit(protocol, {});
-    for (const Command& command : commands) {
-        if (!fits(command, *line)) continue;
-        command.handler(protocol, std::string_view(*line).substr(command.text.size()));
-        return;
-    }
-    play_line(protocol, *line);
-}
-
 }  // namespace
 
 GameResult game_result(Game* game) {
@@ -262,13 +248,27 @@ GameResult game_result(Game* game) {
     return record_is_full(*game) ? GameResult::full_record : GameResult::none;
 }
 
-void xboard_loop(std::unique_ptr<Game> game) {
-    std::signal(SIGINT, SIG_IGN);  // how a client may ask for attention; between its lines it has it anyway
+Protocol start_protocol(std::unique_ptr<Game> game) {
     xboard_mode = 1;
     post_thinking = 0;
     predicted_valid = 0;
-    Protocol protocol = {std::move(game), false, pondering_enabled == 1};
-    for (;;) xboard_step(protocol);
+    return {std::move(game), false, pondering_enabled != 0};
+}
+
+void xboard_step(Protocol& protocol, std::string_view line) {
+    for (const Command& command : commands) {
+        if (!fits(command, line)) continue;
+        command.handler(protocol, line.substr(command.text.size()));
+        return;
+    }
+    play_line(protocol, line);
+}
+
+void xboard_loop(std::unique_ptr<Game> game) {
+    std::signal(SIGINT, SIG_IGN);  // how a client may ask for attention; between its lines it has it anyway
+    Protocol protocol = start_protocol(std::move(game));
+    while (const auto line = read_line()) xboard_step(protocol, *line);
+    quit(protocol, {});
 }
 
 }  // namespace varn

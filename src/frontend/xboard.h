@@ -4,12 +4,26 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "board/game.h"
 
 namespace varn {
 
-/// Speaks the protocol until `quit` or the end of the input ends the process; never returns.
+/// What the protocol keeps between lines, beside the settings.
+struct Protocol {
+    std::unique_ptr<Game> game;
+    bool force_mode;  // moves are played on the board only
+    bool pondering_enabled;
+};
+
+/// The protocol begins, with this game.
+Protocol start_protocol(std::unique_ptr<Game> game);
+
+/// Carries out a line, which ends with its newline where it has one. `quit` ends the process.
+void xboard_step(Protocol& protocol, std::string_view line);
+
+/// Speaks the protocol on standard input until `quit` or the end of the input ends the process; never returns.
 [[noreturn]] void xboard_loop(std::unique_ptr<Game> game);
 
 /// How a game stands, as the protocol announces it.

@@ -27,6 +27,8 @@ void restart_clock(std::int32_t limit_ms) {
     time_limit_ms.store(limit_ms, std::memory_order_release);
 }
 
+void stop_clock() { clock_running.store(0, std::memory_order_relaxed); }
+
 // The other thread may restart the clock between any two of these lines. The limit is read first, so that a new limit
 // never meets an old start, and the time last, so that it is never before the start.
 bool clock_ok_now() {

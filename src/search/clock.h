@@ -1,5 +1,5 @@
 // The node counters and the one test that ends a search. A search never polls the input: it runs until its budget is
-// used up, and a front end that wants a search on another thread to end lowers the budget.
+// used up, or until the thread that reads the input stops its clock.
 #pragma once
 
 #include <atomic>
@@ -25,6 +25,9 @@ std::uint32_t clock_ms();
 void start_clock();
 /// A new budget that counts from now, for a search that may be running on the other thread.
 void restart_clock(std::int32_t limit_ms);
+/// A search on the other thread ends at its next node. It must have been given a clock that runs already: one that has
+/// yet to start its own would not hear of it.
+void stop_clock();
 
 /// Reads the clock; past the budget the search may not run on.
 bool clock_ok_now();

@@ -115,7 +115,6 @@ double deepen(Game* game) {
     const int last_depth = std::clamp(ply_limit.load(), 1, deepest_iteration);
     double nodes_per_second = 0;
     search_nodes = 0;
-    start_clock();
     for (int depth = 1; depth <= last_depth; ++depth) {
         const std::uint32_t started = clock_ms();
         if (!finish_iteration(game, saved, depth)) break;
@@ -140,6 +139,11 @@ void predict_reply(const Game& game) {
 }  // namespace
 
 const Move* think(Game* game) {
+    start_clock();
+    return think_on_running_clock(game);
+}
+
+const Move* think_on_running_clock(Game* game) {
     predicted_valid = 0;
     if (const auto move = ask_book(game)) return choose(*move);
     const MoveList* legal = legal_root_moves(game);

@@ -19,6 +19,9 @@ extern std::int32_t predicted_valid;
 /// The engine's move, or null where there is no legal one. The game is unchanged on return. The move stands in storage
 /// that the search owns, valid until the next call.
 const Move* think(Game* game);
+/// The same on a clock that the caller has started, for another thread than the caller's: whatever the caller does to
+/// the clock meanwhile holds, also before the search has begun.
+const Move* think_on_running_clock(Game* game);
 
 /// One search of the root with a window round `centre`, and a second with the full window if that fails.
 int root_search(Game* game, int centre, int depth);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
+#include <string>
 
 #include "board/memory.h"
 #include "board/output.h"
@@ -244,8 +245,9 @@ void print_hash_stats() {
     for (std::uint64_t i = 0; i < table.entries; ++i) {
         if (table.slots[i].generation == table.generation && table.slots[i].lock != 0) ++used;
     }
-    say("Transposition table usage: %d%%\n", static_cast<int>(used * 100 / table.entries));
-    say("Transposition table size (bytes): %llu\n", static_cast<unsigned long long>(table.entries * sizeof(HashEntry)));
+    const std::uint64_t all = std::max<std::uint64_t>(1, table.entries);
+    say("Transposition table usage: %d%%\n", static_cast<int>(used * 100 / all));
+    say("Transposition table size (bytes): %s\n", std::to_string(table.entries * sizeof(HashEntry)).c_str());
 }
 
 }  // namespace varn

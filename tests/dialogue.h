@@ -1,0 +1,82 @@
+// Dialogues with the engine, whichever of its front ends it is that answers: written down as transcripts, and led with
+// the protocol's side as a chess program leads it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frontend/xboard.h"
+#include "process.h"
+
+namespace varn {
+
+inline std::vector<std::string> split(std::string_view text, std::string_view separator) {
+    std::vector<std::string> parts;
+    for (std::size_t start = 0, end; start <= text.size(); start = end + separator.size()) {
+        end = std::min(text.find(separator, start), text.size());
+        parts.emplace_back(text.substr(start, end - start));
+    }
+    return parts;
+}
+
+/// Plays a transcript: a line that begins with "> " is typed, what follows it is what `answer` must give.
+template <typename Answer> void expect_transcript(const std::string& transcript, Answer answer) {
+    for (std::size_t start = 0, end; start < transcript.size(); start = end) {
+        const std::size_t line_end = transcript.find('\n', start);
+        end = std::min(transcript.find("\n> ", line_end), transcript.size() - 1) + 1;
+        const std::string typed = transcript.substr(start + 2, line_end - start - 2);
+        EXPECT_EQ(answer(typed), transcript.substr(line_end + 1, end - line_end - 1)) << typed;
+    }
+}
+
+inline constexpr std::string_view features =
+    "feature analyse=0\nfeature setboard=0\nfeature myname=\"Varn 0.2\"\nfeature done=1\n";
+
+/// What the protocol says at the end of a game, by `GameResult`.
+inline constexpr std::string_view result_texts[] = {
+    "",
+    "0-1 {Black mates}\n",
+    "1-0 {White mates}\n",
+    "1/2-1/2 {Draw by repetition}\n",
+    "1/2-1/2 {Stalemate}\n",
+    "1/2-1/2 {Draw by 50 move rule}\n",
+    "1/2-1/2 {Draw by insufficient materal}\n",
+    "1/2-1/2 {Draw by game length}\n",
+};
+
+inline std::string result_text(Game& game) { return std::string(result_texts[static_cast<int>(game_result(&game))]); }
+
+/// The engine as a chess program meets it: first some lines at the console, then the protocol.
+class Partner {
+public:
+    explicit Partner(std::string_view console_lines = "", const Files& files = default_files()) : process_(files) {
+        process_.send(console_lines);
+        process_.send("xboard\n");
+        EXPECT_TRUE(answer("").ends_with("Varn> \n"));
+    }
+
+    /// What the lines, with "; " between them, are answered with. The request for the features marks the end.
+    std::string answer(std::string_view lines) {
+        for (const std::string& line : split(lines, "; ")) process_.send(line + '\n');
+        process_.send("protover 2\n");
+        std::string text = process_.read_until("feature done=1\n");
+        EXPECT_TRUE(text.ends_with(features)) << text;
+        text.resize(text.size() - std::min(text.size(), features.size()));
+        return text;
+    }
+
+    void expect(const std::string& transcript) {
+        expect_transcript(transcript, [this](const std::string& typed) { return answer(typed); });
+    }
+
+    Process& process() { return process_; }
+
+private:
+    Process process_;
+};
+
+}  // namespace varn
