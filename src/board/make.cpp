@@ -339,6 +339,11 @@ template bool make_if_legal<Side::white>(Game& game, Move move, int ply, const R
 template bool make_if_legal<Side::black>(Game& game, Move move, int ply, const Restraints& restraints,
                                          UndoRecord& undo);
 
+bool make_if_legal(Game* game, Move move, int ply, const Restraints& restraints, UndoRecord* undo) {
+    return game->turn == 0 ? make_if_legal<Side::white>(*game, move, ply, restraints, *undo)
+                           : make_if_legal<Side::black>(*game, move, ply, restraints, *undo);
+}
+
 void make_null(Game* game, int ply, UndoRecord* undo) {
     game->turn ^= 1U;
     search_stack[ply].captured = no_piece;

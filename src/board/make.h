@@ -75,6 +75,8 @@ bool make_if_legal(Game* game, Move move, int ply, const UndoRecord* undo);
 /// The same for a move of side S under its restraints. `undo` may have been filled for any move of the position: the
 /// captured man is set here.
 template <Side S> bool make_if_legal(Game& game, Move move, int ply, const Restraints& restraints, UndoRecord& undo);
+/// The same for the side to move.
+bool make_if_legal(Game* game, Move move, int ply, const Restraints& restraints, UndoRecord* undo);
 
 /// Passes the turn: clears the en-passant square, pushes the keys, and marks `ply` in `null_move_at`.
 void make_null(Game* game, int ply, UndoRecord* undo);
