@@ -108,6 +108,7 @@ TEST(Legality, ValidMovesAreExactlyTheGeneratedSafeOnes) {
             EXPECT_EQ(leaves_white_in_check(&game, move), white_checked);
             EXPECT_EQ(leaves_black_in_check(&game, move), black_checked);
             const bool is_safe = game.turn == 0 ? !white_checked : !black_checked;
+            EXPECT_EQ(is_legal_under(restraints_of(&game), &game, move), is_safe) << move_text(move);
             if (is_safe) valid.insert(number_of(move));
             for (const std::uint8_t kind : kinds) candidates.push_back({move.from, move.to, kind});
         }

@@ -8,56 +8,54 @@ namespace varn {
 
 namespace {
 
-template <Side S> bool legal(Game& g, int from, int to, std::uint8_t kind) {
-    return !leaves_in_check<S>(g, {static_cast<std::uint8_t>(from), static_cast<std::uint8_t>(to), kind});
-}
+/// The candidates of a side, tried one by one until one is legal.
+template <Side S> struct Candidates {
+    Game& g;
+    const Restraints& restraints;
 
-/// Whether one of the men has a legal move of `kind` to a square that `targets_of` gives for its own.
-template <Side S, typename Targets> bool any_legal(Game& g, Bitboard men, std::uint8_t kind, Targets targets_of) {
-    while (men != 0) {
-        const int from = pop_first(men);
-        Bitboard targets = targets_of(from);
-        while (targets != 0) {
-            if (legal<S>(g, from, pop_first(targets), kind)) return true;
+    /// Whether one of the men has a legal move of `kind` to a square that `targets_of` gives for its own.
+    template <typename Targets> bool any(Bitboard men, std::uint8_t kind, Targets targets_of) const {
+        while (men != 0) {
+            const auto from = static_cast<std::uint8_t>(pop_first(men));
+            Bitboard targets = targets_of(from);
+            while (targets != 0) {
+                const auto to = static_cast<std::uint8_t>(pop_first(targets));
+                if (is_legal_under<S>(restraints, g, {from, to, kind})) return true;
+            }
         }
+        return false;
     }
-    return false;
-}
+};
 
-template <Side S> bool pawn_has_legal_move(Game& g, Bitboard enemies) {
+template <Side S> bool pawn_has_legal_move(const Candidates<S>& candidates, Bitboard enemies) {
     constexpr Side them = other(S);
     constexpr std::uint8_t queening = code_of(S, queen);
+    const Game& g = candidates.g;
     const Bitboard pawns = pawns_of<S>(g);
-    const Bitboard free = pawns & ~behind<S>(occupied(g));
-    const Bitboard last_rank = own_rank_mask<S>(8);
-    const auto step_to = [](int from) { return bit_mask(from + up<S>); };
+    const Bitboard steppers = pawns & ~behind<S>(occupied(g));
+    // In nearly every position some pawn settles it here.
+    if ((steppers & candidates.restraints.free) != 0) return true;
 
-    const Bitboard doubles = free & own_rank_mask<S>(2) & ~behind<S>(behind<S>(occupied(g)));
-    if (any_legal<S>(g, doubles, kind_double_step, [](int from) { return bit_mask(from + 2 * up<S>); })) return true;
-    if (any_legal<S>(g, free & ~own_rank_mask<S>(7), kind_quiet, step_to)) return true;
-    if (any_legal<S>(g, pawns, kind_quiet, [&](int from) { return pawn_attacks<S>[from] & enemies & ~last_rank; })) {
-        return true;
-    }
+    const Bitboard doubles = steppers & own_rank_mask<S>(2) & ~behind<S>(behind<S>(occupied(g)));
+    if (candidates.any(steppers, kind_quiet, [](int from) { return bit_mask(from + up<S>); })) return true;
+    if (candidates.any(doubles, kind_double_step, [](int from) { return bit_mask(from + 2 * up<S>); })) return true;
     // Where the queen's promotion isn't legal no other is.
-    if (any_legal<S>(g, pawns, queening, [&](int from) { return pawn_attacks<S>[from] & enemies & last_rank; })) {
-        return true;
-    }
+    if (candidates.any(pawns, queening, [&](int from) { return pawn_attacks<S>[from] & enemies; })) return true;
     const Bitboard passed = g.enpassant & own_rank_mask<S>(6);
-    if (passed != 0) {
-        const Bitboard capturers = pawn_attacks<them>[first_one(passed)] & pawns;
-        if (any_legal<S>(g, capturers, kind_en_passant, [&](int) { return passed; })) return true;
-    }
-    return any_legal<S>(g, free & own_rank_mask<S>(7), queening, step_to);
+    if (passed == 0) return false;
+    const Bitboard capturers = pawn_attacks<them>[first_one(passed)] & pawns;
+    return candidates.any(capturers, kind_en_passant, [&](int) { return passed; });
 }
 
-/// Tries candidates until one proves legal. Make tells a capture from the target square, so every move of a piece is
-/// tried as a quiet one. Castling need not be tried: where it is legal the king's single step that way is legal too.
-template <Side S> bool side_has_legal_move(Game& g) {
+/// The kind of a piece's move doesn't matter to its being legal. Castling need not be tried: where it is legal the
+/// king's single step that way is legal too.
+template <Side S> bool side_has_legal_move(Game& g, const Restraints& restraints) {
     constexpr Side them = other(S);
+    const Candidates<S> candidates = {g, restraints};
     const Bitboard targets = ~pieces_of<S>(g) & not_bit(king_square_of<them>(g));
-    if (pawn_has_legal_move<S>(g, pieces_of<them>(g) & targets)) return true;
+    if (pawn_has_legal_move<S>(candidates, pieces_of<them>(g) & targets)) return true;
     const auto try_men = [&](Bitboard men, auto reach) {
-        return any_legal<S>(g, men, kind_quiet, [&](int from) { return reach(from) & targets; });
+        return candidates.any(men, kind_quiet, [&](int from) { return reach(from) & targets; });
     };
     return try_men(queens_of<S>(g), [&](int from) { return rook_reach(g, from) | bishop_reach(g, from); }) ||
            try_men(knights_of<S>(g), [](int from) { return knight_moves[from]; }) ||
@@ -97,8 +95,17 @@ bool is_valid_move(Game* game, Move move) {
 bool leaves_white_in_check(Game* game, Move move) { return leaves_in_check<Side::white>(*game, move); }
 bool leaves_black_in_check(Game* game, Move move) { return leaves_in_check<Side::black>(*game, move); }
 
-bool white_has_legal_move(Game* game) { return side_has_legal_move<Side::white>(*game); }
-bool black_has_legal_move(Game* game) { return side_has_legal_move<Side::black>(*game); }
+bool white_has_legal_move(Game* game) {
+    return side_has_legal_move<Side::white>(*game, restraints_of<Side::white>(*game));
+}
+bool black_has_legal_move(Game* game) {
+    return side_has_legal_move<Side::black>(*game, restraints_of<Side::black>(*game));
+}
 bool has_legal_move(Game* game) { return game->turn == 0 ? white_has_legal_move(game) : black_has_legal_move(game); }
+
+bool has_legal_move(Game* game, const Restraints& restraints) {
+    return game->turn == 0 ? side_has_legal_move<Side::white>(*game, restraints)
+                           : side_has_legal_move<Side::black>(*game, restraints);
+}
 
 }  // namespace varn

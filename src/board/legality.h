@@ -4,6 +4,7 @@
 #pragma once
 
 #include "board/game.h"
+#include "board/restraints.h"
 
 namespace varn {
 
@@ -24,5 +25,7 @@ bool white_has_legal_move(Game* game);
 bool black_has_legal_move(Game* game);
 /// The same for the side to move.
 bool has_legal_move(Game* game);
+/// The same under restraints that are known.
+bool has_legal_move(Game* game, const Restraints& restraints);
 
 }  // namespace varn

@@ -260,6 +260,12 @@ UndoRecord* save_undo(const Game* game, Move move, int slot) {
     return undo;
 }
 
+UndoRecord* save_undo(const Game* game, int slot) {
+    UndoRecord* undo = &undo_stack[slot];
+    std::memcpy(undo, game, saved_bytes);
+    return undo;
+}
+
 void make_move(Game* game, Move move) {
     if (piece_colour(game->cells[move.from]) == 0) {
         make_for<Side::white>(*game, move);
@@ -332,6 +338,11 @@ template bool make_if_legal<Side::white>(Game& game, Move move, int ply, const R
                                          UndoRecord& undo);
 template bool make_if_legal<Side::black>(Game& game, Move move, int ply, const Restraints& restraints,
                                          UndoRecord& undo);
+
+bool make_if_legal(Game* game, Move move, int ply, const Restraints& restraints, UndoRecord* undo) {
+    return game->turn == 0 ? make_if_legal<Side::white>(*game, move, ply, restraints, *undo)
+                           : make_if_legal<Side::black>(*game, move, ply, restraints, *undo);
+}
 
 void make_null(Game* game, int ply, UndoRecord* undo) {
     game->turn ^= 1U;

@@ -44,6 +44,8 @@ extern Table<std::uint8_t, ply_slots> null_move_at;  // 1 while a null move made
 void fill_undo(const Game* game, Move move, UndoRecord* undo);
 /// The same into `undo_stack[slot]`; gives that record.
 UndoRecord* save_undo(const Game* game, Move move, int slot);
+/// The same for whatever moves the position has: who makes one sets the captured man.
+UndoRecord* save_undo(const Game* game, int slot);
 
 void make_move(Game* game, Move move);
 void unmake_move(Game* game, Move move, const UndoRecord* undo);
@@ -73,6 +75,8 @@ bool make_if_legal(Game* game, Move move, int ply, const UndoRecord* undo);
 /// The same for a move of side S under its restraints. `undo` may have been filled for any move of the position: the
 /// captured man is set here.
 template <Side S> bool make_if_legal(Game& game, Move move, int ply, const Restraints& restraints, UndoRecord& undo);
+/// The same for the side to move.
+bool make_if_legal(Game* game, Move move, int ply, const Restraints& restraints, UndoRecord* undo);
 
 /// Passes the turn: clears the en-passant square, pushes the keys, and marks `ply` in `null_move_at`.
 void make_null(Game* game, int ply, UndoRecord* undo);

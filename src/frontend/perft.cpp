@@ -16,23 +16,23 @@ namespace varn {
 namespace {
 
 /// Legal lines of so many plies, side S to move. The depth left serves as ply, so that each level has slots of its own.
-template <Side S> std::uint64_t perft_count(Game& game, int depth) {
+template <Side S> std::uint64_t count_leaves(Game& game, int depth) {
     if (depth == 0) return 1;
     std::uint64_t leaves = 0;
     const MoveList* list = generate_all(&game, depth);
     const Restraints restraints = restraints_of<S>(game);
-    UndoRecord* undo = save_undo(&game, {}, depth);
+    UndoRecord* undo = save_undo(&game, depth);
     for (int i = 0; i < list->count; ++i) {
         const Move move = list->moves[i];
         if (!make_if_legal<S>(game, move, depth, restraints, *undo)) continue;
-        leaves += perft_count<other(S)>(game, depth - 1);
+        leaves += count_leaves<other(S)>(game, depth - 1);
         unmake_for<S>(game, move, *undo);
     }
     return leaves;
 }
 
-std::uint64_t count_generated(Game* game, int depth) {
-    return game->turn == 0 ? perft_count<Side::white>(*game, depth) : perft_count<Side::black>(*game, depth);
+std::uint64_t perft_count(Game* game, int depth) {
+    return game->turn == 0 ? count_leaves<Side::white>(*game, depth) : count_leaves<Side::black>(*game, depth);
 }
 
 /// The same through the staged picker, on the plies and with the window of a search's main line.
@@ -87,7 +87,7 @@ void run_count(Console& console, const CommandLine& line, void (*count)(Game* ga
 
 }  // namespace
 
-void perft(Game* game, int depth) { report_count(game, depth, count_generated); }
+void perft(Game* game, int depth) { report_count(game, depth, perft_count); }
 
 void advperft(Game* game, int depth) { report_count(game, depth, count_as_a_search); }
 

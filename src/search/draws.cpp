@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "board/attacks.h"
 #include "board/legality.h"
 #include "board/make.h"
+#include "board/side.h"
 #include "search/score.h"
 
 namespace varn {
@@ -52,10 +52,12 @@ bool draw_after_move(Game* game, Move move) {
     return drawn;
 }
 
-int node_status(Game* game, int line_ply) {
+int node_status(Game* game, int line_ply) { return node_status(game, restraints_of(game), line_ply); }
+
+int node_status(Game* game, const Restraints& restraints, int line_ply) {
     if (draw_by_rule(game)) return 0;
-    if (has_legal_move(game)) return game_goes_on;
-    if (!in_check(game)) return 0;
+    if (has_legal_move(game, restraints)) return game_goes_on;
+    if (restraints.checkers == 0) return 0;
     return game->turn == 1 ? mate_score - line_ply : line_ply - mate_score;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "board/game.h"
+#include "board/restraints.h"
 
 namespace varn {
 
@@ -22,5 +23,7 @@ inline constexpr int game_goes_on = -1;
 /// The score of a finished game from white's point of view, or `game_goes_on`; a mate scores less the farther it is
 /// from the root.
 int node_status(Game* game, int line_ply);
+/// The same under the restraints of the side to move.
+int node_status(Game* game, const Restraints& restraints, int line_ply);
 
 }  // namespace varn

@@ -55,7 +55,8 @@ enum class Stage : std::uint8_t {
 /// One node's way through the stages. Each ply has its own, lists included, so that they survive the recursion.
 struct Picker {
     Stage stage;
-    Move current;  // the move last handed out
+    Move current;           // the move last handed out
+    Restraints restraints;  // of the side to move, once captures are made
     PlayedMove hash_move;
     PlayedMove killer_one;
     PlayedMove killer_two;
@@ -88,8 +89,8 @@ const Move* hand_out(const PickedNode& node, Picker& picker, Move move) {
 
 /// Makes a pseudo-legal move and hands it out, unless it leaves its own king attacked.
 const Move* try_move(const PickedNode& node, Picker& picker, Move move) {
-    const UndoRecord* undo = save_undo(node.game, move, node.ply);
-    if (!make_if_legal(node.game, move, node.ply, undo)) return nullptr;
+    UndoRecord* undo = save_undo(node.game, node.ply);
+    if (!make_if_legal(node.game, move, node.ply, picker.restraints, undo)) return nullptr;
     push_keys(node.game);
     prefetch_hashes(node.game);
     search_stack[node.ply].move = move;
@@ -144,7 +145,7 @@ const Move* pick_quiet(const PickedNode& node, Picker& picker) {
 
 const Move* pick_killer(const PickedNode& node, Picker& picker, Move killer, int piece, PlayedMove& slot) {
     if (!same_mover(node.game->cells[killer.from], piece)) return nullptr;
-    if (picker.hash_move.is(killer) || !killer_valid(node.game, killer)) return nullptr;
+    if (picker.hash_move.is(killer) || !killer_valid(node.game, killer, picker.restraints)) return nullptr;
     slot.set(killer);
     return hand_out(node, picker, killer);
 }
@@ -181,10 +182,12 @@ bool reaches(const Game& g, Move move) {
 
 }  // namespace
 
-bool killer_valid(Game* game, Move move) {
+bool killer_valid(Game* game, Move move) { return killer_valid(game, move, restraints_of(game)); }
+
+bool killer_valid(Game* game, Move move, const Restraints& restraints) {
     if (move.kind != kind_quiet && move.kind != kind_double_step) return false;
     if (move.from == move.to || game->cells[move.from] == no_piece || game->cells[move.to] != no_piece) return false;
-    return reaches(*game, move) && is_legal(game, move);
+    return reaches(*game, move) && is_legal_under(restraints, game, move);
 }
 
 void start_picking(int ply) {
@@ -209,6 +212,7 @@ const Move* next_move(Game* game, int ply, int alpha, int beta, int depth, int l
             if ((made = pick_hash_move(node, picker)) != nullptr) return made;
             [[fallthrough]];
         case Stage::make_captures:
+            picker.restraints = restraints_of(game);
             add_captures(game, &picker.captures.list);
             score_captures(game, &picker.captures.list);
             picker.stage = Stage::good_captures;

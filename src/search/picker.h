@@ -4,6 +4,7 @@
 #pragma once
 
 #include "board/game.h"
+#include "board/restraints.h"
 
 namespace varn {
 
@@ -18,5 +19,7 @@ const Move* next_move(Game* game, int ply, int alpha, int beta, int depth, int l
 
 /// Whether a killer, a quiet move from another position, can legally be played in this one.
 bool killer_valid(Game* game, Move move);
+/// The same under the restraints of the side to move.
+bool killer_valid(Game* game, Move move, const Restraints& restraints);
 
 }  // namespace varn

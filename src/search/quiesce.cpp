@@ -40,7 +40,11 @@ bool answers(const HashEntry& entry, int alpha, int beta) {
 }  // namespace
 
 int static_score(Game* game, const SearchFrame& frame, int alpha, int beta) {
-    int score = node_status(game, frame.line_ply);
+    return static_score(game, restraints_of(game), frame, alpha, beta);
+}
+
+int static_score(Game* game, const Restraints& restraints, const SearchFrame& frame, int alpha, int beta) {
+    int score = node_status(game, restraints, frame.line_ply);
     if (score == game_goes_on) {
         if (material_decides(*game)) return material_for_side_to_move(*game);
         score = evaluate(game, frame.line_ply, alpha, beta);
@@ -74,7 +78,8 @@ int quiesce(Game* game, int alpha, int beta, SearchFrame frame) {
 
     const int line_ply = frame.line_ply;
     const int ply = frame.ply;
-    const int stand = static_score(game, frame, alpha, beta);
+    const Restraints restraints = restraints_of(game);
+    const int stand = static_score(game, restraints, frame, alpha, beta);
     if (stand >= beta) {
         qhash_store(game, line_ply, stand, bound_lower);
         return stand;
@@ -90,6 +95,7 @@ int quiesce(Game* game, int alpha, int beta, SearchFrame frame) {
     bool raised_alpha = false;
     MoveList* list = generate_noisy(game, ply);
     for (int i = 0; i < list->count; ++i) list->scores[i] = promise(game, list->moves[i]);
+    UndoRecord* undo = save_undo(game, ply);
     ++frame.ply;
     ++frame.line_ply;
     for (int i = 0; i < list->count; ++i) {
@@ -99,8 +105,7 @@ int quiesce(Game* game, int alpha, int beta, SearchFrame frame) {
         if (gain < 0 || gain + stand + hope < alpha) break;
 
         const Move move = list->moves[i];
-        const UndoRecord* undo = save_undo(game, move, ply);
-        if (!make_if_legal(game, move, ply, undo)) continue;
+        if (!make_if_legal(game, move, ply, restraints, undo)) continue;
         prefetch_qhash(game);
         const int value = -quiesce(game, -beta, -alpha, frame);
         unmake_move(game, move, undo);
