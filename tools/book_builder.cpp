@@ -27,7 +27,7 @@ std::vector<std::string> line_of(const PgnGame& pgn, int plies, std::string& pro
         line.push_back(move_text(*move));
         play_move(*move, game.get());
     }
-    problem = pgn.problem;
+    if (std::ssize(line) < plies) problem = pgn.problem;
     return line;
 }
 
