@@ -372,7 +372,7 @@ TEST(Xboard, WithoutASecondThreadItEndsWithAMessage) {
 TEST(Xboard, PlaysItselfUnderAClock) {
     constexpr int moves_per_control = 10, plies = 160;
     static constexpr milliseconds base(500);
-    constexpr milliseconds hold_up(500);  // a busy machine may hold both sides up for a while
+    constexpr milliseconds hold_up(2000);  // a busy machine may hold both sides up for a while
     struct Player {
         Partner partner;
         milliseconds clock = base;
