@@ -45,7 +45,7 @@ std::uint64_t search_position(varn::Game* game, const char* text, int depth) {
 }  // namespace
 
 int main(int argument_count, char** arguments) {
-    const int depth = argument_count > 1 ? std::atoi(arguments[1]) : default_depth;
+    const int depth = argument_count > 1 ? static_cast<int>(std::strtol(arguments[1], nullptr, 10)) : default_depth;
     varn::install_reset_hooks();
     varn::draw_hash_numbers(hash_seed);
     varn::xboard_mode = 1;

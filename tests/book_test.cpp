@@ -149,11 +149,12 @@ TEST_F(Book, AnswersByTheCountOfFittingRows) {
 }
 
 TEST_F(Book, EndsBehindTheTwentySecondMove) {
+    constexpr std::size_t last_answered = std::size_t{21} * 4;
     std::string row;
-    while (row.size() < 24 * 4) row += "g1f3g8f6f3g1f6g8";
+    while (row.size() <= last_answered + 8) row += "g1f3g8f6f3g1f6g8";
     load(row + '\n');
     for (std::size_t length = 0; length < row.size(); length += 4) {
-        EXPECT_EQ(answer(row.substr(0, length)), length <= 21 * 4 ? row.substr(length, 4) : off) << length / 4;
+        EXPECT_EQ(answer(row.substr(0, length)), length <= last_answered ? row.substr(length, 4) : off) << length / 4;
     }
 }
 
@@ -161,7 +162,7 @@ TEST_F(Book, ReadsALongLineAsTwoRows) {
     for (const std::size_t length : {98U, 99U, 120U}) {
         const std::string line = "e2e4e7e5," + std::string(length - 9, 'x'), next = "d2d4d7d5";
         const bool fits = length < book_row_length;
-        EXPECT_EQ(load(line + '\n' + next), "");
+        EXPECT_EQ(load(std::string(line).append("\n").append(next)), "");
         ASSERT_EQ(book_line_count(), fits ? 2 : 3);
         EXPECT_EQ(book_line(0), line.substr(0, book_row_length));
         EXPECT_EQ(book_line(1), fits ? next : line.substr(book_row_length));

@@ -15,8 +15,9 @@ namespace {
 constexpr Side white = Side::white;
 constexpr Side black = Side::black;
 
-/// A game at the position, with no pawns known yet.
+/// A game at the position, with no pawns known yet and no search before it.
 std::unique_ptr<Game> fresh_game(std::string_view text) {
+    root_material = w_trade_flag = b_trade_flag = 0;
     pawn_hash_allocate();
     pawn_hash_clear();
     return game_from(text);

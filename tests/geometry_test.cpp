@@ -27,6 +27,7 @@ TEST(Geometry, SlidersReachTheFirstManOnEveryLine) {
         const Bitboard sparse = random.next() & random.next(), men = round % 2 == 0 ? sparse : sparse & random.next();
         game->w_pieces = men & random.next();
         game->b_pieces = men & ~game->w_pieces;
+        game->men = men;
         game->r90 = rotate_90(men);
         game->r45f = rotate_45f(men);
         game->r45b = rotate_45b(men);

@@ -2,9 +2,7 @@
 // must equal what the model computes anew, and whatever was made must be taken back to the last byte.
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <cstdlib>
-#include <cstring>
 #include <map>
 #include <utility>
 
@@ -99,13 +97,6 @@ void expect_agreement(const Game& g, const Model& m) {
     EXPECT_TRUE(is_consistent(&g));
 }
 
-bool same_bytes(const Game& a, const Game& b) { return std::memcmp(&a, &b, sizeof(Game)) == 0; }
-/// The same but for the keys that popping leaves behind the count.
-bool same_game(const Game& a, const Game& b) {
-    return std::memcmp(&a, &b, offsetof(Game, draw_hash)) == 0 && a.draw_hash_count == b.draw_hash_count &&
-           std::equal(a.draw_hash.begin(), a.draw_hash.begin() + a.draw_hash_count, b.draw_hash.begin());
-}
-
 /// Makes and unmakes every pseudo-legal move, those that leave the king in check included.
 void expect_unmake_restores(Game& game, const Game& before) {
     for (const Move move : pseudo_legal_moves(game)) {
@@ -114,7 +105,7 @@ void expect_unmake_restores(Game& game, const Game& before) {
         if (make_if_legal(&game, move, 0, undo)) unmake_move(&game, move, undo);
         make_move(&game, move);
         unmake_move(&game, move, undo);
-        ASSERT_TRUE(same_bytes(game, before)) << position_text(&before) << ' ' << move_text(move);
+        ASSERT_TRUE(game == before) << position_text(&before) << ' ' << move_text(move);
     }
 }
 
@@ -144,7 +135,7 @@ TEST(Make, AgreesWithTheModelThereAndBackInRandomGames) {
         std::vector<Step> line;
         for (int ply = 0; ply < 300; ++ply) {
             Step& step = line.emplace_back();
-            std::memcpy(&step.before, game.get(), sizeof(Game));
+            step.before = *game;
             expect_unmake_restores(*game, step.before);
             const std::vector<Move> moves = legal_moves(*game);
             step.is_null = moves.empty() || (random.next() % 16 == 0 && !in_check(game.get()));
@@ -190,7 +181,7 @@ TEST(Make, AFullRecordRefusesTheMove) {
     const auto before = std::make_unique<Game>(*game);
     EXPECT_FALSE(play_move({e8 - 8, e8 - 24, kind_double_step}, game.get()));
     add_game_move(game.get(), Move{});
-    EXPECT_TRUE(same_bytes(*game, *before));
+    EXPECT_TRUE(*game == *before);
 }
 
 }  // namespace

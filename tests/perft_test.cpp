@@ -6,24 +6,64 @@
 #include <regex>
 
 #include "frontend/compare_games.h"
-#include "positions.h"
+#include "frontend/perft.h"
 #include "process.h"
+#include "search/think.h"
+#include "search_helpers.h"
 
 namespace varn {
 namespace {
 
-TEST(Perft, CountsMovesAndLeavesTheGameAsItWas) {
+TEST(Perft, CountsMovesEitherWayAndLeavesTheGameAsItWas) {
     constexpr KnownPosition cases[] = {{known_positions[0].text, 0, 1},
                                        {known_positions[0].text, 4, 197281},
                                        {known_positions[1].text, 3, 97862},
                                        {known_positions[2].text, 4, 43238}};
     for (const auto& [text, depth, leaves] : cases) {
-        const std::string plies = std::to_string(depth);
-        const std::string output =
-            run_console("setboard " + std::string(text) + "\nshow\nperft " + plies + "\nshow\n").output;
-        const std::regex expected("Varn> (Varn> [^V]*)Varn> running perft=" + plies +
-                                  "\nCounted: " + std::to_string(leaves) + " nodes in \\d+ seconds\\.\n\\1Varn> ");
-        EXPECT_TRUE(std::regex_match(output, expected)) << output;
+        const std::string plies = std::to_string(depth) + '\n';
+        std::string lines = "setboard ", count = "running perft=" + plies, expected = "Varn> Varn> ([^V]*)Varn> ";
+        lines.append(text).append("\nshow\nperft " + plies).append("advperft " + plies).append("show\n");
+        count.append("Counted: " + std::to_string(leaves)).append(" nodes in \\d+ seconds\\.\nVarn> ");
+        expected.append(count).append(count).append("\\1Varn> ");
+        const std::string output = run_console(lines).output;
+        EXPECT_TRUE(std::regex_match(output, std::regex(expected))) << output;
+    }
+}
+
+class PickedPerft : public SearchTest {
+protected:
+    /// The text of a count, without the time it took.
+    static std::string report(void (*count)(Game*, int), Game& game, int depth) {
+        ::testing::internal::CaptureStdout();
+        count(&game, depth);
+        const std::string text = ::testing::internal::GetCapturedStdout();
+        return text.substr(0, text.find(" in "));
+    }
+};
+
+TEST_F(PickedPerft, CountsWhatThePlainGeneratorCountsWhateverASearchLeft) {
+    RandomSource random(61);
+    for (const KnownPosition& known : known_positions) {
+        const auto game = game_from(known.text);
+        const auto before = std::make_unique<Game>(*game);
+        const int depth = known.depth - 1;
+        const std::string expected = report(perft, *game, depth);
+        clock_running = 0;
+        hash_clear();  // every hash move comes of an internal search
+        EXPECT_EQ(report(advperft, *game, depth), expected) << known.text;
+        EXPECT_EQ(clock_running, 0U);
+
+        ply_limit = depth;
+        think(game.get());  // leaves killers, history and hash moves; the replies to each move get others by chance
+        for (const Move move : legal_moves(*game)) {
+            const auto child = after(*game, move);
+            const std::vector<Move> replies = legal_moves(*child);
+            if (replies.empty()) continue;
+            const Move reply = random_move(random, replies);
+            hash_store(child.get(), depth, &reply, 0, bound_upper);
+        }
+        EXPECT_EQ(report(advperft, *game, depth), expected) << known.text;
+        EXPECT_TRUE(same_game(*game, *before)) << known.text;
     }
 }
 

@@ -59,13 +59,19 @@ inline std::unique_ptr<Game> game_from(std::string_view text) {
     return game;
 }
 
+/// Equal in all but the keys behind the last position, which are nobody's.
+inline bool same_game(Game a, const Game& b) {
+    std::copy(b.draw_hash.begin() + b.draw_hash_count, b.draw_hash.end(), a.draw_hash.begin() + b.draw_hash_count);
+    return a == b;
+}
+
 /// The same position with the colours changed and the board turned over, rank by rank; without an en-passant square.
 inline std::string mirrored_text(std::string_view text) {
     const std::size_t blank = text.find(' ');
     std::string board;
     for (std::size_t start = 0, end; start < blank; start = end + 1) {
         end = std::min(text.find('/', start), blank);
-        board = std::string(text.substr(start, end - start)) + (start == 0 ? "" : "/" + board);
+        board.insert(0, start == 0 ? "" : "/").insert(0, text.substr(start, end - start));
     }
     std::string mirrored = board + std::string(text.substr(blank));
     constexpr char other_case = 'a' ^ 'A';

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <initializer_list>
 
 #include "board/notation.h"
@@ -55,12 +54,6 @@ inline std::unique_ptr<Game> after(const Game& game, Move move) {
     auto child = std::make_unique<Game>(game);
     make_move(child.get(), move);
     return child;
-}
-
-/// Every byte, except for the keys behind the last position, which are nobody's.
-inline bool same_game(Game a, const Game& b) {
-    std::copy(b.draw_hash.begin() + b.draw_hash_count, b.draw_hash.end(), a.draw_hash.begin() + b.draw_hash_count);
-    return std::memcmp(&a, &b, sizeof(Game)) == 0;
 }
 
 inline bool contains(const std::vector<Move>& moves, Move move) {

@@ -178,19 +178,19 @@ TEST_F(Tables, ChildKeysAreThoseThatMakeLeaves) {
 
 TEST_F(Tables, EnhancedTranspositionFindsTheKnownChild) {
     struct Case {
-        std::uint8_t bound;
         int score, wanted_depth, beta;
+        std::uint8_t bound;
         bool good;
     };
-    constexpr Case cases[] = {{bound_lower, -50, 4, 50, true},
-                              {bound_exact, -50, 4, 50, true},
-                              {bound_upper, -50, 4, 50, false},
-                              {bound_exact, -50, 3, 49, true},
-                              {bound_exact, -50, 4, 51, false},
-                              {bound_exact, -50, 5, 50, false},
+    constexpr Case cases[] = {{-50, 4, 50, bound_lower, true},
+                              {-50, 4, 50, bound_exact, true},
+                              {-50, 4, 50, bound_upper, false},
+                              {-50, 3, 49, bound_exact, true},
+                              {-50, 4, 51, bound_exact, false},
+                              {-50, 5, 50, bound_exact, false},
                               // A mate is stored as -9994, and taken as it stands.
-                              {bound_lower, -9990, 4, 9994, true},
-                              {bound_lower, -9990, 4, 9995, false}};
+                              {-9990, 4, 9994, bound_lower, true},
+                              {-9990, 4, 9995, bound_lower, false}};
     RandomSource random(8);
     auto list = std::make_unique<MoveList>();
     visit_random_games(9, 6, [&](const Game& game) {
@@ -200,7 +200,7 @@ TEST_F(Tables, EnhancedTranspositionFindsTheKnownChild) {
         if (list->count == 0) return;
         const auto planted = static_cast<int>(random.below(static_cast<std::uint64_t>(list->count)));
         const auto child = after(game, list->moves[planted]);
-        for (const auto& [bound, score, wanted_depth, beta, good] : cases) {
+        for (const auto& [score, wanted_depth, beta, bound, good] : cases) {
             hash_clear();
             hash_store(child.get(), 4, nullptr, score, bound);
             list->scores.slots[0] = 77;

@@ -38,6 +38,7 @@ std::unique_ptr<Game> new_game(bool allocate_tables) {
     for (auto& cell : game->cells) cell = no_piece;
     set_up_side<Side::white>(*game);
     set_up_side<Side::black>(*game);
+    game->men = game->w_pieces | game->b_pieces;
     game->r90 = rotate_90(occupied(*game));
     game->r45f = rotate_45f(occupied(*game));
     game->r45b = rotate_45b(occupied(*game));

@@ -23,6 +23,13 @@ inline constexpr std::uint32_t queenside_right = 2;
 struct PositionKeys {
     std::uint64_t key;
     std::uint64_t lock;
+
+    constexpr PositionKeys& operator^=(PositionKeys other) {
+        key ^= other.key;
+        lock ^= other.lock;
+        return *this;
+    }
+    friend constexpr PositionKeys operator^(PositionKeys a, PositionKeys b) { return a ^= b; }
     friend constexpr bool operator==(const PositionKeys&, const PositionKeys&) = default;
 };
 
@@ -33,17 +40,25 @@ struct PositionKeys {
 /// The four hashes are exact relative to their own starting value, not a function of the position alone: a castling
 /// right counts from the moment it is lost, and the side to move never changes the pawn hashes.
 struct Game {
+    // What every search node reads and writes stands in front, in a few lines of the cache. The fields up to `ep_side`
+    // are those of an undo record: they are saved and restored as one.
+    std::uint64_t zobrist_key, zobrist_lock;
+    std::uint64_t pawn_key, pawn_lock;
+    Bitboard enpassant;  // the square just passed over by a double step, if an enemy pawn stands ready to capture there
     std::uint32_t w_castle;
     std::uint32_t b_castle;
-    std::uint8_t turn;  // 0 white, 1 black
     // Sums of the values of all men but the king, pawns included, in centipawns; `material` is positive when white
     // leads.
     std::int32_t material;
-    std::int32_t b_material;
     std::int32_t w_material;
+    std::int32_t b_material;
+    std::uint8_t fifty;    // plies since the last pawn move or capture; 100 is a draw, and it stays at 255
+    std::uint8_t turn;     // 0 white, 1 black
+    std::int16_t ep_side;  // who may capture en passant: 0 white, 1 black, -1 nobody; read only while there is a square
+
     std::int32_t wking_sqr;
     std::int32_t bking_sqr;
-    std::uint8_t fifty;  // plies since the last pawn move or capture; 100 is a draw, and it stays at 255
+    std::uint32_t draw_hash_count;
 
     Bitboard w_pieces, b_pieces;  // all men of a side, king included
     Bitboard w_bishops, b_bishops;
@@ -53,22 +68,17 @@ struct Game {
     Bitboard w_pawns, b_pawns;
     Bitboard w_king, b_king;
 
-    // All men once more, each square at the bit that the map of the same name gives, so that one shift takes out a
-    // line.
-    Bitboard r90, r45f, r45b;
-
-    Bitboard enpassant;  // the square just passed over by a double step, if an enemy pawn stands ready to capture there
-    std::int8_t ep_side;  // who may capture on it: 0 white, 1 black, -1 nobody; read only while `enpassant` isn't empty
+    // All men, on the plain board and on three rotated ones, each square at the bit that the map of the same name
+    // gives, so that one shift takes out a line. They change together, as one wide register.
+    Bitboard men, r90, r45f, r45b;
 
     Table<PieceCode, square_count> cells;  // the mailbox
-
-    std::uint64_t zobrist_key, zobrist_lock;
-    std::uint64_t pawn_key, pawn_lock;
 
     Table<Move, max_game_moves> game_moves;
     std::int32_t move_counter;
     Table<PositionKeys, draw_hash_slots> draw_hash;
-    std::uint32_t draw_hash_count;
+
+    friend constexpr bool operator==(const Game&, const Game&) = default;
 };
 
 /// A game at the starting position; the search's tables and history are cleared with it, and allocated anew first where
@@ -78,7 +88,7 @@ std::unique_ptr<Game> new_game(bool allocate_tables);
 constexpr bool record_is_full(const Game& game) { return game.move_counter >= max_game_moves; }
 
 constexpr Side side_to_move(const Game& game) { return game.turn == 0 ? Side::white : Side::black; }
-constexpr Bitboard occupied(const Game& game) { return game.w_pieces | game.b_pieces; }
+constexpr Bitboard occupied(const Game& game) { return game.men; }
 constexpr PositionKeys keys_of(const Game& game) { return {game.zobrist_key, game.zobrist_lock}; }
 
 }  // namespace varn

@@ -109,6 +109,15 @@ constexpr PerSquare<PerSquare<Direction>> build_directions() {
     return built;
 }
 
+constexpr PerSquare<Bitboard> union_of_rays(Direction first, Direction last) {
+    const auto ray_table = build_rays();
+    PerSquare<Bitboard> lines{};
+    for (int direction = first; direction <= last; ++direction) {
+        for (int sq = 0; sq < square_count; ++sq) lines[sq] |= ray_table[direction][sq];
+    }
+    return lines;
+}
+
 }  // namespace
 
 constinit const PerSquare<LineIndex> rank_line = line_indices(rank_family);
@@ -122,6 +131,8 @@ constinit const LineAttacks r45f_attacks = line_attacks(r45f_family);
 constinit const LineAttacks r45b_attacks = line_attacks(r45b_family);
 
 constinit const Table<PerSquare<Bitboard>, direction_count> rays = build_rays();
+constinit const PerSquare<Bitboard> straight_lines = union_of_rays(north, east);
+constinit const PerSquare<Bitboard> diagonal_lines = union_of_rays(north_west, south_east);
 constinit const PerSquare<PerSquare<Direction>> direction_table = build_directions();
 
 }  // namespace varn

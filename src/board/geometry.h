@@ -129,4 +129,7 @@ extern const PerSquare<PerSquare<Direction>> direction_table;
 /// All squares from a square to the edge of the board in a direction, without itself: `rays[direction][square]`.
 extern const Table<PerSquare<Bitboard>, direction_count> rays;
 
+/// All squares of the rank and the file, or of the two diagonals, of a square, without itself.
+extern const PerSquare<Bitboard> straight_lines, diagonal_lines;
+
 }  // namespace varn

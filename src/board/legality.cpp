@@ -8,15 +8,6 @@ namespace varn {
 
 namespace {
 
-template <Side S> bool leaves_in_check(Game& g, Move move) {
-    UndoRecord undo;
-    fill_undo(&g, move, &undo);
-    make_move(&g, move);
-    const bool attacked = king_attacked<S>(g);
-    unmake_move(&g, move, &undo);
-    return attacked;
-}
-
 template <Side S> bool legal(Game& g, int from, int to, std::uint8_t kind) {
     return !leaves_in_check<S>(g, {static_cast<std::uint8_t>(from), static_cast<std::uint8_t>(to), kind});
 }
@@ -76,6 +67,18 @@ template <Side S> bool side_has_legal_move(Game& g) {
 }
 
 }  // namespace
+
+template <Side S> bool leaves_in_check(Game& game, Move move) {
+    UndoRecord undo;
+    fill_undo(&game, move, &undo);
+    make_move(&game, move);
+    const bool attacked = king_attacked<S>(game);
+    unmake_move(&game, move, &undo);
+    return attacked;
+}
+
+template bool leaves_in_check<Side::white>(Game& game, Move move);
+template bool leaves_in_check<Side::black>(Game& game, Move move);
 
 bool is_legal(Game* game, Move move) {
     return game->turn == 0 ? !leaves_white_in_check(game, move) : !leaves_black_in_check(game, move);

@@ -15,6 +15,7 @@ bool is_legal(Game* game, Move move);
 bool is_valid_move(Game* game, Move move);
 
 /// Whether the king of the side is attacked after the move.
+template <Side S> bool leaves_in_check(Game& game, Move move);
 bool leaves_white_in_check(Game* game, Move move);
 bool leaves_black_in_check(Game* game, Move move);
 

@@ -1,5 +1,8 @@
 #include "board/make.h"
 
+#include <cstddef>
+#include <cstring>
+
 #include "board/attacks.h"
 #include "board/zobrist.h"
 
@@ -13,58 +16,62 @@ namespace {
 
 constexpr std::uint8_t fifty_ceiling = 255;
 
-/// The rotated bits of the squares of a move, looked up once.
-struct RotatedBits {
-    Bitboard r90, r45f, r45b;
-
-    explicit RotatedBits(int square)
-        : r90(bit_mask(r90_map[square])), r45f(bit_mask(r45f_map[square])), r45b(bit_mask(r45b_map[square])) {}
-
-    RotatedBits& operator^=(const RotatedBits& o) {
-        r90 ^= o.r90;
-        r45f ^= o.r45f;
-        r45b ^= o.r45b;
-        return *this;
-    }
+/// A square as the boards of all men have it.
+struct Bits {
+    Bitboard men, r90, r45f, r45b;
 };
 
-void toggle_rotated(Game& g, const RotatedBits& bits) {
+alignas(64) constexpr auto bits_of = per_square<Bits>([](int sq) {
+    return Bits{bit_mask(sq), bit_mask(r90_map[sq]), bit_mask(r45f_map[sq]), bit_mask(r45b_map[sq])};
+});
+
+void toggle_occupied(Game& g, int square) {
+    const Bits& bits = bits_of[square];
+    g.men ^= bits.men;
     g.r90 ^= bits.r90;
     g.r45f ^= bits.r45f;
     g.r45b ^= bits.r45b;
 }
 
-void toggle_both_keys(Game& g, std::uint64_t number) {
-    g.zobrist_key ^= number;
-    g.zobrist_lock ^= number;
+void toggle_pawn_keys(Game& g, PositionKeys numbers) {
+    g.pawn_key ^= numbers.key;
+    g.pawn_lock ^= numbers.lock;
 }
 
-void toggle_man_keys(Game& g, int square, int code) {
-    g.zobrist_key ^= zobrist_key_numbers[square][code];
-    g.zobrist_lock ^= zobrist_lock_numbers[square][code];
+void set_keys(Game& g, PositionKeys keys) {
+    g.zobrist_key = keys.key;
+    g.zobrist_lock = keys.lock;
 }
 
-void toggle_pawn_keys(Game& g, int square, int code) {
-    g.pawn_key ^= zobrist_key_numbers[square][code];
-    g.pawn_lock ^= zobrist_lock_numbers[square][code];
+/// The rights that go with a man of this kind when it moves or is captured.
+constexpr Table<std::uint32_t, 8> rights_of = {
+    {kingside_right | queenside_right, 0, 0, 0, kingside_right, queenside_right, 0, 0}};
+
+// What a move does beyond moving a man, told by where it is needed. The keys go with it: they are worked out apart from
+// the record and written once, since a store to the mailbox could change any field, for all the compiler knows.
+
+template <Side S> void lose_rights(Game& g, std::uint32_t rights, PositionKeys& keys) {
+    const std::uint32_t lost = castle_of<S>(g) & rights;
+    if (lost == 0) return;
+    castle_of<S>(g) ^= lost;
+    if ((lost & kingside_right) != 0) keys ^= in_both(kingside_number<S>());
+    if ((lost & queenside_right) != 0) keys ^= in_both(queenside_number<S>());
 }
 
-template <Side S> void lose_kingside_right(Game& g) {
-    if ((castle_of<S>(g) & kingside_right) == 0) return;
-    castle_of<S>(g) &= ~kingside_right;
-    toggle_both_keys(g, kingside_number<S>());
-}
-
-template <Side S> void lose_queenside_right(Game& g) {
-    if ((castle_of<S>(g) & queenside_right) == 0) return;
-    castle_of<S>(g) &= ~queenside_right;
-    toggle_both_keys(g, queenside_number<S>());
-}
-
-void clear_enpassant(Game& g) {
+void clear_enpassant(Game& g, PositionKeys& keys) {
     if (g.enpassant == 0) return;
-    toggle_both_keys(g, zobrist_ep_numbers[first_one(g.enpassant)]);
+    keys ^= in_both(zobrist_ep_numbers[first_one(g.enpassant)]);
     g.enpassant = 0;
+}
+
+/// Sets the square passed over, if an enemy pawn stands ready to capture there; whether that would be legal isn't
+/// asked.
+template <Side S> void set_enpassant(Game& g, int passed, PositionKeys& keys) {
+    constexpr Side them = other(S);
+    if ((pawn_attacks<S>[passed] & pawns_of<them>(g)) == 0) return;
+    g.enpassant = bit_mask(passed);
+    g.ep_side = turn_of<them>;
+    keys ^= in_both(zobrist_ep_numbers[passed]);
 }
 
 /// The rook's part of castling, fixed by the king's move.
@@ -84,26 +91,16 @@ template <Side S> void shift_rook(Game& g, int from, int to, int code) {
     const Bitboard squares = bit_mask(from) | bit_mask(to);
     rooks_of<S>(g) ^= squares;
     pieces_of<S>(g) ^= squares;
-    toggle_rotated(g, RotatedBits(from) ^= RotatedBits(to));
+    toggle_occupied(g, from);
+    toggle_occupied(g, to);
     g.cells[from] = no_piece;
     g.cells[to] = static_cast<PieceCode>(code);
 }
 
-template <Side S> void castle_rook(Game& g, int kind) {
+template <Side S> void castle_rook(Game& g, int kind, PositionKeys& keys) {
     const RookMove rook = castling_rook<S>(kind);
     shift_rook<S>(g, rook.from, rook.to, rook.code);
-    toggle_man_keys(g, rook.from, rook.code);
-    toggle_man_keys(g, rook.to, rook.code);
-}
-
-/// Sets the square passed over, if an enemy pawn stands ready to capture there; whether that would be legal isn't
-/// asked.
-template <Side S> void set_enpassant(Game& g, int passed) {
-    constexpr Side them = other(S);
-    if ((pawn_attacks<S>[passed] & pawns_of<them>(g)) == 0) return;
-    g.enpassant = bit_mask(passed);
-    g.ep_side = static_cast<std::int8_t>(turn_of<them>);
-    toggle_both_keys(g, zobrist_ep_numbers[passed]);
+    keys ^= zobrist_numbers[rook.from][rook.code] ^ zobrist_numbers[rook.to][rook.code];
 }
 
 /// Adds to side S's material and to the balance.
@@ -113,131 +110,103 @@ template <Side S> void add_material(Game& g, int value) {
 }
 
 /// Takes the man with this code of side S off the board and out of every count.
-template <Side S> void remove_man(Game& g, int square, int code) {
-    const Bitboard bit = bit_mask(square);
-    pieces_of<S>(g) ^= bit;
-    board_of<S>(g, man_of(code)) ^= bit;
-    toggle_man_keys(g, square, code);
+template <Side S> void remove_man(Game& g, int square, int code, PositionKeys& keys) {
+    const PositionKeys numbers = zobrist_numbers[square][code];
+    pieces_of<S>(g) ^= bit_mask(square);
+    board_of<S>(g, man_of(code)) ^= bit_mask(square);
     add_material<S>(g, -piece_values[code]);
+    keys ^= numbers;
+    if (man_of(code) == pawn) toggle_pawn_keys(g, numbers);
 }
 
-template <Side S> void capture_pawn_en_passant(Game& g, int target) {
+template <Side S> void capture_pawn_en_passant(Game& g, int target, PositionKeys& keys) {
     constexpr Side them = other(S);
-    constexpr int code = code_of(them, pawn);
     const int square = target - up<S>;
-    remove_man<them>(g, square, code);
-    toggle_pawn_keys(g, square, code);
-    toggle_rotated(g, RotatedBits(square));
+    toggle_occupied(g, square);
     g.cells[square] = no_piece;
+    remove_man<them>(g, square, code_of(them, pawn), keys);
 }
 
-/// What a capture does beyond the board: the counters and rights of the side that lost the man.
-template <Side S> void capture(Game& g, int square, int code) {
-    constexpr Side them = other(S);
-    g.fifty = 0;
-    remove_man<them>(g, square, code);
-    switch (man_of(code)) {
-        case pawn: toggle_pawn_keys(g, square, code); break;
-        case kingside_rook: lose_kingside_right<them>(g); break;
-        case queenside_rook: lose_queenside_right<them>(g); break;
-        default: break;
-    }
-}
-
-template <Side S> void promote(Game& g, Move move) {
-    constexpr int pawn_code = code_of(S, pawn);
+/// A pawn turns into a piece on the square that it has come to.
+template <Side S> void promote(Game& g, Move move, PositionKeys& keys) {
+    const PositionKeys pawn_numbers = zobrist_numbers[move.to][code_of(S, pawn)];
     pawns_of<S>(g) ^= bit_mask(move.to);
     board_of<S>(g, man_of(move.kind)) ^= bit_mask(move.to);
     g.cells[move.to] = static_cast<PieceCode>(move.kind);
-    toggle_man_keys(g, move.from, pawn_code);
-    toggle_man_keys(g, move.to, move.kind);
-    toggle_pawn_keys(g, move.to, pawn_code);
+    toggle_pawn_keys(g, pawn_numbers);
+    keys ^= pawn_numbers ^ zobrist_numbers[move.to][move.kind];
     add_material<S>(g, piece_values[move.kind] - pawn_value);
 }
 
-template <Side S> void make_for(Game& g, Move move) {
-    const int from = move.from;
-    const int to = move.to;
-    const int mover = g.cells[from];
-    const int captured = g.cells[to];
-    const Bitboard squares = bit_mask(from) | bit_mask(to);
-
-    if (g.fifty < fifty_ceiling) ++g.fifty;
-    clear_enpassant(g);
-    g.ep_side = -1;
-
-    toggle_rotated(g, RotatedBits(from));
-    if (captured == no_piece) {
-        toggle_rotated(g, RotatedBits(to));
-    } else {
-        capture<S>(g, to, captured);
+template <Side S> void finish_pawn_move(Game& g, Move move, PositionKeys& keys) {
+    switch (move.kind) {
+        case kind_quiet:
+        case kind_capture: break;
+        case kind_double_step: set_enpassant<S>(g, move.from + up<S>, keys); break;
+        case kind_en_passant: capture_pawn_en_passant<S>(g, move.to, keys); break;
+        default:
+            if (is_promotion(move.kind)) promote<S>(g, move, keys);
     }
-
-    pieces_of<S>(g) ^= squares;
-    switch (man_of(mover)) {
-        case king:
-            king_of<S>(g) ^= squares;
-            king_square_of<S>(g) = to;
-            lose_kingside_right<S>(g);
-            lose_queenside_right<S>(g);
-            if (is_castling(move.kind)) castle_rook<S>(g, move.kind);
-            break;
-        case queen: queens_of<S>(g) ^= squares; break;
-        case bishop: bishops_of<S>(g) ^= squares; break;
-        case knight: knights_of<S>(g) ^= squares; break;
-        case kingside_rook:
-            rooks_of<S>(g) ^= squares;
-            lose_kingside_right<S>(g);
-            break;
-        case queenside_rook:
-            rooks_of<S>(g) ^= squares;
-            lose_queenside_right<S>(g);
-            break;
-        case plain_rook: rooks_of<S>(g) ^= squares; break;
-        case pawn:
-            g.fifty = 0;
-            pawns_of<S>(g) ^= squares;
-            toggle_pawn_keys(g, from, mover);
-            toggle_pawn_keys(g, to, mover);
-            if (move.kind == kind_double_step) set_enpassant<S>(g, from + up<S>);
-            if (move.kind == kind_en_passant) capture_pawn_en_passant<S>(g, to);
-            break;
-    }
-
-    g.cells[from] = no_piece;
-    if (is_promotion(move.kind)) {
-        promote<S>(g, move);
-    } else {
-        g.cells[to] = static_cast<PieceCode>(mover);
-        toggle_man_keys(g, from, mover);
-        toggle_man_keys(g, to, mover);
-    }
-    g.turn ^= 1U;
-    toggle_both_keys(g, zobrist_side_number);
 }
 
-void restore_scalars(Game& g, const UndoRecord& undo) {
-    g.enpassant = undo.enpassant;
-    g.w_castle = undo.w_castle;
-    g.b_castle = undo.b_castle;
-    g.fifty = static_cast<std::uint8_t>(undo.fifty);
-    g.material = undo.material;
-    g.w_material = undo.w_material;
-    g.b_material = undo.b_material;
-    g.zobrist_key = undo.zobrist_key;
-    g.zobrist_lock = undo.zobrist_lock;
-    g.pawn_key = undo.pawn_key;
-    g.pawn_lock = undo.pawn_lock;
-    g.ep_side = undo.ep_side;
-}
+/// The front of a game and of an undo record: a whole number of wide registers, so that no field is copied in parts
+/// and then waits for both.
+constexpr std::size_t saved_bytes = 64;
+static_assert(offsetof(UndoRecord, captured) == saved_bytes && offsetof(Game, zobrist_key) == 0 &&
+              offsetof(Game, enpassant) == offsetof(UndoRecord, enpassant) &&
+              offsetof(Game, material) == offsetof(UndoRecord, material) &&
+              offsetof(Game, ep_side) == offsetof(UndoRecord, ep_side));
 
 template <Side S> void put_back_en_passant(Game& g, int target) {
     constexpr Side them = other(S);
     const int square = target - up<S>;
     pieces_of<them>(g) ^= bit_mask(square);
     pawns_of<them>(g) ^= bit_mask(square);
-    toggle_rotated(g, RotatedBits(square));
+    toggle_occupied(g, square);
     g.cells[square] = code_of(them, pawn);
+}
+
+}  // namespace
+
+template <Side S> void make_for(Game& g, Move move) {
+    constexpr Side them = other(S);
+    const int from = move.from;
+    const int to = move.to;
+    const int mover = g.cells[from];
+    const int captured = g.cells[to];
+    const Bitboard squares = bit_mask(from) | bit_mask(to);
+    const PositionKeys moved = zobrist_numbers[from][mover] ^ zobrist_numbers[to][mover];
+    PositionKeys keys = keys_of(g) ^ moved ^ in_both(zobrist_side_number);
+
+    clear_enpassant(g, keys);
+    g.ep_side = -1;
+    g.turn ^= 1U;
+    if (g.fifty < fifty_ceiling) ++g.fifty;
+    pieces_of<S>(g) ^= squares;
+    board_of<S>(g, man_of(mover)) ^= squares;
+    g.cells[from] = no_piece;
+    g.cells[to] = static_cast<PieceCode>(mover);
+    toggle_occupied(g, from);
+    if (captured == no_piece) {
+        toggle_occupied(g, to);
+    } else {
+        g.fifty = 0;
+        remove_man<them>(g, to, captured, keys);
+        lose_rights<them>(g, rights_of[man_of(captured)], keys);
+    }
+
+    if (man_of(mover) == pawn) {
+        g.fifty = 0;
+        toggle_pawn_keys(g, moved);
+        finish_pawn_move<S>(g, move, keys);
+    } else {
+        lose_rights<S>(g, rights_of[man_of(mover)], keys);
+        if (man_of(mover) == king) {
+            king_square_of<S>(g) = to;
+            if (is_castling(move.kind)) castle_rook<S>(g, move.kind, keys);
+        }
+    }
+    set_keys(g, keys);
 }
 
 template <Side S> void unmake_for(Game& g, Move move, const UndoRecord& undo) {
@@ -245,53 +214,44 @@ template <Side S> void unmake_for(Game& g, Move move, const UndoRecord& undo) {
     const int from = move.from;
     const int to = move.to;
     const Bitboard squares = bit_mask(from) | bit_mask(to);
-    const int mover = is_promotion(move.kind) ? static_cast<int>(code_of(S, pawn)) : g.cells[to];
+    const int captured = undo.captured;
+    int mover = g.cells[to];
 
-    restore_scalars(g, undo);
-    pieces_of<S>(g) ^= squares;
+    std::memcpy(&g, &undo, saved_bytes);
     if (is_promotion(move.kind)) {
-        board_of<S>(g, man_of(move.kind)) ^= bit_mask(to);
-        pawns_of<S>(g) ^= bit_mask(from);
-    } else {
-        board_of<S>(g, man_of(mover)) ^= squares;
-        if (mover == code_of(S, king)) {
-            king_square_of<S>(g) = from;
-            if (is_castling(move.kind)) {
-                const RookMove rook = castling_rook<S>(move.kind);
-                shift_rook<S>(g, rook.to, rook.from, rook.code);
-            }
-        }
-        if (move.kind == kind_en_passant) put_back_en_passant<S>(g, to);
+        board_of<S>(g, man_of(mover)) ^= bit_mask(to);
+        mover = code_of(S, pawn);
+        pawns_of<S>(g) ^= bit_mask(to);
     }
-
-    toggle_rotated(g, RotatedBits(from));
-    if (undo.captured == no_piece) {
-        toggle_rotated(g, RotatedBits(to));
+    pieces_of<S>(g) ^= squares;
+    board_of<S>(g, man_of(mover)) ^= squares;
+    g.cells[from] = static_cast<PieceCode>(mover);
+    g.cells[to] = static_cast<PieceCode>(captured);
+    toggle_occupied(g, from);
+    if (captured == no_piece) {
+        toggle_occupied(g, to);
+        if (move.kind == kind_en_passant) put_back_en_passant<S>(g, to);
     } else {
         pieces_of<them>(g) ^= bit_mask(to);
-        board_of<them>(g, man_of(undo.captured)) ^= bit_mask(to);
+        board_of<them>(g, man_of(captured)) ^= bit_mask(to);
     }
-    g.cells[from] = static_cast<PieceCode>(mover);
-    g.cells[to] = static_cast<PieceCode>(undo.captured);
-    g.turn ^= 1U;
+    if (mover == code_of(S, king)) {
+        king_square_of<S>(g) = from;
+        if (is_castling(move.kind)) {
+            const RookMove rook = castling_rook<S>(move.kind);
+            shift_rook<S>(g, rook.to, rook.from, rook.code);
+        }
+    }
 }
 
-}  // namespace
+template void make_for<Side::white>(Game& g, Move move);
+template void make_for<Side::black>(Game& g, Move move);
+template void unmake_for<Side::white>(Game& g, Move move, const UndoRecord& undo);
+template void unmake_for<Side::black>(Game& g, Move move, const UndoRecord& undo);
 
 void fill_undo(const Game* game, Move move, UndoRecord* undo) {
-    undo->enpassant = game->enpassant;
-    undo->w_castle = game->w_castle;
-    undo->b_castle = game->b_castle;
-    undo->fifty = game->fifty;
-    undo->material = game->material;
-    undo->w_material = game->w_material;
-    undo->b_material = game->b_material;
-    undo->zobrist_key = game->zobrist_key;
-    undo->zobrist_lock = game->zobrist_lock;
-    undo->pawn_key = game->pawn_key;
-    undo->pawn_lock = game->pawn_lock;
+    std::memcpy(undo, game, saved_bytes);
     undo->captured = game->cells[move.to];
-    undo->ep_side = game->ep_side;
 }
 
 UndoRecord* save_undo(const Game* game, Move move, int slot) {
@@ -360,6 +320,19 @@ bool make_if_legal(Game* game, Move move, int ply, const UndoRecord* undo) {
     return !illegal;
 }
 
+template <Side S> bool make_if_legal(Game& game, Move move, int ply, const Restraints& restraints, UndoRecord& undo) {
+    undo.captured = game.cells[move.to];
+    search_stack[ply].captured = undo.captured;
+    if (!is_legal_under<S>(restraints, game, move)) return false;
+    make_for<S>(game, move);
+    return true;
+}
+
+template bool make_if_legal<Side::white>(Game& game, Move move, int ply, const Restraints& restraints,
+                                         UndoRecord& undo);
+template bool make_if_legal<Side::black>(Game& game, Move move, int ply, const Restraints& restraints,
+                                         UndoRecord& undo);
+
 void make_null(Game* game, int ply, UndoRecord* undo) {
     game->turn ^= 1U;
     search_stack[ply].captured = no_piece;
@@ -367,9 +340,9 @@ void make_null(Game* game, int ply, UndoRecord* undo) {
     undo->zobrist_lock = game->zobrist_lock;
     undo->enpassant = game->enpassant;
     undo->ep_side = game->ep_side;
-    toggle_both_keys(*game, zobrist_side_number);
-    toggle_both_keys(*game, zobrist_null_number);
-    clear_enpassant(*game);
+    PositionKeys keys = keys_of(*game) ^ in_both(zobrist_side_number) ^ in_both(zobrist_null_number);
+    clear_enpassant(*game, keys);
+    set_keys(*game, keys);
     null_move_at[ply] = 1;
     push_keys(game);
 }

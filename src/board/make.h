@@ -5,24 +5,27 @@
 #pragma once
 
 #include "board/game.h"
+#include "board/restraints.h"
 
 namespace varn {
 
 /// What a move overwrites. Valid only for the position and the move it was taken for, last in, first out.
+/// All but the last field are the front of the game, copied as one.
 struct UndoRecord {
-    Bitboard enpassant;
-    std::uint32_t w_castle;
-    std::uint32_t b_castle;
-    std::uint32_t fifty;
-    std::int32_t material;
-    std::int32_t w_material;
-    std::int32_t b_material;
     std::uint64_t zobrist_key;
     std::uint64_t zobrist_lock;
     std::uint64_t pawn_key;
     std::uint64_t pawn_lock;
-    std::int32_t captured;  // code on the move's target before it, -1 for an empty square, en passant included
-    std::int8_t ep_side;
+    Bitboard enpassant;
+    std::uint32_t w_castle;
+    std::uint32_t b_castle;
+    std::int32_t material;
+    std::int32_t w_material;
+    std::int32_t b_material;
+    std::uint8_t fifty;
+    std::uint8_t turn;
+    std::int16_t ep_side;
+    PieceCode captured;  // on the move's target before it, -1 for an empty square, en passant included
 };
 
 /// The move made at a ply and the code that stood on its target, -1 for none, en passant and a null move.
@@ -44,6 +47,9 @@ UndoRecord* save_undo(const Game* game, Move move, int slot);
 
 void make_move(Game* game, Move move);
 void unmake_move(Game* game, Move move, const UndoRecord* undo);
+// The same for a mover that is known to be of side S.
+template <Side S> void make_for(Game& g, Move move);
+template <Side S> void unmake_for(Game& g, Move move, const UndoRecord& undo);
 
 /// The keys of the present position go to the end of `draw_hash`, or the last ones leave it.
 void push_keys(Game* game);
@@ -63,6 +69,10 @@ bool play_move(Move move, Game* game);
 /// Makes the move unless it leaves the mover's own king attacked; returns whether it stands. Leaves the captured code
 /// in `search_stack[ply]` and pushes no keys. `undo` must have been filled.
 bool make_if_legal(Game* game, Move move, int ply, const UndoRecord* undo);
+
+/// The same for a move of side S under its restraints. `undo` may have been filled for any move of the position: the
+/// captured man is set here.
+template <Side S> bool make_if_legal(Game& game, Move move, int ply, const Restraints& restraints, UndoRecord& undo);
 
 /// Passes the turn: clears the en-passant square, pushes the keys, and marks `ply` in `null_move_at`.
 void make_null(Game* game, int ply, UndoRecord* undo);

@@ -1,14 +1,40 @@
 #include "board/memory.h"
 
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace varn {
 
+namespace {
+
+/// Whether the machine has that much memory at all, in use or not. The system itself promises more than it has, and the
+/// process would end without a word when it comes to be touched.
 bool fits_in_memory(std::uint64_t bytes) {
     const long pages = sysconf(_SC_PHYS_PAGES);
     const long page_bytes = sysconf(_SC_PAGE_SIZE);
     if (pages < 0 || page_bytes < 0) return true;  // the machine doesn't tell: let the allocation decide
     return bytes <= static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(page_bytes);
+}
+
+/// Asks for pages as large as the system has. A table is read all over, and with small pages nearly every look into it
+/// waits for the page's own entry to be found first. Where the system refuses, nothing is lost but time.
+void prefer_large_pages([[maybe_unused]] void* block, [[maybe_unused]] std::uint64_t bytes) {
+#ifdef MADV_HUGEPAGE
+    const auto page_bytes = static_cast<std::uintptr_t>(sysconf(_SC_PAGE_SIZE));
+    const auto start = reinterpret_cast<std::uintptr_t>(block);
+    const std::uintptr_t first_page = (start + page_bytes - 1) / page_bytes * page_bytes;
+    if (first_page >= start + bytes) return;
+    madvise(static_cast<char*>(block) + (first_page - start), start + bytes - first_page, MADV_HUGEPAGE);
+#endif
+}
+
+}  // namespace
+
+void* zeroed_bytes(std::uint64_t bytes) {
+    if (!fits_in_memory(bytes)) return nullptr;
+    void* block = std::calloc(1, bytes);
+    if (block != nullptr) prefer_large_pages(block, bytes);
+    return block;
 }
 
 }  // namespace varn

@@ -10,9 +10,15 @@
 
 namespace varn {
 
-/// Whether the machine has that much memory at all, in use or not. The system itself promises more than it has, and the
-/// process would end without a word when it comes to be touched.
-bool fits_in_memory(std::uint64_t bytes);
+/// Zeroed bytes for `std::free`; null if there isn't enough memory.
+void* zeroed_bytes(std::uint64_t bytes);
+
+/// Asks for the memory of a record that is soon to be read, so that it is on its way while other work goes on.
+template <typename T> void prefetch(const T& record) {
+    const char* first = reinterpret_cast<const char*>(&record);
+    __builtin_prefetch(first);
+    __builtin_prefetch(first + sizeof(T) - 1);  // it may lie across two lines of the cache
+}
 
 struct FreeDeleter {
     void operator()(void* block) const { std::free(block); }
@@ -23,8 +29,8 @@ template <typename T> using ZeroedBlock = std::unique_ptr<T[], FreeDeleter>;
 template <typename T> ZeroedBlock<T> zeroed_block(std::uint64_t count) {
     static_assert(std::is_trivially_default_constructible_v<T> && std::is_trivially_destructible_v<T>);
     constexpr std::uint64_t largest = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(T);
-    if (count > largest || !fits_in_memory(count * sizeof(T))) return {};
-    return ZeroedBlock<T>(static_cast<T*>(std::calloc(count, sizeof(T))));
+    if (count > largest) return {};
+    return ZeroedBlock<T>(static_cast<T*>(zeroed_bytes(count * sizeof(T))));
 }
 
 }  // namespace varn

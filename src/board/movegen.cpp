@@ -8,71 +8,76 @@ Table<MoveList, ply_slots + 1> move_lists;
 
 namespace {
 
-void add_move(MoveList& list, int from, int to, std::uint8_t kind) {
-    list.moves[list.count++] = {static_cast<std::uint8_t>(from), static_cast<std::uint8_t>(to), kind};
+// The stages write at a cursor and hand it on: counting in the list itself would take a load and a store a move.
+
+Move* put_move(Move* out, int from, int to, std::uint8_t kind) {
+    *out = {static_cast<std::uint8_t>(from), static_cast<std::uint8_t>(to), kind};
+    return out + 1;
 }
 
 /// One man's moves to each of the targets.
-void add_moves(MoveList& list, int from, Bitboard targets, std::uint8_t kind) {
-    while (targets != 0) add_move(list, from, pop_first(targets), kind);
+Move* put_moves(Move* out, int from, Bitboard targets, std::uint8_t kind) {
+    while (targets != 0) out = put_move(out, from, pop_first(targets), kind);
+    return out;
 }
 
 /// A stepping man's moves, or a slider's along one line: `reach` gives what the man on a square reaches.
 template <typename Reach>
-void add_moves_of(MoveList& list, Bitboard men, Bitboard targets, std::uint8_t kind, Reach reach) {
+Move* put_moves_of(Move* out, Bitboard men, Bitboard targets, std::uint8_t kind, Reach reach) {
     while (men != 0) {
         const int from = pop_first(men);
-        add_moves(list, from, reach(from) & targets, kind);
+        out = put_moves(out, from, reach(from) & targets, kind);
     }
+    return out;
 }
 
 /// All men but the pawns, each to the squares of `targets` that it reaches.
-template <Side S> void add_piece_targets(const Game& g, MoveList& list, Bitboard targets, std::uint8_t kind) {
+template <Side S> Move* put_piece_targets(const Game& g, Move* out, Bitboard targets, std::uint8_t kind) {
     const auto along_rank = [&g](int square) { return rank_reach(g, square); };
     const auto along_file = [&g](int square) { return file_reach(g, square); };
     const auto along_r45b = [&g](int square) { return r45b_reach(g, square); };
     const auto along_r45f = [&g](int square) { return r45f_reach(g, square); };
 
-    add_moves_of(list, knights_of<S>(g), targets, kind, [](int square) { return knight_moves[square]; });
-    add_moves_of(list, bishops_of<S>(g), targets, kind, along_r45b);
-    add_moves_of(list, bishops_of<S>(g), targets, kind, along_r45f);
-    add_moves_of(list, rooks_of<S>(g), targets, kind, along_rank);
-    add_moves_of(list, rooks_of<S>(g), targets, kind, along_file);
-    add_moves_of(list, queens_of<S>(g), targets, kind, along_rank);
-    add_moves_of(list, queens_of<S>(g), targets, kind, along_file);
-    add_moves_of(list, queens_of<S>(g), targets, kind, along_r45b);
-    add_moves_of(list, queens_of<S>(g), targets, kind, along_r45f);
-    add_moves(list, king_square_of<S>(g), king_moves[king_square_of<S>(g)] & targets, kind);
+    out = put_moves_of(out, knights_of<S>(g), targets, kind, [](int square) { return knight_moves[square]; });
+    out = put_moves_of(out, bishops_of<S>(g), targets, kind, along_r45b);
+    out = put_moves_of(out, bishops_of<S>(g), targets, kind, along_r45f);
+    out = put_moves_of(out, rooks_of<S>(g), targets, kind, along_rank);
+    out = put_moves_of(out, rooks_of<S>(g), targets, kind, along_file);
+    out = put_moves_of(out, queens_of<S>(g), targets, kind, along_rank);
+    out = put_moves_of(out, queens_of<S>(g), targets, kind, along_file);
+    out = put_moves_of(out, queens_of<S>(g), targets, kind, along_r45b);
+    out = put_moves_of(out, queens_of<S>(g), targets, kind, along_r45f);
+    return put_moves(out, king_square_of<S>(g), king_moves[king_square_of<S>(g)] & targets, kind);
 }
 
-template <Side S> void add_four_promotions(MoveList& list, int from, int to) {
+template <Side S> Move* put_four_promotions(Move* out, int from, int to) {
     for (const Man man : {queen, plain_rook, bishop, knight}) {
-        add_move(list, from, to, static_cast<std::uint8_t>(code_of(S, man)));
+        out = put_move(out, from, to, static_cast<std::uint8_t>(code_of(S, man)));
     }
+    return out;
 }
 
-template <Side S> void add_pawn_captures(const Game& g, MoveList& list, Bitboard targets) {
+template <Side S> Move* put_pawn_captures(const Game& g, Move* out, Bitboard targets) {
     Bitboard pawns = pawns_of<S>(g);
     while (pawns != 0) {
         const int from = pop_first(pawns);
         Bitboard captures = pawn_attacks<S>[from] & targets;
         while (captures != 0) {
             const int to = pop_first(captures);
-            if (rank_of(to) == own_rank<S>(8)) {
-                add_four_promotions<S>(list, from, to);
-            } else {
-                add_move(list, from, to, kind_capture);
-            }
+            out = rank_of(to) == own_rank<S>(8) ? put_four_promotions<S>(out, from, to)
+                                                : put_move(out, from, to, kind_capture);
         }
     }
+    return out;
 }
 
-template <Side S> void add_en_passant(const Game& g, MoveList& list) {
+template <Side S> Move* put_en_passant(const Game& g, Move* out) {
     const Bitboard target = g.enpassant & own_rank_mask<S>(6);
-    if (target == 0 || g.ep_side != turn_of<S>) return;
+    if (target == 0 || g.ep_side != turn_of<S>) return out;
     const int to = first_one(target);
     Bitboard pawns = pawn_attacks<other(S)>[to] & pawns_of<S>(g);
-    while (pawns != 0) add_move(list, pop_first(pawns), to, kind_en_passant);
+    while (pawns != 0) out = put_move(out, pop_first(pawns), to, kind_en_passant);
+    return out;
 }
 
 /// Pawns of the side with an empty square in front of them.
@@ -82,63 +87,68 @@ template <Side S> bool any_attacked(const Game& g, int first, int second) {
     return attacked_by<other(S)>(g, own_square<S>(first)) || attacked_by<other(S)>(g, own_square<S>(second));
 }
 
-template <Side S> void add_captures(const Game& g, MoveList& list) {
+template <Side S> Move* put_captures(const Game& g, Move* out) {
     constexpr Side them = other(S);
     const Bitboard targets = pieces_of<them>(g) & not_bit(king_square_of<them>(g));
-    add_pawn_captures<S>(g, list, targets);
-    add_en_passant<S>(g, list);
-    add_piece_targets<S>(g, list, targets, kind_capture);
+    out = put_pawn_captures<S>(g, out, targets);
+    out = put_en_passant<S>(g, out);
+    return put_piece_targets<S>(g, out, targets, kind_capture);
 }
 
-template <Side S> void add_promotions(const Game& g, MoveList& list) {
+template <Side S> Move* put_promotions(const Game& g, Move* out) {
     Bitboard pawns = free_pawns<S>(g) & own_rank_mask<S>(7);
     while (pawns != 0) {
         const int from = pop_first(pawns);
-        add_four_promotions<S>(list, from, from + up<S>);
+        out = put_four_promotions<S>(out, from, from + up<S>);
     }
+    return out;
 }
 
-template <Side S> void add_castling(const Game& g, MoveList& list) {
+template <Side S> Move* put_castling(const Game& g, Move* out) {
     // The rights alone stand for king and rook on their squares: a right doesn't survive their leaving them.
     const std::uint32_t rights = castle_of<S>(g);
-    if (rights == 0 || king_attacked<S>(g)) return;
+    if (rights == 0 || king_attacked<S>(g)) return out;
     const Bitboard men = occupied(g);
     if ((rights & kingside_right) != 0 && (kingside_path<S> & men) == 0 && !any_attacked<S>(g, f1, g1)) {
-        add_move(list, own_square<S>(e1), own_square<S>(g1), kind_kingside_castling);
+        out = put_move(out, own_square<S>(e1), own_square<S>(g1), kind_kingside_castling);
     }
     if ((rights & queenside_right) != 0 && (queenside_path<S> & men) == 0 && !any_attacked<S>(g, d1, c1)) {
-        add_move(list, own_square<S>(e1), own_square<S>(c1), kind_queenside_castling);
+        out = put_move(out, own_square<S>(e1), own_square<S>(c1), kind_queenside_castling);
     }
+    return out;
 }
 
-template <Side S> void add_piece_moves(const Game& g, MoveList& list) {
-    add_piece_targets<S>(g, list, ~occupied(g), kind_quiet);
-}
-
-template <Side S> void add_pawn_steps(const Game& g, MoveList& list) {
+template <Side S> Move* put_pawn_steps(const Game& g, Move* out) {
     const Bitboard free = free_pawns<S>(g);
     Bitboard doubles = free & own_rank_mask<S>(2) & ~behind<S>(behind<S>(occupied(g)));
     while (doubles != 0) {
         const int from = pop_first(doubles);
-        add_move(list, from, from + 2 * up<S>, kind_double_step);
+        out = put_move(out, from, from + 2 * up<S>, kind_double_step);
     }
     Bitboard singles = free & ~own_rank_mask<S>(7);
     while (singles != 0) {
         const int from = pop_first(singles);
-        add_move(list, from, from + up<S>, kind_quiet);
+        out = put_move(out, from, from + up<S>, kind_quiet);
     }
+    return out;
 }
 
-template <Side S> void add_quiets(const Game& g, MoveList& list) {
-    add_castling<S>(g, list);
-    add_piece_moves<S>(g, list);
-    add_pawn_steps<S>(g, list);
+template <Side S> Move* put_quiets(const Game& g, Move* out) {
+    out = put_castling<S>(g, out);
+    out = put_piece_targets<S>(g, out, ~occupied(g), kind_quiet);
+    return put_pawn_steps<S>(g, out);
 }
 
-template <Side S> void add_all(const Game& g, MoveList& list) {
-    add_captures<S>(g, list);
-    add_promotions<S>(g, list);
-    add_quiets<S>(g, list);
+template <Side S> Move* put_all(const Game& g, Move* out) {
+    out = put_captures<S>(g, out);
+    out = put_promotions<S>(g, out);
+    return put_quiets<S>(g, out);
+}
+
+/// A stage as its callers know it: it appends to a list.
+template <Move* stage(const Game& g, Move* out)> void append(const Game* game, MoveList* list) {
+    const Move* end = stage(*game, list->moves.begin() + list->count);
+    list->count = static_cast<std::int32_t>(end - list->moves.begin());
 }
 
 MoveList* empty_list(int slot) {
@@ -148,14 +158,14 @@ MoveList* empty_list(int slot) {
 
 }  // namespace
 
-void add_white_captures(const Game* game, MoveList* list) { add_captures<Side::white>(*game, *list); }
-void add_black_captures(const Game* game, MoveList* list) { add_captures<Side::black>(*game, *list); }
-void add_white_promotions(const Game* game, MoveList* list) { add_promotions<Side::white>(*game, *list); }
-void add_black_promotions(const Game* game, MoveList* list) { add_promotions<Side::black>(*game, *list); }
-void add_quiets_white(const Game* game, MoveList* list) { add_quiets<Side::white>(*game, *list); }
-void add_quiets_black(const Game* game, MoveList* list) { add_quiets<Side::black>(*game, *list); }
-void add_all_white(const Game* game, MoveList* list) { add_all<Side::white>(*game, *list); }
-void add_all_black(const Game* game, MoveList* list) { add_all<Side::black>(*game, *list); }
+void add_white_captures(const Game* game, MoveList* list) { append<put_captures<Side::white>>(game, list); }
+void add_black_captures(const Game* game, MoveList* list) { append<put_captures<Side::black>>(game, list); }
+void add_white_promotions(const Game* game, MoveList* list) { append<put_promotions<Side::white>>(game, list); }
+void add_black_promotions(const Game* game, MoveList* list) { append<put_promotions<Side::black>>(game, list); }
+void add_quiets_white(const Game* game, MoveList* list) { append<put_quiets<Side::white>>(game, list); }
+void add_quiets_black(const Game* game, MoveList* list) { append<put_quiets<Side::black>>(game, list); }
+void add_all_white(const Game* game, MoveList* list) { append<put_all<Side::white>>(game, list); }
+void add_all_black(const Game* game, MoveList* list) { append<put_all<Side::black>>(game, list); }
 
 void add_captures(const Game* game, MoveList* list) {
     game->turn == 0 ? add_white_captures(game, list) : add_black_captures(game, list);

@@ -43,7 +43,10 @@ void end_when_unheard() {
     end_if_unheard(SIGIO);  // what happened before
 }
 
-void unbuffer_output() { std::setvbuf(stdout, nullptr, _IONBF, 0); }
+void set_up_output() {
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    std::signal(SIGPIPE, SIG_DFL);
+}
 
 void say(const char* format, ...) {
     std::va_list arguments;

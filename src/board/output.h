@@ -5,11 +5,13 @@
 
 namespace varn {
 
-/// Takes standard output's buffer away, so that a prompt without a newline shows at once, also in a pipe.
-void unbuffer_output();
+/// Takes standard output's buffer away, so that a prompt without a newline shows at once, also in a pipe. A text that
+/// nobody is left to read ends the process, whatever signals it was started to ignore; what it does without a word, it
+/// still does to the end.
+void set_up_output();
 
 /// From now on the process ends, with status 0, as soon as nobody is left to read from the pipe that is its standard
-/// output: at once, in the midst of a search that has hours to go, too, and whatever signals it was started to ignore.
+/// output: at once, in the midst of a search that has hours to go, too.
 void end_when_unheard();
 
 /// Prints as `printf` does, in one write.

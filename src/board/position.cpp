@@ -184,6 +184,7 @@ void set_position(Game* game, std::string_view text, KeepTables keep) {
     read_side(*game, reader);
     read_castling(*game, reader);
     read_enpassant(reader);
+    game->men = game->w_pieces | game->b_pieces;
     game->r90 = rotate_90(occupied(*game));
     game->r45f = rotate_45f(occupied(*game));
     game->r45b = rotate_45b(occupied(*game));

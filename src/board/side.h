@@ -26,17 +26,15 @@ template <Side S> constexpr auto& king_square_of(auto& g) { return choose<S>(g.w
 template <Side S> constexpr auto& castle_of(auto& g) { return choose<S>(g.w_castle, g.b_castle); }
 template <Side S> constexpr auto& material_of(auto& g) { return choose<S>(g.w_material, g.b_material); }
 
+template <Side S>
+inline constexpr Table<Bitboard Game::*, 8> boards_by_man =
+    S == Side::white ? Table<Bitboard Game::*, 8>{{&Game::w_king, &Game::w_queens, &Game::w_bishops, &Game::w_knights,
+                                                   &Game::w_rooks, &Game::w_rooks, &Game::w_rooks, &Game::w_pawns}}
+                     : Table<Bitboard Game::*, 8>{{&Game::b_king, &Game::b_queens, &Game::b_bishops, &Game::b_knights,
+                                                   &Game::b_rooks, &Game::b_rooks, &Game::b_rooks, &Game::b_pawns}};
+
 /// The board of one kind of man; all three kinds of rook share one.
-template <Side S> constexpr auto& board_of(auto& g, Man man) {
-    switch (man) {
-        case king: return king_of<S>(g);
-        case queen: return queens_of<S>(g);
-        case bishop: return bishops_of<S>(g);
-        case knight: return knights_of<S>(g);
-        case pawn: return pawns_of<S>(g);
-        default: return rooks_of<S>(g);
-    }
-}
+template <Side S> constexpr auto& board_of(auto& g, Man man) { return g.*boards_by_man<S>[man]; }
 
 template <Side S> inline constexpr std::uint8_t turn_of = S == Side::white ? 0 : 1;
 /// +1 for white, -1 for black: turns a side's own gain into white's point of view.

@@ -4,8 +4,7 @@
 
 namespace varn {
 
-NumbersByMan zobrist_key_numbers;
-NumbersByMan zobrist_lock_numbers;
+PerSquare<Table<PositionKeys, piece_code_count>> zobrist_numbers;
 std::uint64_t zobrist_side_number;
 PerSquare<std::uint64_t> zobrist_ep_numbers;
 std::uint64_t w_kingside_number;
@@ -16,9 +15,9 @@ std::uint64_t zobrist_null_number;
 
 void draw_hash_numbers(std::uint64_t seed) {
     RandomSource source(seed);
-    for (auto* numbers : {&zobrist_key_numbers, &zobrist_lock_numbers}) {
-        for (auto& of_square : *numbers) {
-            for (auto& number : of_square) number = source.next();
+    for (const auto part : {&PositionKeys::key, &PositionKeys::lock}) {
+        for (auto& of_square : zobrist_numbers) {
+            for (auto& numbers : of_square) numbers.*part = source.next();
         }
     }
     zobrist_side_number = source.next();
@@ -36,29 +35,23 @@ PositionKeys keys_over(const Game& game, Bitboard men) {
     PositionKeys keys = {0, 0};
     while (men != 0) {
         const int square = pop_first(men);
-        keys.key ^= zobrist_key_numbers[square][game.cells[square]];
-        keys.lock ^= zobrist_lock_numbers[square][game.cells[square]];
+        keys ^= zobrist_numbers[square][game.cells[square]];
     }
     return keys;
-}
-
-void add_to_both(PositionKeys& keys, std::uint64_t number) {
-    keys.key ^= number;
-    keys.lock ^= number;
 }
 
 }  // namespace
 
 PositionKeys position_keys(const Game& game) {
     PositionKeys keys = keys_over(game, occupied(game));
-    if (game.turn == 1) add_to_both(keys, zobrist_side_number);
-    if (game.enpassant != 0) add_to_both(keys, zobrist_ep_numbers[first_one(game.enpassant)]);
+    if (game.turn == 1) keys ^= in_both(zobrist_side_number);
+    if (game.enpassant != 0) keys ^= in_both(zobrist_ep_numbers[first_one(game.enpassant)]);
     return keys;
 }
 
 PositionKeys pawn_keys(const Game& game) {
     PositionKeys keys = keys_over(game, game.w_pawns | game.b_pawns);
-    if (game.turn == 1) add_to_both(keys, zobrist_side_number);
+    if (game.turn == 1) keys ^= in_both(zobrist_side_number);
     return keys;
 }
 

@@ -6,11 +6,9 @@
 
 namespace varn {
 
-using NumbersByMan = PerSquare<Table<std::uint64_t, piece_code_count>>;
-
-// By square and piece code. The key and the lock differ in these two tables only; every number below goes into both.
-extern NumbersByMan zobrist_key_numbers;
-extern NumbersByMan zobrist_lock_numbers;
+/// By square and piece code, the key's number beside the lock's: the two are needed together. The key and the lock
+/// differ in this table only; every number below goes into both.
+extern PerSquare<Table<PositionKeys, piece_code_count>> zobrist_numbers;
 
 extern std::uint64_t zobrist_side_number;            // black to move
 extern PerSquare<std::uint64_t> zobrist_ep_numbers;  // by en-passant square
@@ -21,6 +19,9 @@ template <Side S> constexpr std::uint64_t& kingside_number() { return choose<S>(
 template <Side S> constexpr std::uint64_t& queenside_number() {
     return choose<S>(w_queenside_number, b_queenside_number);
 }
+
+/// What a number that goes into both changes.
+constexpr PositionKeys in_both(std::uint64_t number) { return {number, number}; }
 
 /// Draws all numbers above; equal seeds give equal numbers. Called once at start-up, before the first game.
 void draw_hash_numbers(std::uint64_t seed);

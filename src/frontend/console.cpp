@@ -8,9 +8,11 @@
 #include "board/position.h"
 #include "frontend/game_commands.h"
 #include "frontend/input.h"
+#include "frontend/pattern_commands.h"
 #include "frontend/perft.h"
 #include "frontend/setting_commands.h"
 #include "frontend/show_commands.h"
+#include "frontend/suite.h"
 #include "frontend/think_commands.h"
 #include "frontend/xboard.h"
 
@@ -125,7 +127,11 @@ constexpr Command commands[] = {
     {"w_material\n", whole_line, none, show_white_material},
     {"b_material\n", whole_line, none, show_black_material},
     {"perft ", beginning, none, count_moves},
+    {"advperft ", beginning, none, count_picked_moves},
+    {"runs", beginning, none, run_test_suite},
     {"nm\n", whole_line, none, search_fixed_depth},
+    {"kpk\n", whole_line, none, print_placements},
+    {"kpkbb\n", whole_line, none, anneal_placements},
     {"xboard\n", whole_line, none, speak_xboard},
 };
 

@@ -4,7 +4,6 @@
 #include "frontend/startup.h"
 
 int main() {
-    varn::unbuffer_output();
-    varn::end_when_unheard();
+    varn::set_up_output();
     varn::console_loop(varn::start_up());
 }

@@ -81,6 +81,7 @@ const Move* hand_out(const PickedNode& node, Picker& picker, Move move) {
     save_undo(node.game, move, node.ply);
     search_stack[node.ply] = {move, node.game->cells[move.to]};
     make_and_push(node.game, move);
+    prefetch_hashes(node.game);
     picker.current = move;
     return &picker.current;
 }
@@ -90,6 +91,7 @@ const Move* try_move(const PickedNode& node, Picker& picker, Move move) {
     const UndoRecord* undo = save_undo(node.game, move, node.ply);
     if (!make_if_legal(node.game, move, node.ply, undo)) return nullptr;
     push_keys(node.game);
+    prefetch_hashes(node.game);
     search_stack[node.ply].move = move;
     picker.current = move;
     return &picker.current;

@@ -101,6 +101,7 @@ int quiesce(Game* game, int alpha, int beta, SearchFrame frame) {
         const Move move = list->moves[i];
         const UndoRecord* undo = save_undo(game, move, ply);
         if (!make_if_legal(game, move, ply, undo)) continue;
+        prefetch_qhash(game);
         const int value = -quiesce(game, -beta, -alpha, frame);
         unmake_move(game, move, undo);
         best = std::max(best, value);

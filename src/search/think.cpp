@@ -136,14 +136,9 @@ void predict_reply(const Game& game) {
     predicted_valid = 1;
 }
 
-}  // namespace
+enum class Clock : std::uint8_t { runs, starts_with_search };
 
-const Move* think(Game* game) {
-    start_clock();
-    return think_on_running_clock(game);
-}
-
-const Move* think_on_running_clock(Game* game) {
+const Move* think(Game* game, Clock clock) {
     predicted_valid = 0;
     if (const auto move = ask_book(game)) return choose(*move);
     const MoveList* legal = legal_root_moves(game);
@@ -155,12 +150,18 @@ const Move* think_on_running_clock(Game* game) {
         say_text("\n ply   score    time      nodes     quiescent nodes     principal variation\n\n");
     }
     start_afresh(*game);
+    if (clock == Clock::starts_with_search) start_clock();
     const double nodes_per_second = deepen(game);
     if (xboard_mode == 0) say("\nNPS: %d\n\n", printable(nodes_per_second));
     predict_reply(*game);
     // A search stopped before its first move raised alpha has no line; any legal move is better than none.
     return choose(main_pv.length > 0 ? main_pv.moves[0] : first_legal);
 }
+
+}  // namespace
+
+const Move* think(Game* game) { return think(game, Clock::starts_with_search); }
+const Move* think_on_running_clock(Game* game) { return think(game, Clock::runs); }
 
 int root_search(Game* game, int centre, int depth) {
     const auto search_root = [&](int alpha, int beta) {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
+#include <string>
 
 #include "board/memory.h"
 #include "board/output.h"
@@ -93,14 +94,8 @@ HashEntry* probe(PositionKeys keys, int depth) {
 struct KeyDelta {
     PositionKeys keys;
 
-    void toggle(std::uint64_t number) {
-        keys.key ^= number;
-        keys.lock ^= number;
-    }
-    void toggle_man(int square, int code) {
-        keys.key ^= zobrist_key_numbers[square][code];
-        keys.lock ^= zobrist_lock_numbers[square][code];
-    }
+    void toggle(std::uint64_t number) { keys ^= in_both(number); }
+    void toggle_man(int square, int code) { keys ^= zobrist_numbers[square][code]; }
     void move_man(int from, int to, int code) {
         toggle_man(from, code);
         toggle_man(to, code);
@@ -178,6 +173,15 @@ void qhash_allocate() {
 void hash_clear() { clear(transposition_table); }
 void qhash_clear() { clear(quiescence_table); }
 
+void prefetch_hashes(const Game* game) {
+    prefetch(transposition_table.slots[slot_index(transposition_table, game->zobrist_key)]);
+    prefetch_qhash(game);
+}
+
+void prefetch_qhash(const Game* game) {
+    prefetch(quiescence_table.slots[slot_index(quiescence_table, game->zobrist_key)]);
+}
+
 HashEntry* hash_probe(const Game* game, int depth) { return probe(keys_of(*game), depth); }
 
 void hash_store(const Game* game, int depth, const Move* move, int score, std::uint8_t bound) {
@@ -219,9 +223,14 @@ PositionKeys child_keys(const Game* game, Move move) {
 }
 
 bool enhanced_transposition(const Game* game, MoveList* list, int wanted_depth, int beta) {
-    for (int i = 0; i < list->count; ++i) list->scores[i] = 0;
+    Table<PositionKeys, MoveList::capacity> keys;
     for (int i = 0; i < list->count; ++i) {
-        const HashEntry* child = probe(child_keys(game, list->moves[i]), wanted_depth);
+        list->scores[i] = 0;
+        keys[i] = child_keys(game, list->moves[i]);
+        prefetch(transposition_table.slots[slot_index(transposition_table, keys[i].key)]);
+    }
+    for (int i = 0; i < list->count; ++i) {
+        const HashEntry* child = probe(keys[i], wanted_depth);
         if (child != nullptr && child->bound != bound_upper && -child->score >= beta) {
             list->scores[i] = etc_bonus;
             return true;
@@ -236,8 +245,9 @@ void print_hash_stats() {
     for (std::uint64_t i = 0; i < table.entries; ++i) {
         if (table.slots[i].generation == table.generation && table.slots[i].lock != 0) ++used;
     }
-    say("Transposition table usage: %d%%\n", static_cast<int>(used * 100 / table.entries));
-    say("Transposition table size (bytes): %llu\n", static_cast<unsigned long long>(table.entries * sizeof(HashEntry)));
+    const std::uint64_t all = std::max<std::uint64_t>(1, table.entries);
+    say("Transposition table usage: %d%%\n", static_cast<int>(used * 100 / all));
+    say("Transposition table size (bytes): %s\n", std::to_string(table.entries * sizeof(HashEntry)).c_str());
 }
 
 }  // namespace varn

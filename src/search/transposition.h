@@ -44,6 +44,10 @@ HashEntry* hash_probe(const Game* game, int depth);
 /// The score is the side to move's; `move` may be null. Refused by a slot that holds another position with credit left.
 void hash_store(const Game* game, int depth, const Move* move, int score, std::uint8_t bound);
 
+/// Fetches the slots of the present position in both tables: to be called as soon as its keys are known.
+void prefetch_hashes(const Game* game);
+void prefetch_qhash(const Game* game);
+
 HashEntry* qhash_probe(const Game* game);
 void qhash_store(const Game* game, int line_ply, int score, std::uint8_t bound);
 

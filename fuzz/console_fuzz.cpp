@@ -1,0 +1,55 @@
+// A whole session at the console. Searches are kept to one ply, and what takes long by itself is left out.
+#include <cstdio>
+#include <string>
+
+#include "board/game.h"
+#include "frame.h"
+#include "frontend/console.h"
+#include "frontend/take_back.h"
+#include "search/clock.h"
+#include "search/settings.h"
+
+namespace {
+
+/// Counts deeper than two plies, searches of fixed depth, and the pattern tool.
+bool takes_long(std::string_view line) {
+    for (const std::string_view text : {"perft ", "advperft "}) {
+        if (line.starts_with(text)) return line != std::string(text) + "1\n" && line != std::string(text) + "2\n";
+    }
+    return line == "kpk\n" || line == "kpkbb\n" || line == "xboard\n" || line == "nm\n";
+}
+
+std::string bounded(std::string_view input) {
+    std::string lines;
+    while (!input.empty()) {
+        const std::string_view line = input.substr(0, input.find('\n') + 1);
+        if (line.empty()) return lines.append(input);
+        if (!takes_long(line)) lines += line;
+        input.remove_prefix(line.size());
+    }
+    return lines;
+}
+
+}  // namespace
+
+void run_input(std::string_view input) {
+    std::string lines = bounded(input);
+    if (lines.empty()) return;
+    std::FILE* terminal = stdin;
+    stdin = fmemopen(lines.data(), lines.size(), "r");
+    varn::is_white_human = varn::human_move_validation = 1;
+    varn::is_black_human = 0;
+    varn::run_to_exit(
+        [](std::string_view) {
+            varn::Console console = {varn::new_game(false)};
+            varn::set_base_position(*console.game);
+            for (;;) {
+                varn::ply_limit = 1;
+                varn::time_limit_ms = 1;
+                varn::console_step(console);
+            }
+        },
+        {});
+    std::fclose(stdin);
+    stdin = terminal;
+}

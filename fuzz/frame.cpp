@@ -1,0 +1,68 @@
+#include "frame.h"
+
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include "frontend/startup.h"
+#include "search/clock.h"
+#include "search/settings.h"
+
+namespace {
+
+/// Thrown in place of an exit, while an input runs.
+struct EndOfProcess {};
+bool may_exit = true;
+bool is_started = false;
+
+}  // namespace
+
+// The linker leads every call of `exit` here.
+extern "C" {
+[[noreturn]] void __real_exit(int status);
+[[noreturn]] void __wrap_exit(int status);
+void __wrap_exit(int status) {
+    if (may_exit) __real_exit(status);
+    throw EndOfProcess{};
+}
+}
+
+namespace varn {
+
+void start_engine() {
+    if (is_started) return;
+    is_started = true;
+    std::string folder = "/tmp/varn_fuzz_XXXXXX";
+    if (mkdtemp(folder.data()) == nullptr || chdir(folder.c_str()) != 0) std::abort();
+    if (std::freopen("/dev/null", "w", stdout) == nullptr) std::abort();
+    write_file("varn.ini", "hash 10\nqhash 40000\nphash 16000\n");
+    start_up();
+}
+
+void run_to_exit(void (*action)(std::string_view), std::string_view input) {
+    const bool before = may_exit;
+    may_exit = false;
+    try {
+        action(input);
+    } catch (const EndOfProcess&) {
+        // The session ended; the next one starts afresh.
+    }
+    may_exit = before;
+}
+
+void write_file(const char* name, std::string_view content) {
+    std::ofstream file(name, std::ios::binary);
+    file << content;
+}
+
+}  // namespace varn
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    varn::start_engine();
+    varn::run_to_exit(run_input, {reinterpret_cast<const char*>(data), size});
+    return 0;
+}

@@ -1,0 +1,127 @@
+// Bytes choose moves, take-backs, null moves and positions; after each step everything that is kept incrementally must
+// be what a computation from scratch gives.
+#include <cstdlib>
+#include <vector>
+
+#include "board/attacks.h"
+#include "board/legality.h"
+#include "board/make.h"
+#include "board/movegen.h"
+#include "board/position.h"
+#include "board/zobrist.h"
+#include "frame.h"
+#include "search/transposition.h"
+
+namespace {
+
+constexpr const char* positions[] = {
+    "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -",
+    "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -",
+    "r3k2r/1P4P1/8/8/8/8/1p4p1/R3K2R w KQkq -",
+    "4k3/p1p1p1p1/8/1P1P1P1P/1p1p1p1p/8/P1P1P1P1/4K3 w - -",
+};
+
+void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+struct Step {
+    varn::Move move;
+    bool is_null;
+    varn::UndoRecord undo;
+};
+
+/// The hashes carry the numbers of lost rights and of open null moves on top of the sum over the men.
+varn::PositionKeys expected_keys(const varn::Game& game, const varn::Game& base, int null_moves) {
+    varn::PositionKeys keys = varn::position_keys(game);
+    const std::uint32_t w_lost = base.w_castle & ~game.w_castle;
+    const std::uint32_t b_lost = base.b_castle & ~game.b_castle;
+    std::uint64_t number = null_moves % 2 != 0 ? varn::zobrist_null_number : 0;
+    if ((w_lost & varn::kingside_right) != 0) number ^= varn::w_kingside_number;
+    if ((w_lost & varn::queenside_right) != 0) number ^= varn::w_queenside_number;
+    if ((b_lost & varn::kingside_right) != 0) number ^= varn::b_kingside_number;
+    if ((b_lost & varn::queenside_right) != 0) number ^= varn::b_queenside_number;
+    keys.key ^= number;
+    keys.lock ^= number;
+    return keys;
+}
+
+int material_of(const varn::Game& game, varn::Bitboard men) {
+    int sum = 0;
+    while (men != 0) sum += varn::piece_values[game.cells[varn::pop_first(men)]];
+    return sum;
+}
+
+void require_sound(const varn::Game& game, const varn::Game& base, int null_moves) {
+    const varn::Bitboard men = varn::occupied(game);
+    require(varn::is_consistent(&game) && varn::is_playable(&game));
+    require(game.r90 == varn::rotate_90(men) && game.r45f == varn::rotate_45f(men) &&
+            game.r45b == varn::rotate_45b(men));
+    require(game.w_material == material_of(game, game.w_pieces) && game.b_material == material_of(game, game.b_pieces));
+    require(game.material == game.w_material - game.b_material);
+    require(varn::keys_of(game) == expected_keys(game, base, null_moves));
+    // The side to move is in the pawn hashes as it was in the base position.
+    varn::PositionKeys pawns = varn::pawn_keys(game);
+    if (game.turn != base.turn) {
+        pawns.key ^= varn::zobrist_side_number;
+        pawns.lock ^= varn::zobrist_side_number;
+    }
+    require(varn::PositionKeys{game.pawn_key, game.pawn_lock} == pawns);
+}
+
+void take_back(varn::Game* game, Step& step) {
+    if (step.is_null) {
+        varn::unmake_null(game, &step.undo);
+    } else {
+        varn::retract_move(game, step.move, &step.undo);
+    }
+}
+
+/// One move out of the legal ones, or none. Whatever can be made of the others is taken back at once.
+bool make_chosen(varn::Game* game, unsigned choice, Step& step) {
+    varn::MoveList* list = varn::generate_all(game, varn::scratch_slot);
+    if (list->count == 0) return false;
+    step.move = list->moves[choice % static_cast<unsigned>(list->count)];
+    const varn::PositionKeys child = varn::child_keys(game, step.move);
+    varn::fill_undo(game, step.move, &step.undo);
+    if (!varn::make_if_legal(game, step.move, 0, &step.undo)) return false;
+    require(varn::keys_of(*game) == child);
+    varn::push_keys(game);
+    return true;
+}
+
+}  // namespace
+
+void run_input(std::string_view input) {
+    constexpr std::size_t longest_line = 450;
+    if (input.empty()) return;
+    auto game = varn::new_game(false);
+    const auto first = static_cast<unsigned char>(input[0]);
+    varn::set_position(game.get(), positions[first % std::size(positions)], varn::KeepTables::yes);
+    const auto base = std::make_unique<varn::Game>(*game);
+    std::vector<Step> line;
+    int null_moves = 0;
+    for (const char c : input.substr(1)) {
+        const auto choice = static_cast<unsigned char>(c);
+        Step step = {};
+        if (choice < 24 || line.size() == longest_line) {
+            if (line.empty()) continue;
+            null_moves -= line.back().is_null ? 1 : 0;
+            take_back(game.get(), line.back());
+            line.pop_back();
+        } else if (choice < 32) {
+            if (varn::in_check(game.get())) continue;
+            step.is_null = true;
+            varn::make_null(game.get(), 0, &step.undo);
+            ++null_moves;
+            line.push_back(step);
+        } else if (make_chosen(game.get(), choice - 32U, step)) {
+            line.push_back(step);
+        }
+        require_sound(*game, *base, null_moves);
+        require(varn::has_legal_move(game.get()) || !line.empty());
+    }
+    for (; !line.empty(); line.pop_back()) take_back(game.get(), line.back());
+    require(varn::keys_of(*game) == varn::keys_of(*base) && game->cells == base->cells);
+    require(game->draw_hash_count == base->draw_hash_count && game->fifty == base->fifty);
+}

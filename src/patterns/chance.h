@@ -1,0 +1,78 @@
+// The two sources of chance of the annealing: the choices of boxes and squares, and the acceptance of a split.
+#pragma once
+
+#include <algorithm>
+
+#include "board/random.h"
+#include "board/types.h"
+
+namespace varn {
+
+/// Many small choices out of few draws. A draw of 64 bits is a fraction between 0 and 1; multiplying it by a range
+/// splits it into the choice, which is the whole part, and a fraction again, which holds the next choice. Of the
+/// outcomes that the choices from one draw have together, none is more than 2^-32 of its share likelier than another:
+/// before they become too many for that, there is a new draw.
+class Choices {
+public:
+    explicit constexpr Choices(std::uint64_t seed) : source_(seed) { renew(); }
+
+    /// Draws anew. Never needed, but it frees what follows from waiting for the choices made before.
+    constexpr void renew() {
+        fraction_ = source_.next();
+        outcomes_ = 1;
+    }
+
+    /// A number from 0 to `range` - 1; `range` must not be 0.
+    constexpr std::uint32_t below(std::uint32_t range) {
+        outcomes_ *= range;
+        if (outcomes_ > most_outcomes) {
+            renew();
+            outcomes_ = range;
+        }
+        const Product product = Product{fraction_} * range;
+        fraction_ = static_cast<std::uint64_t>(product);
+        return static_cast<std::uint32_t>(product >> 64);
+    }
+
+private:
+    __extension__ using Product = unsigned __int128;
+    static constexpr std::uint64_t most_outcomes = std::uint64_t{1} << 32;
+
+    RandomSource source_;
+    std::uint64_t fraction_ = 0;
+    std::uint64_t outcomes_ = 1;  // how many combinations of choices the present draw has told apart
+};
+
+/// The state of `uniform_random`. Before the first call only `value` counts: the seed.
+struct UniformState {
+    std::int32_t value;
+    std::int32_t last = 0;  // 0: not started
+    Table<std::int32_t, 32> shuffle = {};
+};
+
+/// A real number in 0..1, ends excluded, by the minimal standard generator of Park and Miller with the shuffle of Bays
+/// and Durham. A seed of 0 or less starts the generator from its absolute value, at least 1; a positive one starts it
+/// from 1, so that its sequence is the same in every run.
+inline double uniform_random(UniformState& state) {
+    constexpr std::int32_t modulus = 2147483647;
+    constexpr double largest = 0.99999988;
+    const auto advance = [&] { state.value = static_cast<std::int32_t>(std::int64_t{state.value} * 16807 % modulus); };
+    if (state.last == 0) {
+        constexpr int warm_up = 8;
+        state.value = state.value < 0 && state.value > -modulus ? -state.value : 1;
+        for (int i = 0; i < warm_up; ++i) advance();
+        for (int slot = state.shuffle.size() - 1; slot >= 0; --slot) {
+            advance();
+            state.shuffle[slot] = state.value;
+        }
+        state.last = state.shuffle[0];
+    }
+    advance();
+    constexpr std::int32_t values_per_slot = 1 + (modulus - 1) / Table<std::int32_t, 32>::size();
+    std::int32_t& slot = state.shuffle[state.last / values_per_slot];
+    state.last = slot;
+    slot = state.value;
+    return std::min(state.last * (1.0 / modulus), largest);
+}
+
+}  // namespace varn

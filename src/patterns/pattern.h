@@ -1,0 +1,17 @@
+// A box of king-and-pawn positions: three sets of squares, which stand for every position with one square from each.
+#pragma once
+
+#include "board/bits.h"
+
+namespace varn {
+
+/// The men of a position, and the axes of the space in which a position is a point.
+enum Field : std::uint8_t { white_king_field, white_pawn_field, black_king_field };
+inline constexpr int field_count = 3;
+
+struct Pattern {
+    Table<Bitboard, field_count> squares;  // by field
+    friend constexpr bool operator==(const Pattern&, const Pattern&) = default;
+};
+
+}  // namespace varn

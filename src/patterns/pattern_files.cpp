@@ -1,0 +1,86 @@
+#include "patterns/pattern_files.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <memory>
+#include <string_view>
+
+#include "board/output.h"
+#include "board/position.h"
+
+namespace varn {
+
+namespace {
+
+enum class Reading : std::uint8_t { no_number, zero, other };
+
+/// What the number is that the text begins with, blanks and a sign left aside.
+Reading read_result(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    if (text.starts_with('+')) text.remove_prefix(1);
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error == std::errc::invalid_argument) return Reading::no_number;
+    return error == std::errc() && number == 0 ? Reading::zero : Reading::other;
+}
+
+void read_line(std::string_view line, Game* game, std::vector<Pattern>& drawn) {
+    const std::size_t tab = line.find('\t');
+    if (tab == std::string_view::npos) return;
+    const Reading result = read_result(line.substr(tab + 1));
+    if (result == Reading::no_number) return;
+    set_position(game, line.substr(0, tab), KeepTables::yes);
+    if (result == Reading::zero) drawn.push_back({{game->w_king, game->w_pawns, game->b_king}});
+}
+
+std::string file_text(const PatternList& list) {
+    std::string text = std::to_string(list.count()) + (list.side == 0 ? " w\n" : " b\n");
+    for (const Pattern& pattern : in_order(list)) {
+        for (const Bitboard board : pattern.squares) text += board_number(board) + ' ';
+        text += std::to_string(list.result) + '\n';
+    }
+    return text;
+}
+
+bool write_file(const std::string& file_name, std::string_view text) {
+    std::FILE* file = std::fopen(file_name.c_str(), "w");
+    if (file == nullptr) return false;
+    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    return std::fclose(file) == 0 && written;
+}
+
+}  // namespace
+
+std::optional<LoadedPositions> load_positions(const char* file_name, Game* game) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(file_name, "r"), std::fclose);
+    if (file == nullptr) return std::nullopt;
+    LoadedPositions positions;
+    char line[80];
+    for (; std::fgets(line, sizeof line, file.get()) != nullptr; ++positions.lines) {
+        read_line(line, game, positions.drawn);
+    }
+    return positions;
+}
+
+bool write_whole_file(const std::string& file_name, std::string_view text) {
+    const std::string unfinished = file_name + ".tmp";
+    if (write_file(unfinished, text) && std::rename(unfinished.c_str(), file_name.c_str()) == 0) return true;
+    std::remove(unfinished.c_str());
+    return false;
+}
+
+void dump_patterns(const std::string& file_name, const PatternList& list) {
+    if (write_whole_file(file_name, file_text(list))) {
+        say("finished dumping %s\n", file_name.c_str());
+    } else {
+        say_text("error: cannot output evalubase file.\n");
+    }
+}
+
+std::string board_number(Bitboard board) {
+    const auto high = static_cast<std::uint32_t>(board >> 32);
+    return (high != 0 ? std::to_string(high) : "") + std::to_string(static_cast<std::uint32_t>(board));
+}
+
+}  // namespace varn

@@ -1,0 +1,38 @@
+// The files of the annealing: the solved positions that it reads and the boxes that it writes.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "board/game.h"
+#include "patterns/pattern_list.h"
+
+namespace varn {
+
+// Both in the working directory.
+inline constexpr const char* positions_file_name = "kpkbb";
+inline constexpr const char* patterns_file_name = "wkpk.eb";
+
+struct LoadedPositions {
+    std::vector<Pattern> drawn;  // one box for each position with result 0, in the file's order
+    std::uint64_t lines = 0;     // of the file
+};
+
+/// Reads a file of lines of a position text, a tab and the position's result; nothing where it can't be opened. Lines
+/// without a tab or without a number behind it are skipped, and what goes beyond 79 characters is a line of its own.
+/// The game holds the last position read; what it says of a bad one, `set_position` tells.
+std::optional<LoadedPositions> load_positions(const char* file_name, Game* game);
+
+/// Writes a file that comes into being as a whole or not at all; returns whether it did.
+bool write_whole_file(const std::string& file_name, std::string_view text);
+
+/// A line with the number of boxes and the side, then a line for every box: its boards as `board_number` writes them
+/// and the result. Says that the file was written, or that it couldn't be.
+void dump_patterns(const std::string& file_name, const PatternList& list);
+
+/// The high half of the board as a decimal number, left out where it is 0, and the low half, with nothing between them.
+std::string board_number(Bitboard board);
+
+}  // namespace varn

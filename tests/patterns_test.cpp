@@ -1,0 +1,162 @@
+// The boxes of king-and-pawn positions and their moves by chance: the list against the plain walk, the positions that
+// they hold, and how likely what is.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <map>
+#include <set>
+
+#include "patterns/anneal.h"
+#include "plain_patterns.h"
+
+namespace varn {
+namespace {
+
+/// Every square with every other on three edges: all of it can become one box.
+std::vector<Pattern> full_block(int edge) {
+    std::vector<Pattern> block;
+    const int size = edge * edge * edge;
+    block.reserve(static_cast<std::size_t>(size));
+    for (int i = 0; i < size; ++i) {
+        block.push_back({{bit_mask(i % edge), bit_mask(i / edge % edge), bit_mask(i / edge / edge)}});
+    }
+    return block;
+}
+
+/// The single positions of all boxes, sorted, as often as they occur.
+std::vector<std::array<int, 3>> positions_in(const std::vector<Pattern>& boxes) {
+    std::vector<std::array<int, 3>> positions;
+    for (const Pattern& box : boxes) {
+        for (Bitboard a = box.squares[0]; a != 0; a &= a - 1) {
+            for (Bitboard b = box.squares[1]; b != 0; b &= b - 1) {
+                for (Bitboard c = box.squares[2]; c != 0; c &= c - 1) {
+                    positions.push_back({first_one(a), first_one(b), first_one(c)});
+                }
+            }
+        }
+    }
+    std::ranges::sort(positions);
+    return positions;
+}
+
+/// Where in memory the box at an index of the list lies.
+BoxPlace place_of(const PatternList& list, std::size_t index) {
+    std::vector<std::uint64_t> stamps = list.stamps;
+    const auto nth = stamps.begin() + static_cast<std::ptrdiff_t>(index);
+    std::ranges::nth_element(stamps, nth);
+    return static_cast<BoxPlace>(std::ranges::find(list.stamps, *nth) - list.stamps.begin());
+}
+
+struct Work {
+    std::vector<Pattern> positions;
+    std::size_t capacity;
+    int moves;
+};
+
+TEST(Patterns, TheListChangesAsThePlainWalkChangesIt) {
+    std::vector<Pattern> odd = full_block(4);  // positions more than once, or without a man, or with two
+    odd.insert(odd.end(), odd.begin(), odd.begin() + 20);
+    for (Bitboard i = 0; i < 20; ++i) odd.push_back({{0, i & 1, i}});
+    const Work works[] = {
+        {full_block(6), 300, 30000},         // large groups
+        {drawn_positions(200), 250, 20000},  // small groups
+        {{{{255, 255, 255}}}, 40, 20000},    // no room
+        {{{{1, 1, 1}}}, 3, 100},
+        {odd, 200, 20000},
+    };
+    for (const Work& work : works) {
+        PatternList list(work.positions, work.capacity);
+        PlainList plain = {work.positions, work.capacity};
+        Choices choices(work.positions.size());
+        for (int i = 0; i < work.moves; ++i) {
+            choices.renew();
+            const std::uint32_t index = choices.below(list.count());
+            // More merges at first, so that there are large boxes to split.
+            const bool is_merge = choices.below(i % 5000 < 2500 ? 4 : 2) != 0;
+            const auto field = static_cast<Field>(choices.below(field_count));
+            Choices same = choices;
+            (is_merge ? merge_patterns : split_pattern)(list, place_of(list, index), field, choices);
+            (is_merge ? plain_merge : plain_split)(plain, index, field, same);
+            ASSERT_EQ(in_order(list), plain.patterns) << work.positions.size() << ", move " << i;
+            ASSERT_EQ(choices.below(1U << 30), same.below(1U << 30)) << i;
+        }
+    }
+}
+
+TEST(Patterns, AnnealingKeepsThePositionsAndMakesTheBoxesFewer) {
+    const std::vector<Pattern> positions = drawn_positions();
+    PatternList list(positions, positions.size());
+    Choices choices(1);
+    UniformState acceptance = {1};
+    EXPECT_EQ(in_order(list), positions);
+    for (const std::uint32_t boxes : {7000U, 5000U}) {
+        anneal(list, 1'000'000, choices, acceptance);
+        EXPECT_LT(list.count(), boxes);
+        EXPECT_EQ(positions_in(in_order(list)), positions_in(positions));
+    }
+}
+
+TEST(Patterns, EveryMoveHasItsShareOfChance) {
+    // White's king tells the first three boxes apart, the first two can be merged, the last can be split.
+    const std::vector<Pattern> start = {{{1, 1, 1}}, {{2, 1, 1}}, {{4, 4, 12}}};
+    using Boxes = std::vector<std::pair<Bitboard, Bitboard>>;  // of either king
+    const auto mean = [](double two, double three, double four) { return (two + three + four) / 3; };
+    const double taken = mean(1. / 2, 1. / 3, 1. / 4);
+    const double taken_alone = mean(1. / 4, 2. / 9, 3. / 16);
+    const double to_the_end = (taken * 2 + taken_alone * 2) / 18;
+    const double split = 0.08 / 18;  // the box, the field and the acceptance
+    const std::pair<Boxes, double> expected[] = {
+        {{{4, 12}, {3, 1}}, mean(1. / 4, 1. / 9, 1. / 16) * 2 / 18},
+        {{{2, 1}, {4, 12}, {1, 1}}, to_the_end},
+        {{{1, 1}, {4, 12}, {2, 1}}, to_the_end},
+        {{{1, 1}, {2, 1}, {4, 4}, {4, 8}}, split * (1. / 2 + 1. / 3) / 2},
+        {{{1, 1}, {2, 1}, {4, 8}, {4, 4}}, split * (1. / 4 + 2. / 9) / 2},
+    };
+    constexpr int moves = 200000;
+    std::map<Boxes, int> counts;
+    Choices choices(3);
+    UniformState acceptance = {1};
+    for (int i = 0; i < moves; ++i) {
+        PatternList list(start, 4);
+        anneal(list, 1, choices, acceptance);
+        Boxes boxes;
+        for (const Pattern& box : in_order(list)) boxes.emplace_back(box.squares[0], box.squares[2]);
+        ++counts[boxes];
+    }
+    EXPECT_EQ(counts.size(), std::size(expected) + 1);  // and the list as it was
+    for (const auto& [boxes, share] : expected) {
+        EXPECT_NEAR(counts[boxes], moves * share, 3 * std::sqrt(moves * share)) << boxes.size() << ' ' << share;
+    }
+}
+
+TEST(Patterns, AcceptanceHasThePublishedSequence) {
+    UniformState first = {1}, late = {1764000000}, other = {-2};
+    // The shuffle gives each number of the generator once, out of a table's length of them.
+    constexpr int warm_up = 8, table = 32;
+    constexpr double modulus = 2147483647, largest = 0.99999988;
+    long number = 1;
+    const auto next = [&] { return number = number * 16807 % 2147483647; };
+    for (int i = 0; i < warm_up; ++i) next();
+    std::set<long> in_table;
+    for (int i = 0; i < table; ++i) in_table.insert(next());
+    int cut = 0;
+    for (int i = 0; i < 10000; ++i) {
+        const double value = uniform_random(first);
+        EXPECT_EQ(value, uniform_random(late)) << i;
+        EXPECT_NE(value, uniform_random(other)) << i;
+        if (i == 0) {
+            EXPECT_NEAR(value, 0.4159994, 5e-8);
+        }
+        const bool is_cut = value == largest;
+        cut += is_cut;
+        const long drawn = is_cut ? *in_table.rbegin() : std::lround(value * modulus);
+        EXPECT_GE(static_cast<double>(drawn) / modulus, value - 1e-12) << i;
+        EXPECT_EQ(in_table.erase(drawn), 1U) << i;
+        in_table.insert(next());
+    }
+    EXPECT_EQ(cut, 1);  // the sequence has such a number early on
+}
+
+}  // namespace
+}  // namespace varn

@@ -1,0 +1,45 @@
+// How far a long run has come, for whoever watches it.
+#pragma once
+
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+
+namespace varn {
+
+/// A line on the error stream that is written anew as the count grows. It appears where that stream is a terminal and
+/// the output goes elsewhere, and only once a run has taken longer than two seconds.
+class Progress {
+public:
+    /// What is counted, as in "lines".
+    explicit Progress(std::string unit) : unit_(std::move(unit)) {}
+    ~Progress() { erase(); }
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void show(long count) {
+        if (!watched_) return;
+        const auto now = Clock::now();
+        if (now < next_) return;
+        next_ = now + std::chrono::milliseconds(200);
+        std::fprintf(stderr, "\r%ld %s", count, unit_.c_str());
+        shown_ = true;
+    }
+    /// Makes room for other text.
+    void erase() {
+        if (shown_) std::fputs("\r\033[K", stderr);
+        shown_ = false;
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    std::string unit_;
+    bool watched_ = isatty(STDERR_FILENO) == 1 && isatty(STDOUT_FILENO) == 0;
+    bool shown_ = false;
+    Clock::time_point next_ = Clock::now() + std::chrono::seconds(2);
+};
+
+}  // namespace varn
