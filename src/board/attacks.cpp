@@ -22,21 +22,11 @@ Bitboard attackers_of(const Game* game, int square) {
 
 Bitboard add_xray(const Game* game, int square, int target, Bitboard set) {
     const Game& g = *game;
-    // The men of interest lie on the ray that leads on from the target through the square.
     const Direction away = direction_table[target][square];
-    Bitboard sliders = 0;
-    switch (away) {
-        case no_direction: return set;
-        case north:
-        case south: sliders = file_reach(g, square) & straight_sliders(g); break;
-        case west:
-        case east: sliders = rank_reach(g, square) & straight_sliders(g); break;
-        case north_west:
-        case south_east: sliders = r45b_reach(g, square) & diagonal_sliders(g); break;
-        case north_east:
-        case south_west: sliders = r45f_reach(g, square) & diagonal_sliders(g); break;
-    }
-    return set | (sliders & rays[away][square]);
+    const Bitboard behind = rays[away][square] & occupied(g);
+    if (behind == 0) return set;
+    const Bitboard first = bit_mask(leads_up(away) ? first_one(behind) : last_one(behind));
+    return set | (first & (is_diagonal(away) ? diagonal_sliders(g) : straight_sliders(g)));
 }
 
 }  // namespace varn

@@ -123,6 +123,12 @@ enum Direction : std::uint8_t {
 };
 inline constexpr int direction_count = 9;
 
+constexpr bool is_diagonal(Direction direction) { return direction >= north_west; }
+/// Whether the square numbers grow that way.
+constexpr bool leads_up(Direction direction) {
+    return direction == north || direction == west || direction == north_west || direction == north_east;
+}
+
 /// The direction in which b lies seen from a: `direction_table[a][b]`; `no_direction` if a is b or they share no line.
 extern const PerSquare<PerSquare<Direction>> direction_table;
 

@@ -6,15 +6,15 @@
 
 namespace varn {
 
-/// Value of the exchange that `move` starts on its target, in centipawns from white's point of view, whoever moves. The
-/// first capture is not optional; after it either side may stop. En passant counts 0, and promotions on the way count
-/// as pawn captures. Changes nothing.
-int exchange_value(const Game* game, Move move);
+/// What the exchange that `move` starts on its target gains for the side to move, in centipawns. The first capture is
+/// not optional; after it either side may stop. En passant counts 0, and promotions on the way count as pawn captures.
+/// Changes nothing.
+int exchange_gain(const Game* game, Move move);
 
-/// The same from the point of view of the side to move.
-inline int exchange_gain(const Game* game, Move move) {
-    const int value = exchange_value(game, move);
-    return game->turn == 0 ? value : -value;
+/// The same from white's point of view, whoever moves.
+inline int exchange_value(const Game* game, Move move) {
+    const int gain = exchange_gain(game, move);
+    return game->turn == 0 ? gain : -gain;
 }
 
 }  // namespace varn

@@ -26,9 +26,15 @@ bool material_decides(const Game& g) {
     return balance <= clearly_behind || balance >= clearly_ahead;
 }
 
-/// What a capture or promotion promises: a promotion counts from the new piece alone, also where it captures.
-int promise(const Game* game, Move move) {
-    return is_promotion(move.kind) ? piece_values[move.kind] - pawn_value : exchange_gain(game, move);
+constexpr int hope = 300;     // what a position may gain beyond the exchange itself
+constexpr int hopeless = -1;  // what isn't searched, like all that loses material
+
+/// What a capture or promotion promises: a promotion counts from the new piece alone, also where it captures. A capture
+/// that falls short even if nobody takes back is hopeless: what takes part in its exchange isn't looked at.
+int promise(const Game* game, Move move, int wanted) {
+    if (is_promotion(move.kind)) return piece_values[move.kind] - pawn_value;
+    if (move.kind == kind_en_passant) return exchange_gain(game, move);
+    return piece_values[game->cells[move.to]] < wanted ? hopeless : exchange_gain(game, move);
 }
 
 bool answers(const HashEntry& entry, int alpha, int beta) {
@@ -52,16 +58,15 @@ int static_score(Game* game, const Restraints& restraints, const SearchFrame& fr
     return game->turn == 0 ? score : -score;
 }
 
+// Two walks, the first of which looks at several scores at once.
 void pick_best(MoveList* list, int index) {
     constexpr int passed_over = -9999;
-    int best = index;
+    const int* const scores = list->scores.begin();
     int best_score = passed_over;
-    for (int i = index; i < list->count; ++i) {
-        if (list->scores[i] > best_score) {
-            best_score = list->scores[i];
-            best = i;
-        }
-    }
+    for (int i = index; i < list->count; ++i) best_score = std::max(best_score, scores[i]);
+    if (best_score == passed_over) return;
+    int best = index;
+    while (scores[best] != best_score) ++best;
     if (best == index) return;
     std::swap(list->scores[best], list->scores[index]);
     std::swap(list->moves[best], list->moves[index]);
@@ -94,12 +99,12 @@ int quiesce(Game* game, int alpha, int beta, SearchFrame frame) {
     int best = stand;
     bool raised_alpha = false;
     MoveList* list = generate_noisy(game, ply);
-    for (int i = 0; i < list->count; ++i) list->scores[i] = promise(game, list->moves[i]);
+    const int wanted = alpha - stand - hope;
+    for (int i = 0; i < list->count; ++i) list->scores[i] = promise(game, list->moves[i], wanted);
     UndoRecord* undo = save_undo(game, ply);
     ++frame.ply;
     ++frame.line_ply;
     for (int i = 0; i < list->count; ++i) {
-        constexpr int hope = 300;  // what a position may gain beyond the exchange itself
         pick_best(list, i);
         const int gain = list->scores[i];
         if (gain < 0 || gain + stand + hope < alpha) break;
