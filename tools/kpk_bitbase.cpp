@@ -1,10 +1,9 @@
 // Solves king and pawn against king, and looks after the files of the annealing, all in the working directory.
 //
-// Usage: kpk_bitbase                 writes kpkbb: a line for every placement with white to move, with the result 1
-// where
-//                                    white wins and 0 where it is a draw
-//        kpk_bitbase anneal MOVES    makes wkpk.eb from kpkbb as the console does, with so many moves
-//        kpk_bitbase check           tells whether the boxes of wkpk.eb hold exactly the draws of kpkbb
+// Usage:
+//   kpk_bitbase                 writes kpkbb: every placement with white to move, 1 for a win of white, 0 for a draw
+//   kpk_bitbase anneal MOVES    makes wkpk.eb from kpkbb as the console does, with so many moves
+//   kpk_bitbase check           tells whether the boxes of wkpk.eb hold exactly the draws of kpkbb
 #include <cstdio>
 #include <cstdlib>
 #include <string>
