@@ -2,10 +2,10 @@
 
 #include <chrono>
 #include <cstdio>
-#include <memory>
 #include <string_view>
 #include <vector>
 
+#include "board/file.h"
 #include "board/legality.h"
 #include "board/notation.h"
 #include "board/output.h"
@@ -21,10 +21,6 @@ constexpr std::size_t move_length = 4;  // characters of a move in a row
 
 std::vector<std::string> book_lines;  // without their line ends
 RandomSource book_random(0);
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 /// The next row of the file, its line end taken off; none at the end of the file.
 std::optional<std::string> read_row(std::FILE* file) {
@@ -71,7 +67,7 @@ std::optional<Move> find_move(Game* game) {
 void load_book(const char* file_name) {
     book_lines.clear();
     book_random = RandomSource(static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()));
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(file_name, "r"));
+    const File file = open_for_reading(file_name);
     if (file == nullptr) return;
     while (auto row = read_row(file.get())) {
         if (book_line_count() == book_capacity) {

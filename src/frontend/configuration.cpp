@@ -2,9 +2,9 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <string_view>
 
+#include "board/file.h"
 #include "board/output.h"
 #include "eval/pawns.h"
 #include "frontend/numbers.h"
@@ -15,10 +15,6 @@ namespace varn {
 std::int32_t pondering_enabled = 1;
 
 namespace {
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 struct Setting {
     std::string_view key;  // with the blank behind it
@@ -46,7 +42,7 @@ void read_setting(std::string_view line) {
 }  // namespace
 
 void read_configuration() {
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen("varn.ini", "r"));
+    const File file = open_for_reading("varn.ini");
     if (file == nullptr) {
         say_text("error:  varn.ini cannot be found.\n");
         std::exit(1);

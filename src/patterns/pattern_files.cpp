@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <memory>
 #include <string_view>
 
+#include "board/file.h"
 #include "board/output.h"
 #include "board/position.h"
 
@@ -53,7 +53,7 @@ bool write_file(const std::string& file_name, std::string_view text) {
 }  // namespace
 
 std::optional<LoadedPositions> load_positions(const char* file_name, Game* game) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(file_name, "r"), std::fclose);
+    const File file = open_for_reading(file_name);
     if (file == nullptr) return std::nullopt;
     LoadedPositions positions;
     char line[80];
