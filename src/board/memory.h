@@ -1,4 +1,5 @@
-// Memory for the large tables: zeroed, and real only where it is touched, so that a table costs nothing before its use.
+// Memory for the large tables: zeroed, and, up to a few hundred megabytes, real only where it is touched, so that a
+// table of a common size costs nothing before its use.
 #pragma once
 
 #include <cstddef>
