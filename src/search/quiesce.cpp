@@ -37,7 +37,7 @@ int promise(const Game* game, Move move, int wanted) {
     return piece_values[game->cells[move.to]] < wanted ? hopeless : exchange_gain(game, move);
 }
 
-bool answers(const HashEntry& entry, int alpha, int beta) {
+bool answers(const QhashEntry& entry, int alpha, int beta) {
     if (entry.bound == bound_upper) return entry.score <= alpha;
     if (entry.bound == bound_lower) return entry.score >= beta;
     return true;
@@ -77,7 +77,7 @@ int quiesce(Game* game, int alpha, int beta, SearchFrame frame) {
     ++quiescent_nodes;
     if (insufficient_material(game)) return 0;
     if (!clock_ok()) return abort_score;
-    if (const HashEntry* known = qhash_probe(game); known != nullptr && answers(*known, alpha, beta)) {
+    if (const QhashEntry* known = qhash_probe(game); known != nullptr && answers(*known, alpha, beta)) {
         return known->score;
     }
 
