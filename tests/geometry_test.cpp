@@ -1,9 +1,10 @@
-// The tables of the board's geometry against a plain walk over ranks and files, and the bit helpers.
+// The tables of the board's geometry against a plain walk over ranks and files, and the helpers on bits and numbers.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
 #include "board/attacks.h"
+#include "board/divisor.h"
 #include "board/geometry.h"
 #include "positions.h"
 
@@ -18,6 +19,20 @@ TEST(Bits, HelpersOnEmptyAndFullBoards) {
     EXPECT_EQ(last_one(board), a8);
     for (const int expected : {0, 31, 32, 63}) EXPECT_EQ(pop_first(board), expected);
     EXPECT_EQ(board, 0U);
+}
+
+TEST(Divisor, GivesTheRemainderOfTheDivision) {
+    RandomSource random(2);
+    for (int round = 0; round < 100000; ++round) {
+        const std::uint64_t value = (random.next() >> random.below(64)) | 1U;  // of every length
+        const std::uint64_t multiple = random.next() / value * value;
+        for (const std::uint64_t d : {value, value == ~std::uint64_t{0} ? value : value + 1}) {
+            for (const std::uint64_t number :
+                 {random.next(), multiple, multiple - 1, std::uint64_t{0}, ~std::uint64_t{0}}) {
+                ASSERT_EQ(remainder(number, divisor(d)), number % d) << number << " by " << d;
+            }
+        }
+    }
 }
 
 TEST(Geometry, SlidersReachTheFirstManOnEveryLine) {

@@ -222,7 +222,7 @@ TEST_F(Search, QuiescenceStandsPat) {
                                                  {stand - 1, stand + 1, 0}}) {
             EXPECT_EQ(quiesce_afresh(game.get(), alpha, beta), stand) << text << bound;
             EXPECT_EQ(quiescent_nodes, 1U);  // also where all captures lose
-            const HashEntry* entry = qhash_probe(game.get());
+            const QhashEntry* entry = qhash_probe(game.get());
             ASSERT_NE(entry, nullptr);
             EXPECT_TRUE(entry->bound == bound && entry->score == stand) << text << bound;
         }

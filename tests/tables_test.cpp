@@ -156,10 +156,25 @@ TEST_F(Tables, QuiescenceTableKeepsTheLastOfEachSlot) {
                 last = {game, static_cast<int>(random.below(20001)) - 10000, step % 3};
                 qhash_store(game, step % 300, last.score, static_cast<std::uint8_t>(last.bound));
             }
-            const HashEntry* entry = qhash_probe(game);
+            const QhashEntry* entry = qhash_probe(game);
             ASSERT_EQ(entry != nullptr, last.game == game);
             ASSERT_TRUE(entry == nullptr || (entry->score == last.score && entry->bound == last.bound));
         }
+    }
+}
+
+TEST_F(Tables, NothingOutlivesAClearHoweverManyFollow) {
+    hash_allocate(2);
+    qhash_bytes = 1;
+    qhash_allocate();
+    const auto game = with_keys(1, 2);
+    hash_store(game.get(), 1, nullptr, 0, bound_exact);
+    qhash_store(game.get(), 1, 0, bound_exact);
+    for (int clears = 1; clears <= 70000; ++clears) {
+        hash_clear();
+        qhash_clear();
+        ASSERT_EQ(hash_probe(game.get(), 0), nullptr) << clears;
+        ASSERT_EQ(qhash_probe(game.get()), nullptr) << clears;
     }
 }
 

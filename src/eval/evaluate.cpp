@@ -147,22 +147,23 @@ template <Side S> int blocked_centre(const Game& g) {
     return centre_pawn_blocked * popcount((knights_of<S>(g) | bishops_of<S>(g)) & before_pawns);
 }
 
-template <Side S> int pawn_placement(const Game& g) {
+/// In an ending the kings matter to the pawns of either colour: the nearer king protects its own or stops the enemy's.
+template <Side S> int kings_near_pawns(const Game& g) {
+    if (!has_few_men<other(S)>(g)) return 0;
+    const auto& from_own_king = square_distance[king_square_of<S>(g)];
+    const auto& from_enemy_king = square_distance[king_square_of<other(S)>(g)];
     int score = 0;
-    for (Bitboard left = pawns_of<S>(g); left != 0;) score += pawn_squares<S>[pop_first(left)] / 2;
-    if (!has_few_men<other(S)>(g)) return score;
-    // In an ending the kings matter to the pawns of either colour: the nearer king protects its own or stops the
-    // enemy's.
     for (Bitboard left = pawns_of<S>(g); left != 0;) {
         const int square = pop_first(left);
-        score += square_distance[king_square_of<other(S)>(g)][square] - square_distance[king_square_of<S>(g)][square];
+        score += from_enemy_king[square] - from_own_king[square];
     }
     return score;
 }
 
+/// All but the pawns' own squares, which the pawn hash table knows.
 template <Side S> int placement(const Game& g) {
     return king_placement<S>(g) + queen_placement<S>(g) + rook_placement<S>(g) + bishop_placement<S>(g) +
-           knight_placement<S>(g) + blocked_centre<S>(g) + pawn_placement<S>(g);
+           knight_placement<S>(g) + blocked_centre<S>(g) + kings_near_pawns<S>(g);
 }
 
 }  // namespace
@@ -194,13 +195,16 @@ int king_tropism(int code, int square, int king_square) {
     return (7 - square_distance[king_square][square]) * (piece_values[code] / 500 + 1);
 }
 
-int piece_placement(const Game* game) { return placement<Side::white>(*game) - placement<Side::black>(*game); }
+int piece_placement(const Game* game) {
+    return placement<Side::white>(*game) - placement<Side::black>(*game) + pawn_placement(game);
+}
 
 int evaluate(const Game* game, int, int, int) {
     constexpr Side white = Side::white;
     constexpr Side black = Side::black;
     const Game& g = *game;
-    int s = g.material + piece_placement(game) + pawn_terms(game);
+    const PawnScores pawns = score_pawns(game);
+    int s = g.material + placement<white>(g) - placement<black>(g) + pawns.placement + pawns.terms;
     s += open_files<white>(g) - open_files<black>(g);
     s += open_files_beside_king<white>(g) - open_files_beside_king<black>(g);
     s += half_open_files<white>(g) - half_open_files<black>(g);

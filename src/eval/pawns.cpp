@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <limits>
 
+#include "board/divisor.h"
 #include "board/memory.h"
 #include "board/output.h"
 #include "eval/tables.h"
@@ -28,10 +29,10 @@ constexpr int enemy_rook_before_passed_pawn = -30;
 /// Slots written under another generation than the table's count as empty, so that clearing is one increment. Fresh
 /// memory holds generation 0, which is never the table's.
 ZeroedBlock<PawnEntry> pawn_hash_table;
-std::uint64_t pawn_hash_slots = 0;
+Divisor pawn_hash_slots = divisor(1);
 std::uint16_t pawn_hash_generation = 1;
 
-PawnEntry& pawn_slot(const Game& g) { return pawn_hash_table[g.pawn_key % pawn_hash_slots]; }
+PawnEntry& pawn_slot(const Game& g) { return pawn_hash_table[remainder(g.pawn_key, pawn_hash_slots)]; }
 
 // --- Terms, each from the side's own point of view ----------------------------------------------------------------
 
@@ -97,17 +98,28 @@ Bitboard first_on_files(Bitboard pawns, std::uint8_t files) {
     return first;
 }
 
-int score_known_pawns(const Game& g, const PawnEntry& entry) {
-    return entry.score + passed_score<Side::white>(g, first_on_files(g.w_pawns, entry.w_passed)) -
-           passed_score<Side::black>(g, first_on_files(g.b_pawns, entry.b_passed));
+template <Side S> int squares_score(const Game& g) {
+    int score = 0;
+    for (Bitboard left = pawns_of<S>(g); left != 0;) score += pawn_squares<S>[pop_first(left)] / 2;
+    return score;
 }
 
-int score_new_pawns(const Game& g) {
-    const int score = structure<Side::white>(g) - structure<Side::black>(g);
+int passed_score(const Game& g, Bitboard w_passed, Bitboard b_passed) {
+    return passed_score<Side::white>(g, w_passed) - passed_score<Side::black>(g, b_passed);
+}
+
+PawnScores score_known_pawns(const Game& g, const PawnEntry& entry) {
+    const Bitboard w_passed = first_on_files(g.w_pawns, entry.w_passed);
+    const Bitboard b_passed = first_on_files(g.b_pawns, entry.b_passed);
+    return {entry.structure + passed_score(g, w_passed, b_passed), entry.placement};
+}
+
+PawnScores score_new_pawns(const Game& g) {
     const Bitboard w_passed = passed_pawns<Side::white>(g);
     const Bitboard b_passed = passed_pawns<Side::black>(g);
-    pawn_hash_store(&g, score, files_of(w_passed), files_of(b_passed));
-    return score + passed_score<Side::white>(g, w_passed) - passed_score<Side::black>(g, b_passed);
+    pawn_hash_store(&g, structure<Side::white>(g) - structure<Side::black>(g), files_of(w_passed), files_of(b_passed));
+    const PawnEntry& entry = pawn_slot(g);
+    return {entry.structure + passed_score(g, w_passed, b_passed), entry.placement};
 }
 
 }  // namespace
@@ -115,8 +127,9 @@ int score_new_pawns(const Game& g) {
 void pawn_hash_allocate() {
     if (pawn_hash_table != nullptr) return;
     if (phash_bytes > 0) {
-        pawn_hash_slots = std::max<std::uint64_t>(1, static_cast<std::uint64_t>(phash_bytes) / sizeof(PawnEntry));
-        pawn_hash_table = zeroed_block<PawnEntry>(pawn_hash_slots);
+        const std::uint64_t bytes = static_cast<std::uint64_t>(phash_bytes);
+        pawn_hash_slots = divisor(std::max<std::uint64_t>(1, bytes / sizeof(PawnEntry)));
+        pawn_hash_table = zeroed_block<PawnEntry>(pawn_hash_slots.value);
     }
     if (pawn_hash_table == nullptr) {
         say("error:  cannot allocate %d bytes for pawn hash tables.\n", phash_bytes);
@@ -130,7 +143,7 @@ void pawn_hash_clear() {
         return;
     }
     // The stamps have run out: wipe for real and start over.
-    std::fill_n(pawn_hash_table.get(), pawn_hash_slots, PawnEntry{});
+    std::fill_n(pawn_hash_table.get(), pawn_hash_slots.value, PawnEntry{});
     pawn_hash_generation = 1;
 }
 
@@ -139,13 +152,22 @@ const PawnEntry* pawn_hash_probe(const Game* game) {
     return entry.generation == pawn_hash_generation && entry.lock == game->pawn_lock ? &entry : nullptr;
 }
 
-void pawn_hash_store(const Game* game, int score, std::uint8_t w_passed, std::uint8_t b_passed) {
-    pawn_slot(*game) = {score, w_passed, b_passed, pawn_hash_generation, game->pawn_lock};
+void pawn_hash_store(const Game* game, int structure, std::uint8_t w_passed, std::uint8_t b_passed) {
+    pawn_slot(*game) = {static_cast<std::int16_t>(structure),
+                        static_cast<std::int16_t>(pawn_placement(game)),
+                        w_passed,
+                        b_passed,
+                        pawn_hash_generation,
+                        game->pawn_lock};
 }
 
-int pawn_terms(const Game* game) {
+PawnScores score_pawns(const Game* game) {
     const PawnEntry* known = pawn_hash_probe(game);
     return known != nullptr ? score_known_pawns(*game, *known) : score_new_pawns(*game);
 }
+
+int pawn_terms(const Game* game) { return score_pawns(game).terms; }
+
+int pawn_placement(const Game* game) { return squares_score<Side::white>(*game) - squares_score<Side::black>(*game); }
 
 }  // namespace varn

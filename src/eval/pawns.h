@@ -1,6 +1,7 @@
 // Pawn structure: doubled, isolated, backward and passed pawns. What depends on the pawns alone is remembered in the
 // pawn hash table: `pawn_key` chooses the slot, `pawn_lock` confirms the pawns. What a passed pawn is worth depends on
-// the rooks as well, so the table keeps only which files have one.
+// the rooks as well, so the table keeps only which files have one. What the pawns' squares are worth is no part of
+// their structure, but kept with it.
 //
 // The table is one block for the whole process, without a lock: whichever thread searches uses it.
 #pragma once
@@ -14,7 +15,8 @@ extern std::int32_t phash_bytes;
 
 /// One slot, written by the position that came last.
 struct PawnEntry {
-    std::int32_t score;        // doubled, isolated and backward pawns, from white's point of view
+    std::int16_t structure;    // doubled, isolated and backward pawns, from white's point of view
+    std::int16_t placement;    // the pawns' squares, the same
     std::uint8_t w_passed;     // bit n: a white passed pawn on file number n + 1
     std::uint8_t b_passed;     // the same for black
     std::uint16_t generation;  // of the table when the slot was written; of any other the slot counts as empty
@@ -33,11 +35,23 @@ void pawn_hash_clear();
 
 /// The slot of these pawns if it is theirs, else null; valid until the next store.
 const PawnEntry* pawn_hash_probe(const Game* game);
-void pawn_hash_store(const Game* game, int score, std::uint8_t w_passed, std::uint8_t b_passed);
+void pawn_hash_store(const Game* game, int structure, std::uint8_t w_passed, std::uint8_t b_passed);
 
-/// The pawns' score in centipawns from white's point of view. Where the table knows the pawns it scores one passed pawn
-/// a file, the one on the lowest square, and doesn't ask again whether that one is passed; otherwise it scores all of
-/// them. So two pawns of one colour on a file can make the second score of a position differ from its first.
+/// What the pawns score, from white's point of view.
+struct PawnScores {
+    int terms;      // structure and passed pawns
+    int placement;  // their squares
+};
+
+/// Where the table knows the pawns, their terms score one passed pawn a file, the one on the lowest square, and don't
+/// ask again whether that one is passed; otherwise they score all of them. So two pawns of one colour on a file can
+/// make the second score of a position differ from its first.
+PawnScores score_pawns(const Game* game);
+
+/// The terms alone.
 int pawn_terms(const Game* game);
+
+/// The placement worked out anew, without the table.
+int pawn_placement(const Game* game);
 
 }  // namespace varn

@@ -79,10 +79,10 @@ struct PickedNode {
 
 /// Makes a move that is known to be legal and hands it out.
 const Move* hand_out(const PickedNode& node, Picker& picker, Move move) {
+    prefetch_child(node.game, move);
     save_undo(node.game, move, node.ply);
     search_stack[node.ply] = {move, node.game->cells[move.to]};
     make_and_push(node.game, move);
-    prefetch_hashes(node.game);
     picker.current = move;
     return &picker.current;
 }
@@ -92,7 +92,6 @@ const Move* try_move(const PickedNode& node, Picker& picker, Move move) {
     UndoRecord* undo = save_undo(node.game, node.ply);
     if (!make_if_legal(node.game, move, node.ply, picker.restraints, undo)) return nullptr;
     push_keys(node.game);
-    prefetch_hashes(node.game);
     search_stack[node.ply].move = move;
     picker.current = move;
     return &picker.current;
@@ -117,6 +116,7 @@ const Move* pick_capture(const PickedNode& node, Picker& picker, int lowest_scor
         if (captures.list.scores[captures.next] < lowest_score) return nullptr;
         const Move move = captures.list.moves[captures.next++];
         if (picker.hash_move.is(move)) continue;
+        prefetch_child(node.game, move);
         if (const Move* made = try_move(node, picker, move)) return made;
     }
     return nullptr;
@@ -132,11 +132,19 @@ const Move* pick_promotion(const PickedNode& node, Picker& picker) {
     return nullptr;
 }
 
+/// Brings the best quiet move that is left to the front and fetches its child's slots: they are on their way while the
+/// move before it is searched.
+void look_ahead(const PickedNode& node, Supply& quiets) {
+    if (quiets.empty()) return;
+    pick_best(&quiets.list, quiets.next);
+    prefetch_child(node.game, quiets.list.moves[quiets.next]);
+}
+
 const Move* pick_quiet(const PickedNode& node, Picker& picker) {
     Supply& quiets = picker.quiets;
     while (!quiets.empty()) {
-        pick_best(&quiets.list, quiets.next);
         const Move move = quiets.list.moves[quiets.next++];
+        look_ahead(node, quiets);
         if (picker.hash_move.is(move) || picker.killer_one.is(move) || picker.killer_two.is(move)) continue;
         if (const Move* made = try_move(node, picker, move)) return made;
     }
@@ -238,6 +246,7 @@ const Move* next_move(Game* game, int ply, int alpha, int beta, int depth, int l
             [[fallthrough]];
         case Stage::make_quiets:
             fill_quiets(node, picker.quiets.list);
+            look_ahead(node, picker.quiets);
             picker.stage = Stage::quiets;
             [[fallthrough]];
         case Stage::quiets:

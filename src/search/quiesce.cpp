@@ -37,7 +37,7 @@ int promise(const Game* game, Move move, int wanted) {
     return piece_values[game->cells[move.to]] < wanted ? hopeless : exchange_gain(game, move);
 }
 
-bool answers(const HashEntry& entry, int alpha, int beta) {
+bool answers(const QhashEntry& entry, int alpha, int beta) {
     if (entry.bound == bound_upper) return entry.score <= alpha;
     if (entry.bound == bound_lower) return entry.score >= beta;
     return true;
@@ -58,18 +58,19 @@ int static_score(Game* game, const Restraints& restraints, const SearchFrame& fr
     return game->turn == 0 ? score : -score;
 }
 
-// Two walks, the first of which looks at several scores at once.
+// Which move is best nobody can foretell, the processor least of all: a walk without a branch. Score and place are
+// compared as one number, the score in front, and the earlier place counting for more.
 void pick_best(MoveList* list, int index) {
     constexpr int passed_over = -9999;
-    const int* const scores = list->scores.begin();
-    int best_score = passed_over;
-    for (int i = index; i < list->count; ++i) best_score = std::max(best_score, scores[i]);
-    if (best_score == passed_over) return;
-    int best = index;
-    while (scores[best] != best_score) ++best;
-    if (best == index) return;
-    std::swap(list->scores[best], list->scores[index]);
-    std::swap(list->moves[best], list->moves[index]);
+    constexpr int place_range = 1024;
+    static_assert(place_range > MoveList::capacity);
+    const auto ranked = [](std::int64_t score, int place) { return score * place_range + (place_range - 1 - place); };
+    std::int64_t best = ranked(passed_over, 0);
+    for (int i = index; i < list->count; ++i) best = std::max(best, ranked(list->scores[i], i));
+    if (best == ranked(passed_over, 0)) return;
+    const auto place = static_cast<int>(place_range - 1 - (best & (place_range - 1)));
+    std::swap(list->scores[place], list->scores[index]);
+    std::swap(list->moves[place], list->moves[index]);
 }
 
 int quiesce(Game* game, int alpha, int beta, SearchFrame frame) {
@@ -77,7 +78,7 @@ int quiesce(Game* game, int alpha, int beta, SearchFrame frame) {
     ++quiescent_nodes;
     if (insufficient_material(game)) return 0;
     if (!clock_ok()) return abort_score;
-    if (const HashEntry* known = qhash_probe(game); known != nullptr && answers(*known, alpha, beta)) {
+    if (const QhashEntry* known = qhash_probe(game); known != nullptr && answers(*known, alpha, beta)) {
         return known->score;
     }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "board/divisor.h"
 #include "board/memory.h"
 #include "board/output.h"
 #include "board/zobrist.h"
@@ -20,40 +21,49 @@ constexpr std::int8_t empty_depth = -1;
 constexpr std::uint8_t empty_bound = 255;
 constexpr std::int32_t etc_bonus = 1000000;  // above any history score that the list could hold instead
 
+/// What an entry counts for in the settings and in the report. It takes less, but equal settings mean equal numbers of
+/// entries for good, and so equal searches.
+constexpr std::uint64_t reckoned_bytes = 40;
+
 /// A block of slots. A slot written under another generation than the table's counts as empty, so that clearing is one
 /// increment; fresh memory holds generation 0, which is never the table's.
-struct HashTable {
-    ZeroedBlock<HashEntry> slots;
-    std::uint64_t entries = 0;
-    std::uint32_t generation = 1;
+template <typename Entry> struct HashTable {
+    ZeroedBlock<Entry> slots;
+    Divisor entries = divisor(1);
+    std::uint16_t generation = 1;
+
+    Entry& slot(std::uint64_t key) { return slots[remainder(key, entries)]; }
 };
 
-HashTable transposition_table;
-HashTable quiescence_table;
+HashTable<HashEntry> transposition_table;
+HashTable<QhashEntry> quiescence_table;
 
-void clear(HashTable& table) {
-    if (table.generation < std::numeric_limits<std::uint32_t>::max()) {
+template <typename Entry> void clear(HashTable<Entry>& table) {
+    if (table.generation < std::numeric_limits<std::uint16_t>::max()) {
         ++table.generation;
         return;
     }
-    // The stamps have run out once in four thousand million clears: wipe for real and start over.
-    for (std::uint64_t i = 0; i < table.entries; ++i) table.slots[i] = HashEntry{};
+    // The stamps have run out: wipe for real and start over.
+    std::fill_n(table.slots.get(), table.entries.value, Entry{});
     table.generation = 1;
 }
 
 /// Whether the table now has this many entries.
-bool allocate(HashTable& table, std::uint64_t entries) {
-    if (entries == table.entries) {
+template <typename Entry> bool allocate(HashTable<Entry>& table, std::uint64_t entries) {
+    if (table.slots != nullptr && entries == table.entries.value) {
         clear(table);
         return true;
     }
     table.slots.reset();
-    table.entries = 0;
-    table.slots = zeroed_block<HashEntry>(entries);
+    table.slots = zeroed_block<Entry>(entries);
     if (table.slots == nullptr) return false;
-    table.entries = entries;
+    table.entries = divisor(entries);
     table.generation = 1;
     return true;
+}
+
+template <typename Entry> void make_real(const HashTable<Entry>& table) {
+    make_real(table.slots.get(), table.entries.value * sizeof(Entry));
 }
 
 [[noreturn]] void refuse(const char* message) {
@@ -61,13 +71,12 @@ bool allocate(HashTable& table, std::uint64_t entries) {
     std::exit(1);
 }
 
-std::uint64_t slot_index(const HashTable& table, std::uint64_t key) { return key % table.entries; }
-
 /// The slot of a key, emptied first if what it holds was cleared away.
-HashEntry& live_slot(HashTable& table, std::uint64_t key) {
-    HashEntry& entry = table.slots[slot_index(table, key)];
+HashEntry& live_slot(std::uint64_t key) {
+    HashTable<HashEntry>& table = transposition_table;
+    HashEntry& entry = table.slot(key);
     if (entry.generation != table.generation) {
-        entry = {{0, 0, 0}, empty_score, empty_depth, empty_bound, table.generation, 0, 0, 0, 0};
+        entry = {0, 0, empty_score, 0, {0, 0, 0}, 0, empty_depth, empty_bound, table.generation};
     }
     return entry;
 }
@@ -81,7 +90,7 @@ void take_credit(HashEntry& entry) {
 }
 
 HashEntry* probe(PositionKeys keys, int depth) {
-    HashEntry& entry = live_slot(transposition_table, keys.key);
+    HashEntry& entry = live_slot(keys.key);
     if (entry.depth < depth || entry.lock != keys.lock) {
         take_credit(entry);
         return nullptr;
@@ -166,32 +175,30 @@ void hash_allocate(int bits) {
 
 void qhash_allocate() {
     const std::uint64_t bytes = qhash_bytes > 0 ? static_cast<std::uint64_t>(qhash_bytes) : 0;
-    const std::uint64_t entries = std::max<std::uint64_t>(1, bytes / sizeof(HashEntry));
+    const std::uint64_t entries = std::max<std::uint64_t>(1, bytes / reckoned_bytes);
     if (bytes == 0 || !allocate(quiescence_table, entries)) refuse("error: out of memory.\n");
 }
 
 void make_tables_real() {
-    for (HashTable* table : {&transposition_table, &quiescence_table}) {
-        make_real(table->slots.get(), table->entries * sizeof(HashEntry));
-    }
+    make_real(transposition_table);
+    make_real(quiescence_table);
 }
 
 void hash_clear() { clear(transposition_table); }
 void qhash_clear() { clear(quiescence_table); }
 
-void prefetch_hashes(const Game* game) {
-    prefetch(transposition_table.slots[slot_index(transposition_table, game->zobrist_key)]);
-    prefetch_qhash(game);
+void prefetch_child(const Game* game, Move move) {
+    const std::uint64_t key = child_keys(game, move).key;
+    prefetch(transposition_table.slot(key));
+    prefetch(quiescence_table.slot(key));
 }
 
-void prefetch_qhash(const Game* game) {
-    prefetch(quiescence_table.slots[slot_index(quiescence_table, game->zobrist_key)]);
-}
+void prefetch_qhash(const Game* game) { prefetch(quiescence_table.slot(game->zobrist_key)); }
 
 HashEntry* hash_probe(const Game* game, int depth) { return probe(keys_of(*game), depth); }
 
 void hash_store(const Game* game, int depth, const Move* move, int score, std::uint8_t bound) {
-    HashEntry& entry = live_slot(transposition_table, game->zobrist_key);
+    HashEntry& entry = live_slot(game->zobrist_key);
     if (entry.lock != game->zobrist_lock) {
         if (entry.credit > 0) {
             take_credit(entry);
@@ -209,14 +216,14 @@ void hash_store(const Game* game, int depth, const Move* move, int score, std::u
     entry.bound = bound;
 }
 
-HashEntry* qhash_probe(const Game* game) {
-    HashEntry& entry = quiescence_table.slots[slot_index(quiescence_table, game->zobrist_key)];
+QhashEntry* qhash_probe(const Game* game) {
+    QhashEntry& entry = quiescence_table.slot(game->zobrist_key);
     const bool known = entry.generation == quiescence_table.generation && entry.lock == game->zobrist_lock;
     return known ? &entry : nullptr;
 }
 
 void qhash_store(const Game* game, int line_ply, int score, std::uint8_t bound) {
-    HashEntry& entry = quiescence_table.slots[slot_index(quiescence_table, game->zobrist_key)];
+    QhashEntry& entry = quiescence_table.slot(game->zobrist_key);
     entry.generation = quiescence_table.generation;
     entry.lock = game->zobrist_lock;
     entry.score = score;
@@ -233,7 +240,7 @@ bool enhanced_transposition(const Game* game, MoveList* list, int wanted_depth, 
     for (int i = 0; i < list->count; ++i) {
         list->scores[i] = 0;
         keys[i] = child_keys(game, list->moves[i]);
-        prefetch(transposition_table.slots[slot_index(transposition_table, keys[i].key)]);
+        prefetch(transposition_table.slot(keys[i].key));
     }
     for (int i = 0; i < list->count; ++i) {
         const HashEntry* child = probe(keys[i], wanted_depth);
@@ -246,14 +253,14 @@ bool enhanced_transposition(const Game* game, MoveList* list, int wanted_depth, 
 }
 
 void print_hash_stats() {
-    const HashTable& table = transposition_table;
+    const HashTable<HashEntry>& table = transposition_table;
     std::uint64_t used = 0;
-    for (std::uint64_t i = 0; i < table.entries; ++i) {
+    for (std::uint64_t i = 0; i < table.entries.value; ++i) {
         if (table.slots[i].generation == table.generation && table.slots[i].lock != 0) ++used;
     }
-    const std::uint64_t all = std::max<std::uint64_t>(1, table.entries);
+    const std::uint64_t all = std::max<std::uint64_t>(1, table.entries.value);
     say("Transposition table usage: %d%%\n", static_cast<int>(used * 100 / all));
-    say("Transposition table size (bytes): %s\n", std::to_string(table.entries * sizeof(HashEntry)).c_str());
+    say("Transposition table size (bytes): %s\n", std::to_string(table.entries.value * reckoned_bytes).c_str());
 }
 
 }  // namespace varn

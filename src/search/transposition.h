@@ -1,6 +1,7 @@
-// Two tables of one record that remember positions by their keys. The transposition table serves the search: a bound
-// with its depth and a best move, replaced by credits. The quiescence table serves quiescence: a bound without a depth,
-// always replaced. `zobrist_key` chooses the slot, `zobrist_lock` confirms the position.
+// Two tables that remember positions by their keys. The transposition table serves the search: a bound with its depth
+// and a best move, replaced by credits. The quiescence table serves quiescence: a bound without a depth, always
+// replaced. `zobrist_key` chooses the slot, `zobrist_lock` confirms the position. Both are read all over, and nearly
+// every look waits for memory: entries are small and never lie across two lines of the cache.
 //
 // A slot's credit is its right to stay: a new entry starts with its depth squared, hits add to it, misses and refused
 // stores take from it, and only a slot without credit can be taken over.
@@ -15,23 +16,34 @@ inline constexpr std::uint8_t bound_exact = 0;
 inline constexpr std::uint8_t bound_upper = 1;
 inline constexpr std::uint8_t bound_lower = 2;
 
-struct HashEntry {
-    Move move;  // valid only if has_move is 1
-    std::int32_t score;
-    std::int8_t depth;  // in the quiescence table the distance from the root, which nobody asks
-    std::uint8_t bound;
-    std::uint32_t generation;  // of the table when the slot was last in use; of any other the slot counts as empty
+struct alignas(32) HashEntry {
     std::uint64_t lock;
     std::uint64_t key;
-    std::uint8_t has_move;
+    std::int32_t score;
     std::int32_t credit;
+    Move move;  // valid only if has_move is 1
+    std::uint8_t has_move;
+    std::int8_t depth;
+    std::uint8_t bound;
+    std::uint16_t generation;  // of the table when the slot was last in use; of any other the slot counts as empty
 };
-static_assert(sizeof(HashEntry) == 40);
+static_assert(sizeof(HashEntry) == 32);
+
+/// The same for the quiescence table, as far as it keeps any.
+struct alignas(16) QhashEntry {
+    std::uint64_t lock;
+    std::int32_t score;
+    std::uint8_t bound;
+    std::int8_t depth;  // the distance from the root, which nobody asks
+    std::uint16_t generation;
+};
+static_assert(sizeof(QhashEntry) == 16);
 
 /// Allocates (1 << bits) - 1 empty entries and frees the block before; the same size again is cleared instead. Where
 /// bits lies outside 1..30, or memory doesn't suffice, ends the process with a message and status 1.
 void hash_allocate(int bits);
-/// The same for `qhash_bytes`, at least one entry for a positive number; a negative one ends the process, too.
+/// The same for `qhash_bytes`, an entry for each 40 of them and at least one for a positive number; a negative one ends
+/// the process, too.
 void qhash_allocate();
 /// Waits for the memory of both tables now instead of in the first searches, where a clock may be running. Entries
 /// stay.
@@ -47,11 +59,13 @@ HashEntry* hash_probe(const Game* game, int depth);
 /// The score is the side to move's; `move` may be null. Refused by a slot that holds another position with credit left.
 void hash_store(const Game* game, int depth, const Move* move, int score, std::uint8_t bound);
 
-/// Fetches the slots of the present position in both tables: to be called as soon as its keys are known.
-void prefetch_hashes(const Game* game);
+/// Fetches the slots of the position after a pseudo-legal move: to be called as soon as the move is likely to be made.
+/// Memory takes as long to answer as a whole node takes.
+void prefetch_child(const Game* game, Move move);
+/// The slot of the present position in the quiescence table alone.
 void prefetch_qhash(const Game* game);
 
-HashEntry* qhash_probe(const Game* game);
+QhashEntry* qhash_probe(const Game* game);
 void qhash_store(const Game* game, int line_ply, int score, std::uint8_t bound);
 
 /// Both keys of the position after a pseudo-legal move, as make would leave them; changes nothing.
