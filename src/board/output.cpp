@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <string>
 
+#include "board/file.h"
+
 namespace varn {
 
 namespace {
@@ -26,6 +28,13 @@ extern "C" void end_if_unheard(int) {
     pollfd output = {STDOUT_FILENO, 0, 0};
     if (poll(&output, 1, 0) == 1 && (output.revents & (POLLERR | POLLHUP)) != 0) _exit(0);
     errno = interrupted_error;
+}
+
+/// A file that the process opens must not come to stand where standard input or output is missing.
+void fill_missing_descriptors() {
+    int opened = 0;
+    while (opened >= 0 && opened < STDERR_FILENO) opened = open("/dev/null", O_RDWR);
+    if (opened > STDERR_FILENO) close(opened);
 }
 
 }  // namespace
@@ -44,7 +53,7 @@ void end_when_unheard() {
 }
 
 void set_up_output() {
-    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    fill_missing_descriptors();
     std::signal(SIGPIPE, SIG_DFL);
 }
 
@@ -63,6 +72,16 @@ void say(const char* format, ...) {
     va_end(again);
 }
 
-void say_text(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+// Where output fails for good there is nobody left to tell.
+void say_text(std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(STDOUT_FILENO, text.data(), text.size());
+        if (written >= 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (!wait_until_ready(STDOUT_FILENO, POLLOUT)) {
+            return;
+        }
+    }
+}
 
 }  // namespace varn

@@ -70,12 +70,13 @@ bool write_whole_file(const std::string& file_name, std::string_view text) {
     return false;
 }
 
-void dump_patterns(const std::string& file_name, const PatternList& list) {
-    if (write_whole_file(file_name, file_text(list))) {
-        say("finished dumping %s\n", file_name.c_str());
-    } else {
+bool dump_patterns(const std::string& file_name, const PatternList& list) {
+    if (!write_whole_file(file_name, file_text(list))) {
         say_text("error: cannot output evalubase file.\n");
+        return false;
     }
+    say("finished dumping %s\n", file_name.c_str());
+    return true;
 }
 
 std::string board_number(Bitboard board) {

@@ -29,8 +29,8 @@ std::optional<LoadedPositions> load_positions(const char* file_name, Game* game)
 bool write_whole_file(const std::string& file_name, std::string_view text);
 
 /// A line with the number of boxes and the side, then a line for every box: its boards as `board_number` writes them
-/// and the result. Says that the file was written, or that it couldn't be.
-void dump_patterns(const std::string& file_name, const PatternList& list);
+/// and the result. Says that the file was written, or that it couldn't be, and returns which.
+bool dump_patterns(const std::string& file_name, const PatternList& list);
 
 /// The high half of the board as a decimal number, left out where it is 0, and the low half, with nothing between them.
 std::string board_number(Bitboard board);
