@@ -57,6 +57,19 @@ void set_up_output() {
     std::signal(SIGPIPE, SIG_DFL);
 }
 
+// Where output fails for good there is nobody left to tell.
+void say_text(std::string_view text) {
+    std::size_t said = 0;
+    while (said < text.size()) {
+        const ssize_t written = write(STDOUT_FILENO, text.data() + said, text.size() - said);
+        if (written >= 0) {
+            said += static_cast<std::size_t>(written);
+        } else if (!wait_until_ready(STDOUT_FILENO, POLLOUT)) {
+            return;
+        }
+    }
+}
+
 void say(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
@@ -70,18 +83,6 @@ void say(const char* format, ...) {
         say_text(text);
     }
     va_end(again);
-}
-
-// Where output fails for good there is nobody left to tell.
-void say_text(std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(STDOUT_FILENO, text.data(), text.size());
-        if (written >= 0) {
-            text.remove_prefix(static_cast<std::size_t>(written));
-        } else if (!wait_until_ready(STDOUT_FILENO, POLLOUT)) {
-            return;
-        }
-    }
 }
 
 }  // namespace varn
