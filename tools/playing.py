@@ -1,7 +1,9 @@
 """What the programs that play games of Varn share."""
 
+import os
 import pathlib
 import re
+import select
 import shutil
 import subprocess
 import sys
@@ -10,6 +12,69 @@ import tempfile
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 # How Varn and xboard announce the end of a game.
 RESULT = re.compile(r"(1-0|0-1|1/2-1/2) \{.*\}")
+PATIENCE = 120  # seconds for one answer, on a busy machine and under a sanitizer
+
+
+class Fault(Exception):
+    """A program that doesn't answer, or not as it should."""
+
+
+class Child:
+    """A program that is spoken to line by line."""
+
+    def __init__(self, command, folder):
+        self.errors = open(folder / "errors", "wb")
+        environment = dict(os.environ, PATH=os.environ["PATH"] + ":/usr/games")
+        self.process = subprocess.Popen(command, cwd=folder, env=environment, stdin=subprocess.PIPE,
+                                        stdout=subprocess.PIPE, stderr=self.errors, start_new_session=True)
+        self.folder, self.unread = folder, b""
+
+    def send(self, *lines):
+        try:
+            os.write(self.process.stdin.fileno(), ("\n".join(lines) + "\n").encode())
+        except BrokenPipeError:
+            pass  # the end of the output tells
+
+    def read(self):
+        while b"\n" not in self.unread:
+            ready, _, _ = select.select([self.process.stdout], [], [], PATIENCE)
+            if not ready:
+                self.process.kill()
+                self.process.wait()
+                raise Fault("no answer within %d s" % PATIENCE)
+            more = os.read(self.process.stdout.fileno(), 1 << 16)
+            if not more:
+                raise Fault("ended with status %d" % self.process.wait())
+            self.unread += more
+        line, self.unread = self.unread.split(b"\n", 1)
+        return line.decode(errors="replace")
+
+    def read_until(self, pattern):
+        """All lines up to the first that matches, which is the last one."""
+        lines = [self.read()]
+        while not re.match(pattern, lines[-1]):
+            lines.append(self.read())
+        return lines
+
+    def end(self):
+        """Gives what is to be said against the way in which the program ended."""
+        faults = []
+        self.send("quit")
+        try:
+            status = self.process.wait(PATIENCE)
+            faults += ["ended with status %d" % status] if status != 0 else []
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            faults.append("didn't end")
+        for stream in [self.process.stdin, self.process.stdout, self.errors]:
+            stream.close()
+        errors = (self.folder / "errors").read_text(errors="replace").split("\n")
+        return faults + (["on the error stream: " + errors[0]] if errors != [""] else [])
+
+    def resident(self):
+        """In megabytes."""
+        with open("/proc/%d/status" % self.process.pid) as status:
+            return int(re.search(r"VmRSS:\s+(\d+) kB", status.read())[1]) / 1024
 
 
 def add_engine_options(parser):

@@ -9,8 +9,9 @@
 
 namespace varn {
 
+/// For files that are read: one that is written must be closed by hand, since that may fail.
 struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
+    void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 

@@ -54,7 +54,7 @@ void end_when_unheard() {
 
 void set_up_output() {
     fill_missing_descriptors();
-    std::signal(SIGPIPE, SIG_DFL);
+    static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
 }
 
 // Where output fails for good there is nobody left to tell.
@@ -70,6 +70,7 @@ void say_text(std::string_view text) {
     }
 }
 
+// NOLINTNEXTLINE(cert-dcl50-cpp): it takes what `printf` takes, and the compiler checks its arguments.
 void say(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
@@ -79,7 +80,7 @@ void say(const char* format, ...) {
     va_end(arguments);
     if (length > 0) {
         std::string text(static_cast<std::size_t>(length), '\0');
-        std::vsnprintf(text.data(), text.size() + 1, format, again);
+        static_cast<void>(std::vsnprintf(text.data(), text.size() + 1, format, again));
         say_text(text);
     }
     va_end(again);

@@ -45,11 +45,11 @@ void anneal_with_progress(PatternList& list, std::uint64_t moves, Choices& choic
         if (!is_watched || (seconds_since(last_told) < 1 && done < moves)) continue;
         last_told = Clock::now();
         const auto million = [](double number) { return number / 1e6; };
-        std::fprintf(stderr, "\r%.0f of %.0f million moves, %u boxes, %.1f million moves/s ",
-                     million(static_cast<double>(done)), million(static_cast<double>(moves)), list.count(),
-                     million(static_cast<double>(done) / seconds_since(start)));
+        static_cast<void>(std::fprintf(stderr, "\r%.0f of %.0f million moves, %u boxes, %.1f million moves/s ",
+                                       million(static_cast<double>(done)), million(static_cast<double>(moves)),
+                                       list.count(), million(static_cast<double>(done) / seconds_since(start))));
     }
-    if (is_watched) std::fputc('\n', stderr);
+    if (is_watched) static_cast<void>(std::fputc('\n', stderr));
 }
 
 /// Gives null, with a message, where there is nothing to anneal.

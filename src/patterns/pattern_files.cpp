@@ -66,7 +66,7 @@ std::optional<LoadedPositions> load_positions(const char* file_name, Game* game)
 bool write_whole_file(const std::string& file_name, std::string_view text) {
     const std::string unfinished = file_name + ".tmp";
     if (write_file(unfinished, text) && std::rename(unfinished.c_str(), file_name.c_str()) == 0) return true;
-    std::remove(unfinished.c_str());
+    static_cast<void>(std::remove(unfinished.c_str()));  // there may be none
     return false;
 }
 
