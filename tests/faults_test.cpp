@@ -45,7 +45,7 @@ TEST(Faults, WithoutMemoryTheProcessEndsWithALine) {
         {{{"varn.ini", "hash 9\nqhash 5000000"}}, "error: out of memory.\n"},
         {{{"varn.ini", "hash 9\nqhash 40\nphash 5000000"}},
          "error:  cannot allocate 5000000 bytes for pawn hash tables.\n"},
-        {{{"varn.ini", "hash 9\nqhash 40"}, {"suite", std::string(9'000'000, ' ')}},
+        {{{"varn.ini", "hash 9\nqhash 40"}, {"suite", repeated(9'000'000, " ")}},
          "Varn> running test suite: suite\nerror: out of memory.\n"},
     };
     for (const auto& [files, output] : cases) {
