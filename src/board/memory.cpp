@@ -28,13 +28,25 @@ void prefer_large_pages([[maybe_unused]] void* block, [[maybe_unused]] std::uint
 #endif
 }
 
+/// Blocks from this size on are made real when they are allocated. While a page comes into being the search waits: with
+/// a small table that is over after a few moments, with a large one the first moves of a game would have no time left.
+constexpr std::uint64_t lazy_bytes = 256 << 20;
+
 }  // namespace
 
 void* zeroed_bytes(std::uint64_t bytes) {
     if (!fits_in_memory(bytes)) return nullptr;
     void* block = std::calloc(1, bytes);
-    if (block != nullptr) prefer_large_pages(block, bytes);
+    if (block == nullptr) return nullptr;
+    prefer_large_pages(block, bytes);
+    if (bytes >= lazy_bytes) make_real(block, bytes);
     return block;
+}
+
+void make_real(void* block, std::uint64_t bytes) {
+    const auto page_bytes = static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE));
+    auto* first = static_cast<volatile char*>(block);
+    for (std::uint64_t offset = 0; offset < bytes; offset += page_bytes) first[offset] = first[offset];
 }
 
 }  // namespace varn

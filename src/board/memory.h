@@ -1,4 +1,5 @@
-// Memory for the large tables: zeroed, and real only where it is touched, so that a table costs nothing before its use.
+// Memory for the large tables: zeroed, and, up to a few hundred megabytes, real only where it is touched, so that a
+// table of a common size costs nothing before its use.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +13,9 @@ namespace varn {
 
 /// Zeroed bytes for `std::free`; null if there isn't enough memory.
 void* zeroed_bytes(std::uint64_t bytes);
+
+/// Touches every page of a block, so that no later use of it waits for memory. What the block holds stays.
+void make_real(void* block, std::uint64_t bytes);
 
 /// Asks for the memory of a record that is soon to be read, so that it is on its way while other work goes on.
 template <typename T> void prefetch(const T& record) {

@@ -22,6 +22,7 @@
 #include "search/draws.h"
 #include "search/settings.h"
 #include "search/think.h"
+#include "search/transposition.h"
 
 namespace varn {
 
@@ -252,6 +253,7 @@ Protocol start_protocol(std::unique_ptr<Game> game) {
     xboard_mode = 1;
     post_thinking = 0;
     predicted_valid = 0;
+    make_tables_real();
     return {std::move(game), false, pondering_enabled != 0};
 }
 

@@ -170,6 +170,12 @@ void qhash_allocate() {
     if (bytes == 0 || !allocate(quiescence_table, entries)) refuse("error: out of memory.\n");
 }
 
+void make_tables_real() {
+    for (HashTable* table : {&transposition_table, &quiescence_table}) {
+        make_real(table->slots.get(), table->entries * sizeof(HashEntry));
+    }
+}
+
 void hash_clear() { clear(transposition_table); }
 void qhash_clear() { clear(quiescence_table); }
 

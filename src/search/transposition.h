@@ -33,6 +33,9 @@ static_assert(sizeof(HashEntry) == 40);
 void hash_allocate(int bits);
 /// The same for `qhash_bytes`, at least one entry for a positive number; a negative one ends the process, too.
 void qhash_allocate();
+/// Waits for the memory of both tables now instead of in the first searches, where a clock may be running. Entries
+/// stay.
+void make_tables_real();
 
 /// Empties every slot. Costs nothing, however large the table.
 void hash_clear();
