@@ -120,15 +120,23 @@ TEST(Faults, PatternsThatCannotBeWrittenAreKept) {
     std::filesystem::create_directory(folder);
     std::filesystem::current_path(folder);
     std::ofstream("kpkbb") << "8/8/8/8/8/8/7P/5k1K w - -\t0\n";
-    std::filesystem::create_symlink("/dev/full", "wkpk.eb.tmp");
-    testing::internal::CaptureStdout();
     const auto game = new_game(false);
-    const PatternList* patterns = anneal_kpk(game.get(), 1000);
+    const PatternList* patterns = nullptr;
+    const auto anneal = [&] {
+        testing::internal::CaptureStdout();
+        patterns = anneal_kpk(game.get(), 1000);
+        return testing::internal::GetCapturedStdout();
+    };
+    const std::string error = "error: cannot output evalubase file.\n";
+    std::filesystem::create_symlink("/dev/full", "wkpk.eb.tmp");  // no room: it is seen before the work begins
+    EXPECT_TRUE(anneal().ends_with("\nshuffling...\n" + error));
+    EXPECT_EQ(patterns, nullptr);
+    std::filesystem::create_directories("wkpk.eb/in the way");
+    EXPECT_TRUE(anneal().ends_with("\nstarting annealing process...\n" + error));
     EXPECT_TRUE(patterns_are_unwritten());
-    EXPECT_TRUE(testing::internal::GetCapturedStdout().ends_with("\nerror: cannot output evalubase file.\n"));
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(anneal_kpk(game.get(), 1000), patterns);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "finished dumping wkpk.eb\n");
+    EXPECT_NE(patterns, nullptr);
+    std::filesystem::remove_all("wkpk.eb");
+    EXPECT_EQ(anneal(), "finished dumping wkpk.eb\n");
     EXPECT_FALSE(patterns_are_unwritten());
     EXPECT_EQ(std::filesystem::file_size("wkpk.eb"), std::string_view("1 w\n1 256 4 0\n").size());
     std::filesystem::current_path(before);

@@ -26,7 +26,7 @@ class Child:
         self.errors = open(folder / "errors", "wb")
         environment = dict(os.environ, PATH=os.environ["PATH"] + ":/usr/games")
         self.process = subprocess.Popen(command, cwd=folder, env=environment, stdin=subprocess.PIPE,
-                                        stdout=subprocess.PIPE, stderr=self.errors, start_new_session=True)
+                                        stdout=subprocess.PIPE, stderr=self.errors, process_group=0)
         self.folder, self.unread = folder, b""
 
     def send(self, *lines):

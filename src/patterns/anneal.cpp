@@ -73,6 +73,10 @@ std::unique_ptr<PatternList> anneal_file(Game* game, std::uint64_t moves) {
     say_text("shuffling...\n");
     shuffle(positions->drawn, choices);
     auto list = std::make_unique<PatternList>(positions->drawn, positions->lines);
+    if (!can_dump_patterns(patterns_file_name, *list)) {
+        say_text(cannot_dump_text);
+        return nullptr;
+    }
     say_text("starting annealing process...\n");
     anneal_with_progress(*list, moves, choices, acceptance);
     return list;

@@ -14,6 +14,7 @@ namespace varn {
 // Both in the working directory.
 inline constexpr const char* positions_file_name = "kpkbb";
 inline constexpr const char* patterns_file_name = "wkpk.eb";
+inline constexpr std::string_view cannot_dump_text = "error: cannot output evalubase file.\n";
 
 struct LoadedPositions {
     std::vector<Pattern> drawn;  // one box for each position with result 0, in the file's order
@@ -27,6 +28,9 @@ std::optional<LoadedPositions> load_positions(const char* file_name, Game* game)
 
 /// Writes a file that comes into being as a whole or not at all; returns whether it did.
 bool write_whole_file(const std::string& file_name, std::string_view text);
+
+/// Whether the list could be written as it stands: a run finds out before it begins.
+bool can_dump_patterns(const std::string& file_name, const PatternList& list);
 
 /// A line with the number of boxes and the side, then a line for every box: its boards as `board_number` writes them
 /// and the result. Says that the file was written, or that it couldn't be, and returns which.
