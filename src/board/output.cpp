@@ -30,13 +30,6 @@ extern "C" void end_if_unheard(int) {
     errno = interrupted_error;
 }
 
-/// A file that the process opens must not come to stand where standard input or output is missing.
-void fill_missing_descriptors() {
-    int opened = 0;
-    while (opened >= 0 && opened < STDERR_FILENO) opened = open("/dev/null", O_RDWR);
-    if (opened > STDERR_FILENO) close(opened);
-}
-
 }  // namespace
 
 void end_when_unheard() {
@@ -53,7 +46,6 @@ void end_when_unheard() {
 }
 
 void set_up_output() {
-    fill_missing_descriptors();
     static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
 }
 

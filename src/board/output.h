@@ -6,8 +6,7 @@
 namespace varn {
 
 /// A text that nobody is left to read ends the process, whatever signals it was started to ignore; what it does without
-/// a word, it still does to the end. Where the process was started without a standard input or output, it has an empty
-/// one.
+/// a word, it still does to the end.
 void set_up_output();
 
 /// From now on the process ends, with status 0, as soon as nobody is left to read from the pipe that is its standard
