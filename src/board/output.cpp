@@ -45,9 +45,7 @@ void end_when_unheard() {
     end_if_unheard(SIGIO);  // what happened before
 }
 
-void set_up_output() {
-    static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
-}
+void set_up_output() { static_cast<void>(std::signal(SIGPIPE, SIG_DFL)); }
 
 // Where output fails for good there is nobody left to tell.
 void say_text(std::string_view text) {
