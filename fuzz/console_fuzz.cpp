@@ -50,6 +50,6 @@ void run_input(std::string_view input) {
             }
         },
         {});
-    std::fclose(stdin);
+    static_cast<void>(std::fclose(stdin));
     stdin = terminal;
 }

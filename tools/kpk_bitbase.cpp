@@ -41,7 +41,8 @@ bool run(std::string_view task, const char* moves) {
     if (task.empty()) return write_bitbase();
     if (task == "check") return check();
     if (task == "anneal" && moves != nullptr) {
-        return anneal_kpk(new_game(false).get(), std::strtoull(moves, nullptr, 10)) != nullptr;
+        const auto* patterns = anneal_kpk(new_game(false).get(), std::strtoull(moves, nullptr, 10));
+        return patterns != nullptr && !patterns_are_unwritten();
     }
     std::printf("usage: kpk_bitbase [anneal MOVES | check]\n");
     return false;

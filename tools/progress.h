@@ -24,12 +24,12 @@ public:
         const auto now = Clock::now();
         if (now < next_) return;
         next_ = now + std::chrono::milliseconds(200);
-        std::fprintf(stderr, "\r%ld %s", count, unit_.c_str());
+        static_cast<void>(std::fprintf(stderr, "\r%ld %s", count, unit_.c_str()));
         shown_ = true;
     }
     /// Makes room for other text.
     void erase() {
-        if (shown_) std::fputs("\r\033[K", stderr);
+        if (shown_) static_cast<void>(std::fputs("\r\033[K", stderr));
         shown_ = false;
     }
 

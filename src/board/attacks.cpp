@@ -11,8 +11,8 @@ Bitboard diagonal_sliders(const Game& g) { return g.w_bishops | g.b_bishops | g.
 
 Bitboard attackers_of(const Game* game, int square) {
     const Game& g = *game;
-    Bitboard attackers = pawn_attacks<Side::white>[square] & g.b_pawns;
-    attackers |= pawn_attacks<Side::black>[square] & g.w_pawns;
+    Bitboard attackers = g.b_pawns & pawn_attacks<Side::white>[square];
+    attackers |= g.w_pawns & pawn_attacks<Side::black>[square];
     attackers |= knight_moves[square] & (g.w_knights | g.b_knights);
     attackers |= king_moves[square] & (g.w_king | g.b_king);
     attackers |= rook_reach(g, square) & straight_sliders(g);

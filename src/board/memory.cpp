@@ -46,7 +46,10 @@ void* zeroed_bytes(std::uint64_t bytes) {
 void make_real(void* block, std::uint64_t bytes) {
     const auto page_bytes = static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE));
     auto* first = static_cast<volatile char*>(block);
-    for (std::uint64_t offset = 0; offset < bytes; offset += page_bytes) first[offset] = first[offset];
+    for (std::uint64_t offset = 0; offset < bytes; offset += page_bytes) {
+        const char kept = first[offset];
+        first[offset] = kept;
+    }
 }
 
 }  // namespace varn

@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <string>
 
+#include "board/file.h"
+
 namespace varn {
 
 namespace {
@@ -43,11 +45,22 @@ void end_when_unheard() {
     end_if_unheard(SIGIO);  // what happened before
 }
 
-void set_up_output() {
-    std::setvbuf(stdout, nullptr, _IONBF, 0);
-    std::signal(SIGPIPE, SIG_DFL);
+void set_up_output() { static_cast<void>(std::signal(SIGPIPE, SIG_DFL)); }
+
+// Where output fails for good there is nobody left to tell.
+void say_text(std::string_view text) {
+    std::size_t said = 0;
+    while (said < text.size()) {
+        const ssize_t written = write(STDOUT_FILENO, text.data() + said, text.size() - said);
+        if (written >= 0) {
+            said += static_cast<std::size_t>(written);
+        } else if (!wait_until_ready(STDOUT_FILENO, POLLOUT)) {
+            return;
+        }
+    }
 }
 
+// NOLINTNEXTLINE(cert-dcl50-cpp): it takes what `printf` takes, and the compiler checks its arguments.
 void say(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
@@ -57,12 +70,10 @@ void say(const char* format, ...) {
     va_end(arguments);
     if (length > 0) {
         std::string text(static_cast<std::size_t>(length), '\0');
-        std::vsnprintf(text.data(), text.size() + 1, format, again);
+        static_cast<void>(std::vsnprintf(text.data(), text.size() + 1, format, again));
         say_text(text);
     }
     va_end(again);
 }
-
-void say_text(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
 }  // namespace varn

@@ -5,9 +5,8 @@
 
 namespace varn {
 
-/// Takes standard output's buffer away, so that a prompt without a newline shows at once, also in a pipe. A text that
-/// nobody is left to read ends the process, whatever signals it was started to ignore; what it does without a word, it
-/// still does to the end.
+/// A text that nobody is left to read ends the process, whatever signals it was started to ignore; what it does without
+/// a word, it still does to the end.
 void set_up_output();
 
 /// From now on the process ends, with status 0, as soon as nobody is left to read from the pipe that is its standard
@@ -17,7 +16,7 @@ void end_when_unheard();
 /// Prints as `printf` does, in one write.
 [[gnu::format(printf, 1, 2)]] void say(const char* format, ...);
 
-/// Prints the text as it stands.
+/// Prints the text as it stands, and waits for a slow reader for as long as it takes.
 void say_text(std::string_view text);
 
 }  // namespace varn

@@ -58,7 +58,7 @@ char take_promotion(std::string_view& text) {
     const char letter = static_cast<char>(rest.back() & ~('a' ^ 'A'));
     rest.remove_suffix(1);
     if (bracketed != rest.ends_with('(')) return 0;
-    if (!rest.empty() && contains("(=/", rest.back())) rest.remove_suffix(1);
+    if (rest.ends_with('(') || rest.ends_with('=') || rest.ends_with('/')) rest.remove_suffix(1);
     text = rest;
     return letter;
 }

@@ -34,7 +34,10 @@ inline constexpr Table<Bitboard Game::*, 8> boards_by_man =
                                                    &Game::b_rooks, &Game::b_rooks, &Game::b_rooks, &Game::b_pawns}};
 
 /// The board of one kind of man; all three kinds of rook share one.
-template <Side S> constexpr auto& board_of(auto& g, Man man) { return g.*boards_by_man<S>[man]; }
+template <Side S> constexpr auto& board_of(auto& g, Man man) {
+    const auto board = boards_by_man<S>[man];
+    return g.*board;
+}
 
 template <Side S> inline constexpr std::uint8_t turn_of = S == Side::white ? 0 : 1;
 /// +1 for white, -1 for black: turns a side's own gain into white's point of view.

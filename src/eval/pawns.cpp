@@ -80,7 +80,8 @@ template <Side S> int passed_score(const Game& g, Bitboard passed) {
     while (passed != 0) {
         const int square = pop_first(passed);
         const Bitboard file = file_masks[file_of(square)];
-        score += passed_pawn + passed_pawn_bonus<S>[square];
+        const int bonus = passed_pawn_bonus<S>[square];
+        score += passed_pawn + bonus;
         if ((rooks_of<S>(g) & file & ranks_behind<S>(square)) != 0) score += rook_behind_passed_pawn;
         if ((rooks_of<other(S)>(g) & file & ranks_ahead<S>(square)) != 0) score += enemy_rook_before_passed_pawn;
     }

@@ -1,7 +1,10 @@
 #include "frontend/startup.h"
 
 #include <chrono>
+#include <cstdlib>
+#include <new>
 
+#include "board/output.h"
 #include "board/zobrist.h"
 #include "frontend/book.h"
 #include "frontend/configuration.h"
@@ -10,6 +13,16 @@
 #include "search/think.h"
 
 namespace varn {
+
+namespace {
+
+/// On whichever thread: nothing is left unwritten that the process had said or logged.
+[[noreturn]] void end_without_memory() {
+    say_text("error: out of memory.\n");
+    std::_Exit(1);
+}
+
+}  // namespace
 
 void build_tables() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
@@ -20,6 +33,7 @@ void build_tables() {
 }
 
 std::unique_ptr<Game> start_up() {
+    std::set_new_handler(end_without_memory);
     read_configuration();
     build_tables();
     auto game = new_game(true);

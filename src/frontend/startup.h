@@ -12,7 +12,8 @@ namespace varn {
 void build_tables();
 
 /// Reads the settings, builds the tables, and sets up the first game, which allocates the hash tables at the sizes set.
-/// A missing settings file or too little memory ends the process with a message and status 1.
+/// A missing settings file or too little memory ends the process with a message and status 1; too little memory does so
+/// later on, too.
 std::unique_ptr<Game> start_up();
 
 }  // namespace varn

@@ -268,7 +268,8 @@ void xboard_step(Protocol& protocol, std::string_view line) {
 
 void xboard_loop(std::unique_ptr<Game> game) {
     end_when_unheard();
-    std::signal(SIGINT, SIG_IGN);  // how a client may ask for attention; between its lines it has it anyway
+    // How a client may ask for attention; between its lines it has it anyway.
+    static_cast<void>(std::signal(SIGINT, SIG_IGN));
     Protocol protocol = start_protocol(std::move(game));
     while (const auto line = read_line()) xboard_step(protocol, *line);
     quit(protocol, {});

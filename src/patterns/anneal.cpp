@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <memory>
 #include <utility>
 
 #include "board/output.h"
@@ -15,6 +16,10 @@ namespace varn {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// The boxes of the last run, which may be an hour's work.
+std::unique_ptr<PatternList> last_list;
+bool last_is_written = true;
 
 double seconds_since(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
 
@@ -40,31 +45,15 @@ void anneal_with_progress(PatternList& list, std::uint64_t moves, Choices& choic
         if (!is_watched || (seconds_since(last_told) < 1 && done < moves)) continue;
         last_told = Clock::now();
         const auto million = [](double number) { return number / 1e6; };
-        std::fprintf(stderr, "\r%.0f of %.0f million moves, %u boxes, %.1f million moves/s ",
-                     million(static_cast<double>(done)), million(static_cast<double>(moves)), list.count(),
-                     million(static_cast<double>(done) / seconds_since(start)));
+        static_cast<void>(std::fprintf(stderr, "\r%.0f of %.0f million moves, %u boxes, %.1f million moves/s ",
+                                       million(static_cast<double>(done)), million(static_cast<double>(moves)),
+                                       list.count(), million(static_cast<double>(done) / seconds_since(start))));
     }
-    if (is_watched) std::fputc('\n', stderr);
+    if (is_watched) static_cast<void>(std::fputc('\n', stderr));
 }
 
-}  // namespace
-
-void anneal(PatternList& list, std::uint64_t moves, Choices& choices, UniformState& acceptance) {
-    constexpr double accepted_splits = 0.08;
-    for (std::uint64_t i = 0; i < moves; ++i) {
-        choices.renew();
-        const BoxPlace place = choices.below(list.count());
-        const bool is_merge = choices.below(2) == 0;
-        const auto field = static_cast<Field>(choices.below(field_count));
-        if (is_merge) {
-            merge_patterns(list, place, field, choices);
-        } else if (uniform_random(acceptance) <= accepted_splits) {
-            split_pattern(list, place, field, choices);
-        }
-    }
-}
-
-std::unique_ptr<PatternList> anneal_kpk(Game* game, std::uint64_t moves) {
+/// Gives null, with a message, where there is nothing to anneal.
+std::unique_ptr<PatternList> anneal_file(Game* game, std::uint64_t moves) {
     say_text("loading precomputed data in memory...\n");
     auto positions = load_positions(positions_file_name, game);
     if (!positions) {
@@ -84,10 +73,38 @@ std::unique_ptr<PatternList> anneal_kpk(Game* game, std::uint64_t moves) {
     say_text("shuffling...\n");
     shuffle(positions->drawn, choices);
     auto list = std::make_unique<PatternList>(positions->drawn, positions->lines);
+    if (!can_dump_patterns(patterns_file_name, *list)) {
+        say_text(cannot_dump_text);
+        return nullptr;
+    }
     say_text("starting annealing process...\n");
     anneal_with_progress(*list, moves, choices, acceptance);
-    dump_patterns(patterns_file_name, *list);
     return list;
 }
+
+}  // namespace
+
+void anneal(PatternList& list, std::uint64_t moves, Choices& choices, UniformState& acceptance) {
+    constexpr double accepted_splits = 0.08;
+    for (std::uint64_t i = 0; i < moves; ++i) {
+        choices.renew();
+        const BoxPlace place = choices.below(list.count());
+        const bool is_merge = choices.below(2) == 0;
+        const auto field = static_cast<Field>(choices.below(field_count));
+        if (is_merge) {
+            merge_patterns(list, place, field, choices);
+        } else if (uniform_random(acceptance) <= accepted_splits) {
+            split_pattern(list, place, field, choices);
+        }
+    }
+}
+
+const PatternList* anneal_kpk(Game* game, std::uint64_t moves) {
+    if (last_is_written) last_list = anneal_file(game, moves);
+    last_is_written = last_list == nullptr || dump_patterns(patterns_file_name, *last_list);
+    return last_list.get();
+}
+
+bool patterns_are_unwritten() { return !last_is_written; }
 
 }  // namespace varn

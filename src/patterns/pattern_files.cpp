@@ -43,6 +43,8 @@ std::string file_text(const PatternList& list) {
     return text;
 }
 
+std::string unfinished_name(const std::string& file_name) { return file_name + ".tmp"; }
+
 bool write_file(const std::string& file_name, std::string_view text) {
     std::FILE* file = std::fopen(file_name.c_str(), "w");
     if (file == nullptr) return false;
@@ -64,18 +66,25 @@ std::optional<LoadedPositions> load_positions(const char* file_name, Game* game)
 }
 
 bool write_whole_file(const std::string& file_name, std::string_view text) {
-    const std::string unfinished = file_name + ".tmp";
+    const std::string unfinished = unfinished_name(file_name);
     if (write_file(unfinished, text) && std::rename(unfinished.c_str(), file_name.c_str()) == 0) return true;
-    std::remove(unfinished.c_str());
+    static_cast<void>(std::remove(unfinished.c_str()));  // there may be none
     return false;
 }
 
-void dump_patterns(const std::string& file_name, const PatternList& list) {
-    if (write_whole_file(file_name, file_text(list))) {
-        say("finished dumping %s\n", file_name.c_str());
-    } else {
-        say_text("error: cannot output evalubase file.\n");
+bool can_dump_patterns(const std::string& file_name, const PatternList& list) {
+    const std::string unfinished = unfinished_name(file_name);
+    const bool written = write_file(unfinished, file_text(list));
+    return std::remove(unfinished.c_str()) == 0 && written;
+}
+
+bool dump_patterns(const std::string& file_name, const PatternList& list) {
+    if (!write_whole_file(file_name, file_text(list))) {
+        say_text(cannot_dump_text);
+        return false;
     }
+    say("finished dumping %s\n", file_name.c_str());
+    return true;
 }
 
 std::string board_number(Bitboard board) {

@@ -14,6 +14,7 @@ namespace varn {
 // Both in the working directory.
 inline constexpr const char* positions_file_name = "kpkbb";
 inline constexpr const char* patterns_file_name = "wkpk.eb";
+inline constexpr std::string_view cannot_dump_text = "error: cannot output evalubase file.\n";
 
 struct LoadedPositions {
     std::vector<Pattern> drawn;  // one box for each position with result 0, in the file's order
@@ -28,9 +29,12 @@ std::optional<LoadedPositions> load_positions(const char* file_name, Game* game)
 /// Writes a file that comes into being as a whole or not at all; returns whether it did.
 bool write_whole_file(const std::string& file_name, std::string_view text);
 
+/// Whether the list could be written as it stands: a run finds out before it begins.
+bool can_dump_patterns(const std::string& file_name, const PatternList& list);
+
 /// A line with the number of boxes and the side, then a line for every box: its boards as `board_number` writes them
-/// and the result. Says that the file was written, or that it couldn't be.
-void dump_patterns(const std::string& file_name, const PatternList& list);
+/// and the result. Says that the file was written, or that it couldn't be, and returns which.
+bool dump_patterns(const std::string& file_name, const PatternList& list);
 
 /// The high half of the board as a decimal number, left out where it is 0, and the low half, with nothing between them.
 std::string board_number(Bitboard board);

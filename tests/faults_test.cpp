@@ -1,0 +1,188 @@
+// What the system may do to a process: memory that runs out, ends of pipes that don't wait, signals, clocks that jump,
+// files that can't be written, and games that are longer than their record.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "dialogue.h"
+#include "patterns/anneal.h"
+#include "positions.h"
+
+namespace varn {
+namespace {
+
+/// While it lives, engines are started with something that goes wrong.
+class Fault {
+public:
+    explicit Fault(const char* name) {
+        setenv("VARN_FAULT", name, 1);
+        setenv("LD_PRELOAD", VARN_FAULTS, 1);
+    }
+    ~Fault() {
+        unsetenv("LD_PRELOAD");
+        unsetenv("VARN_FAULT");
+    }
+    Fault(const Fault&) = delete;
+    Fault& operator=(const Fault&) = delete;
+};
+
+std::string repeated(int times, std::string_view text) {
+    std::string all;
+    for (int i = 0; i < times; ++i) all += text;
+    return all;
+}
+
+TEST(Faults, WithoutMemoryTheProcessEndsWithALine) {
+    if (!std::string_view(VARN_SANITIZERS).empty()) GTEST_SKIP() << "a sanitizer has an allocator of its own";
+    const Fault memory("memory");
+    const std::pair<Files, std::string> cases[] = {
+        {{{"varn.ini", "hash 20"}}, "Cannot allocate enough memory for transposition hash tables.\n"},
+        {{{"varn.ini", "hash 9\nqhash 5000000"}}, "error: out of memory.\n"},
+        {{{"varn.ini", "hash 9\nqhash 40\nphash 5000000"}},
+         "error:  cannot allocate 5000000 bytes for pawn hash tables.\n"},
+        {{{"varn.ini", "hash 9\nqhash 40"}, {"suite", repeated(9'000'000, " ")}},
+         "Varn> running test suite: suite\nerror: out of memory.\n"},
+    };
+    for (const auto& [files, output] : cases) {
+        const Outcome outcome = run_console("runsuite suite log\n", files);
+        EXPECT_EQ(outcome.output, output);
+        EXPECT_EQ(outcome.status, 1) << output;
+    }
+}
+
+TEST(Faults, NothingIsLostAtSlowEndsOfPipesAndBySignals) {
+    const std::pair<std::string, std::string> cases[] = {
+        {repeated(600, "help\n"), ""},
+        {"xboard\n" + repeated(30000, "ping\n"), "Varn> \n" + repeated(30000, "Illegal Move: ????\n")},
+    };
+    for (const char* name : {"none", "ends that don't wait"}) {
+        for (const auto& [input, expected] : cases) {
+            const std::string output = expected.empty() ? run_console(input).output : expected;
+            const Fault fault(name);
+            Process engine;
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));  // it waits for its first line
+            engine.send(input);
+            for (const int signal : {SIGSTOP, SIGWINCH, SIGCONT, SIGURG}) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(50));  // nobody reads what it has to say
+                engine.send_signal(signal);
+            }
+            engine.close_input();
+            const Outcome outcome = engine.finish();
+            EXPECT_TRUE(outcome.output == output) << name << input.substr(0, 9) << outcome.output.size();
+            EXPECT_EQ(outcome.status, 0);
+        }
+    }
+}
+
+TEST(Faults, AClockThatWrapsOrJumpsBackEndsNoSearchForGood) {
+    const std::pair<const char*, int> cases[] = {{"none", 500}, {"clock wraps", 500}, {"clock jumps back", 0}};
+    for (const auto& [name, least_ms] : cases) {
+        const Fault fault(name);
+        Process engine;
+        const auto started = std::chrono::steady_clock::now();
+        engine.send("time 500\ne2e4\n");
+        engine.close_input();  // and a search doesn't hear the end of the input
+        engine.read_until("my move is: ");
+        const auto taken = std::chrono::steady_clock::now() - started;
+        EXPECT_GE(taken, std::chrono::milliseconds(least_ms)) << name;
+        EXPECT_LT(taken, std::chrono::seconds(20)) << name;
+        EXPECT_EQ(engine.finish().status, 0);
+    }
+}
+
+TEST(Faults, ASignalEndsALongRunAndLeavesWhatIsFinished) {
+    const std::string start_text(known_positions[0].text);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        Process engine({{"varn.ini", "hash 10"}, {"suite", "k7/8/1K6/8/8/8/8/8 b - - Kb8\n" + start_text + "\n"}});
+        engine.send("runsuite suite log\n");
+        std::string said = engine.read_until("Test position #2: ");
+        engine.read_until("  1 ");
+        engine.send_signal(signal);
+        EXPECT_EQ(engine.finish().status, -signal);
+        said.erase(0, said.find('\n') + 1);
+        EXPECT_EQ(engine.file("log"), said + start_text + "\n");
+    }
+    for (const int signal : {SIGTERM, SIGHUP}) {
+        Process engine;
+        engine.send("xboard\nsd 3\ne2e4\nsd 50\n");
+        engine.read_until("pondering: ");
+        engine.send_signal(signal);
+        EXPECT_EQ(engine.finish().status, -signal);
+    }
+}
+
+TEST(Faults, PatternsThatCannotBeWrittenAreKept) {
+    const auto before = std::filesystem::current_path();
+    const auto folder = std::filesystem::temp_directory_path() / ("varn-faults-" + std::to_string(getpid()));
+    std::filesystem::create_directory(folder);
+    std::filesystem::current_path(folder);
+    std::ofstream("kpkbb") << "8/8/8/8/8/8/7P/5k1K w - -\t0\n";
+    const auto game = new_game(false);
+    const PatternList* patterns = nullptr;
+    const auto anneal = [&] {
+        testing::internal::CaptureStdout();
+        patterns = anneal_kpk(game.get(), 1000);
+        return testing::internal::GetCapturedStdout();
+    };
+    const std::string error = "error: cannot output evalubase file.\n";
+    std::filesystem::create_symlink("/dev/full", "wkpk.eb.tmp");  // no room: it is seen before the work begins
+    EXPECT_TRUE(anneal().ends_with("\nshuffling...\n" + error));
+    EXPECT_EQ(patterns, nullptr);
+    std::filesystem::create_directories("wkpk.eb/in the way");
+    EXPECT_TRUE(anneal().ends_with("\nstarting annealing process...\n" + error));
+    EXPECT_TRUE(patterns_are_unwritten());
+    EXPECT_NE(patterns, nullptr);
+    std::filesystem::remove_all("wkpk.eb");
+    EXPECT_EQ(anneal(), "finished dumping wkpk.eb\n");
+    EXPECT_FALSE(patterns_are_unwritten());
+    EXPECT_EQ(std::filesystem::file_size("wkpk.eb"), std::string_view("1 w\n1 256 4 0\n").size());
+    std::filesystem::current_path(before);
+    std::filesystem::remove_all(folder);
+}
+
+// --- A thousand moves -----------------------------------------------------------------------------------------------
+
+/// Shuffles, and then a pawn's step, with which the draws by repetition and by the fifty moves are over.
+const std::string moves_997 = repeated(249, "g1f3\ng8f6\nf3g1\nf6g8\n") + "e2e3\n";
+
+TEST(Faults, AtTheConsoleAGameEndsWithItsRecord) {
+    const std::string full = "the game record is full: 1000 moves have been played.\nVarn> ";
+    Process engine;
+    engine.send("ply 2\npvp\n" + moves_997 + "flags\n");
+    engine.read_until("side to move: black\n\nVarn> ");
+    const auto answer = [&](const std::string& lines) {
+        engine.send(lines + "\n");
+        return engine.read_until("Varn> ");
+    };
+    const std::string itself = answer("cvc");
+    EXPECT_NE(itself.find("Turn 3: my move is: "), std::string::npos) << itself;
+    EXPECT_TRUE(itself.ends_with("\n\nDraw by game length.\nVarn> ")) << itself;
+    // The engine's reply is the last move, and then the move that it would reply to.
+    answer("back 2");
+    EXPECT_NE(answer("b1a3").find("my move is: "), std::string::npos);
+    EXPECT_EQ(answer("a3b1"), full);
+    answer("back 3");
+    EXPECT_NE(answer("e7e6").find("my move is: "), std::string::npos);
+    EXPECT_EQ(answer("b8a6"), full);
+    EXPECT_EQ(answer("cvc"), "Draw by game length.\nVarn> ");
+    EXPECT_NE(answer("hint").find("I recommend: "), std::string::npos);
+}
+
+TEST(Faults, InTheProtocolAGameEndsWithItsRecordAlsoWhenPondering) {
+    const std::string drawn = "1/2-1/2 {Draw by game length}\n";
+    Partner partner("pvp\n" + moves_997);
+    const std::string reply = partner.answer("sd 3; e7e6");
+    EXPECT_NE(reply.find("pondering: "), std::string::npos) << reply;
+    EXPECT_EQ(partner.answer("b8a6; x; go; hint"), repeated(4, drawn));
+    const std::string last = partner.answer("remove; b1a3");
+    EXPECT_TRUE(last.starts_with("move ") && last.substr(last.find('\n') + 1) == drawn) << last;
+    EXPECT_EQ(partner.answer("x"), drawn);
+}
+
+}  // namespace
+}  // namespace varn

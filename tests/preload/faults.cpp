@@ -1,0 +1,64 @@
+// Preloaded into an engine under test: there goes wrong what the environment names in VARN_FAULT.
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
+#include <string_view>
+
+namespace {
+
+bool is_fault(std::string_view name) {
+    const char* fault = std::getenv("VARN_FAULT");
+    return fault != nullptr && fault == name;
+}
+
+/// The function that the one here stands before.
+template <typename Function> Function* next(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+constexpr std::size_t largest_block = 4U << 20U;  // where memory is short
+bool is_refused(std::size_t bytes) { return bytes > largest_block && is_fault("memory"); }
+
+constexpr std::int64_t ms_until_fault = 200;  // from the first time that the clock is read
+std::atomic<std::int64_t> first_ms = 0;
+
+/// What the clock shows instead.
+std::int64_t wrong_ms(std::int64_t ms) {
+    constexpr std::int64_t hour_ms = 3'600'000;
+    constexpr std::int64_t wrap_ms = std::int64_t{1} << 32;
+    if (first_ms == 0) first_ms = ms;
+    const std::int64_t passed = ms - first_ms;
+    if (is_fault("clock wraps")) return wrap_ms - ms_until_fault + passed;
+    if (is_fault("clock jumps back")) return passed < ms_until_fault ? hour_ms + passed : passed;
+    return ms;
+}
+
+[[gnu::constructor]] void make_ends_impatient() {
+    if (!is_fault("ends that don't wait")) return;
+    for (const int end : {STDIN_FILENO, STDOUT_FILENO}) fcntl(end, F_SETFL, fcntl(end, F_GETFL) | O_NONBLOCK);
+}
+
+}  // namespace
+
+extern "C" {
+
+void* malloc(std::size_t bytes) { return is_refused(bytes) ? nullptr : next<void*(std::size_t)>("malloc")(bytes); }
+
+void* calloc(std::size_t count, std::size_t bytes) {
+    return is_refused(count * bytes) ? nullptr : next<void*(std::size_t, std::size_t)>("calloc")(count, bytes);
+}
+
+int clock_gettime(clockid_t clock, timespec* time) {
+    const int status = next<int(clockid_t, timespec*)>("clock_gettime")(clock, time);
+    if (clock != CLOCK_MONOTONIC || status != 0) return status;
+    const std::int64_t ms = wrong_ms(time->tv_sec * 1000 + time->tv_nsec / 1'000'000);
+    *time = {ms / 1000, ms % 1000 * 1'000'000};
+    return status;
+}
+
+}  // extern "C"
