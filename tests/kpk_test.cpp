@@ -26,29 +26,6 @@ TEST(Kpk, TheSumsOfTheSolvedPositionsAreThePublishedOnes) {
     EXPECT_EQ(wins->black_to_move.count(), 2U * 48802);
 }
 
-TEST(Kpk, KnowsTheEndingsOfTheTextbooks) {
-    constexpr std::pair<const char*, bool> known[] = {
-        {"4k3/8/4K3/4P3/8/8/8/8 w - -", true},  // the king on the sixth rank before his pawn, whoever moves
-        {"4k3/8/4K3/4P3/8/8/8/8 b - -", true},
-        {"4k3/4P3/4K3/8/8/8/8/8 w - -", true},   // the pawn stands on the seventh rank and gave no check there
-        {"4k3/4P3/4K3/8/8/8/8/8 b - -", false},  // stalemate
-        {"4k3/4P3/3K4/8/8/8/8/8 w - -", false},  // it gave check
-        {"8/8/8/4k3/8/4K3/4P3/8 w - -", false},  // opposition: who moves gives way
-        {"8/8/8/4k3/8/4K3/4P3/8 b - -", true},
-        {"k7/8/1K6/8/P7/8/8/8 w - -", false},  // a rook's pawn and the right corner
-        {"7k/8/6K1/8/7P/8/8/8 b - -", false},
-        {"8/8/8/P3k3/8/8/8/7K w - -", true},  // outside the pawn's square and inside it
-        {"8/8/8/P3k3/8/8/8/7K b - -", false},
-        {"8/8/8/P2k4/8/8/8/7K w - -", false},
-        {"8/8/8/8/k7/8/P7/7K w - -", false},
-        {"8/8/8/8/6k1/8/P7/7K w - -", true},   // thanks to the double step
-        {"8/5P1k/5K2/8/8/8/8/8 w - -", true},  // a queen would stalemate, a rook mates
-        {"8/8/8/8/8/1k6/P7/7K w - -", false},  // the pawn falls
-    };
-    const auto wins = solve_kpk();
-    for (const auto& [text, won] : known) EXPECT_EQ(is_won(*wins, *game_from(text)), won) << text;
-}
-
 /// Whether white wins after a legal move, by what is known of the positions behind it.
 bool wins_after(const KpkWins& wins, Game game, Move move) {
     play_move(move, &game);
