@@ -1,54 +1,17 @@
-// King and pawn against king, solved: published sums, textbook endings, and every result against those behind its
-// moves.
+// King and pawn against king, solved and listed.
 #include <gtest/gtest.h>
 
-#include "board/attacks.h"
 #include "patterns/kpk_solver.h"
-#include "positions.h"
 #include "process.h"
 
 namespace varn {
 namespace {
-
-Placement placement_of(const Game& game) {
-    return {static_cast<std::uint8_t>(game.wking_sqr), static_cast<std::uint8_t>(first_one(game.w_pawns)),
-            static_cast<std::uint8_t>(game.bking_sqr)};
-}
-
-bool is_won(const KpkWins& wins, const Game& game) {
-    return (game.turn == 0 ? wins.white_to_move : wins.black_to_move)[kpk_index(placement_of(game))];
-}
 
 TEST(Kpk, TheSumsOfTheSolvedPositionsAreThePublishedOnes) {
     const auto wins = solve_kpk();
     EXPECT_EQ(kpk_placements().size(), 2U * 81664);
     EXPECT_EQ(wins->white_to_move.count(), 2U * 62480);
     EXPECT_EQ(wins->black_to_move.count(), 2U * 48802);
-}
-
-/// Whether white wins after a legal move, by what is known of the positions behind it.
-bool wins_after(const KpkWins& wins, Game game, Move move) {
-    play_move(move, &game);
-    if (game.turn == 0) return game.w_pawns != 0 && is_won(wins, game);
-    if (!is_promotion(move.kind)) return is_won(wins, game);
-    const std::vector<Move> replies = legal_moves(game);
-    const bool loses_man = std::ranges::find(replies, kind_capture, &Move::kind) != replies.end();
-    const bool is_major = move.kind == queen || move.kind == plain_rook;
-    return is_major && !loses_man && (!replies.empty() || in_check(&game));
-}
-
-TEST(Kpk, EveryResultFollowsFromThoseOfTheMoves) {
-    const auto wins = solve_kpk();
-    const std::vector<Placement> placements = kpk_placements();
-    for (std::size_t i = 0; i < placements.size(); i += 23) {
-        auto game = game_from(placement_text(placements[i]));
-        const auto wins_by = [&](Move move) { return wins_after(*wins, *game, move); };
-        EXPECT_EQ(is_won(*wins, *game), std::ranges::any_of(legal_moves(*game), wins_by)) << position_text(game.get());
-        game->turn = 1;
-        const std::vector<Move> moves = legal_moves(*game);
-        const bool lost = moves.empty() ? black_in_check(game.get()) : std::ranges::all_of(moves, wins_by);
-        EXPECT_EQ(is_won(*wins, *game), lost) << position_text(game.get());
-    }
 }
 
 TEST(Kpk, PrintsAScriptOfThePlacements) {
