@@ -19,12 +19,6 @@ std::unique_ptr<Game> with_keys(std::uint64_t key, std::uint64_t lock) {
     return game;
 }
 
-std::vector<std::unique_ptr<Game>> random_positions(RandomSource& random, int count) {
-    std::vector<std::unique_ptr<Game>> positions;
-    while (count-- > 0) positions.push_back(with_keys(random.next(), random.next()));
-    return positions;
-}
-
 // --- Transposition table ------------------------------------------------------------------------------------------
 
 TEST_F(Tables, TranspositionTableActsAsItsModel) {
@@ -36,7 +30,8 @@ TEST_F(Tables, TranspositionTableActsAsItsModel) {
     };
     constexpr Move moves[] = {{1, 18, kind_quiet}, {11, 27, kind_double_step}, {49, 57, 9}};
     RandomSource random(5);
-    const auto positions = random_positions(random, 12);
+    std::vector<std::unique_ptr<Game>> positions;
+    while (positions.size() < 12) positions.push_back(with_keys(random.next(), random.next()));
     std::vector<Slot> model;
     int found = 0;
     for (int step = 0; step < 40000; ++step) {
