@@ -19,11 +19,11 @@ namespace {
 constexpr std::string_view prompt = "Varn> ";
 const std::string &start_text = known_positions[0].text, &rich_text = known_positions[1].text;
 
-/// Hash keys become N, and so does the speed of a search; the lines that tell of its iterations go.
+/// Hash keys become N, and so do times and speeds; the lines that tell of a search's iterations go.
 std::string normalised(const std::string& text) {
     static const std::regex iteration(" +\\d+ +-?\\d+ +\\d+ +\\d+ +\\d+ +[^\n]*\n");
-    static const std::regex number("(Zobrist (?:key|lock)|NPS): -?\\d+");
-    return std::regex_replace(std::regex_replace(text, iteration, ""), number, "$1: N");
+    static const std::regex number("(Zobrist key: |Zobrist lock: |NPS: |nodes in )-?\\d+");
+    return std::regex_replace(std::regex_replace(text, iteration, ""), number, "$1N");
 }
 
 class Session {
@@ -141,11 +141,10 @@ TEST(Console, TheEngineAnswersATypedMoveInItsTime) {
     const auto started = std::chrono::steady_clock::now();
     const std::string answer = console.answer("e2e4");
     EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(20));
-    std::smatch reply;
-    const std::regex shape("thinking...\n\n ply [^\n]*\n\n\nNPS: N\n\nmy move is: (....)\n\n");
-    ASSERT_TRUE(std::regex_match(answer, reply, shape)) << answer;
+    EXPECT_TRUE(std::regex_match(answer, std::regex("thinking...\n\n ply [^\n]*\n\n\nNPS: N\n\nmy move is: ....\n\n")));
     const auto game = game_from(start_text);
-    for (const std::string& text : {std::string("e2e4"), reply.str(1)}) {
+    std::string played = console.answer("history").substr(std::size("1. ") - 1);
+    for (const std::string& text : {played.substr(0, 4), played.substr(6, 4)}) {
         const Move move = parse_move(text, game.get());
         EXPECT_TRUE(is_valid_move(game.get(), move)) << text;
         play_move(move, game.get());

@@ -88,15 +88,6 @@ void expect_unmake_restores(Game& game, const Game& before) {
     }
 }
 
-TEST(NewGame, StandsAtTheStart) {
-    const auto game = new_game(false);
-    expect_agreement(*game, model_of(*game));
-    EXPECT_EQ(position_text(game.get()), known_positions[0].text);
-    EXPECT_EQ(stray_of(*game), PositionKeys{});
-    EXPECT_EQ(game->draw_hash[0], keys_of(*game));
-    EXPECT_EQ(game->draw_hash_count, 1U);
-}
-
 struct Step {
     Game before;
     UndoRecord undo;

@@ -1,8 +1,7 @@
-// Generation, attacks and legality: published counts of the move tree, the order of the moves, and every answer of the
-// attack and legality tests against a plainer way to the same answer.
+// Generation, attacks and legality: published counts of the move tree, and every answer of the attack and legality
+// tests against a plainer way to the same answer.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <iterator>
 #include <set>
 #include <tuple>
@@ -118,29 +117,6 @@ std::string random_position_text(RandomSource& random, unsigned men) {
     while (!place('k')) continue;
     for (unsigned i = 0; i < men; ++i) place("QRBNPPqrbnpp"[random.next() % 12]);
     return squares + (random.next() % 2 == 0 ? " w - -" : " b - -");
-}
-
-// --- Geometry and attacks --------------------------------------------------------------------------------------------
-
-TEST(Geometry, DirectionsRaysAndStepsFollowFromTheDifferences) {
-    constexpr Direction by_step[3][3] = {
-        {south_east, south, south_west}, {east, no_direction, west}, {north_east, north, north_west}};
-    const auto sign = [](int difference) { return (difference > 0) - (difference < 0); };
-    for (int a = 0; a < square_count; ++a) {
-        for (int b = 0; b < square_count; ++b) {
-            const int up = b / 8 - a / 8, left = b % 8 - a % 8, ranks = std::abs(up), files = std::abs(left);
-            const bool on_a_line = ranks == 0 || files == 0 || ranks == files;
-            const Direction expected = on_a_line ? by_step[sign(up) + 1][sign(left) + 1] : no_direction;
-            EXPECT_EQ(direction_table[a][b], expected) << a << ' ' << b;
-            const auto holds = [b](Bitboard board) { return (board & bit_mask(b)) != 0; };
-            for (int way = north; way < direction_count; ++way)
-                EXPECT_EQ(holds(rays[way][a]), expected == way) << a << b;
-            EXPECT_EQ(holds(knight_moves[a]), ranks * files == 2) << a << ' ' << b;
-            EXPECT_EQ(holds(king_moves[a]), std::max(ranks, files) == 1) << a << ' ' << b;
-            EXPECT_EQ(holds(pawn_attacks<Side::white>[a]), up == 1 && files == 1) << a << ' ' << b;
-            EXPECT_EQ(holds(pawn_attacks<Side::black>[a]), up == -1 && files == 1) << a << ' ' << b;
-        }
-    }
 }
 
 /// The squares that the man on `from` attacks, found without any table.

@@ -1,31 +1,12 @@
-// Counting moves at the prompt, and the comparison of games that ends each count: which difference it finds and how it
-// says so.
+// The comparison of games that ends each count of moves: which difference it finds and how it says so.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <regex>
-
 #include "frontend/compare_games.h"
-#include "frontend/perft.h"
 #include "positions.h"
-#include "process.h"
 
 namespace varn {
 namespace {
-
-TEST(Perft, CountsMovesEitherWayAndLeavesTheGameAsItWas) {
-    for (const auto& [text, depth, leaves] : {KnownPosition{known_positions[0].text, 0, 1},
-                                              {known_positions[0].text, 4, 197281},
-                                              {known_positions[1].text, 3, 97862}}) {
-        const std::string plies = std::to_string(depth) + '\n';
-        const std::string lines = "\nshow\nperft " + plies + "advperft " + plies + "show\n";
-        const std::string count =
-            "running perft=" + plies + "Counted: " + std::to_string(leaves) + " nodes in \\d+ seconds\\.\nVarn> ";
-        const std::string output = run_console("setboard " + std::string(text) + lines).output;
-        EXPECT_TRUE(std::regex_match(output, std::regex("Varn> Varn> ([^V]*)Varn> " + count + count + "\\1Varn> ")))
-            << output;
-    }
-}
 
 TEST(CompareGames, NamesEveryDifferenceThatCounts) {
     constexpr std::pair<const char*, void (*)(Game&)> cases[] = {
