@@ -252,7 +252,8 @@ private:
 
     /// What is said behind a move where pondering is allowed: whether it begins depends on what the search expects.
     std::string pondering() {
-        const std::string enabled = "pondering enabled\n", begins = "i am going to try to ponder\npondering: ";
+        std::string enabled = "pondering enabled\n";
+        const std::string begins = "i am going to try to ponder\npondering: ";
         const std::size_t found = answer_.find(begins);
         if (found == std::string::npos) return enabled;
         const Move move = parse_move(answer_.substr(found + begins.size()), game_.get());
