@@ -5,23 +5,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "frontend/xboard.h"
 #include "process.h"
+#include "tables.h"
 
 namespace varn {
-
-inline std::vector<std::string> split(std::string_view text, std::string_view separator) {
-    std::vector<std::string> parts;
-    for (std::size_t start = 0, end; start <= text.size(); start = end + separator.size()) {
-        end = std::min(text.find(separator, start), text.size());
-        parts.emplace_back(text.substr(start, end - start));
-    }
-    return parts;
-}
 
 /// Plays a transcript: a line that begins with "> " is typed, what follows it is what `answer` must give.
 template <typename Answer> void expect_transcript(const std::string& transcript, Answer answer) {
@@ -30,6 +24,18 @@ template <typename Answer> void expect_transcript(const std::string& transcript,
         end = std::min(transcript.find("\n> ", line_end), transcript.size() - 1) + 1;
         const std::string typed = transcript.substr(start + 2, line_end - start - 2);
         EXPECT_EQ(answer(typed), transcript.substr(line_end + 1, end - line_end - 1)) << typed;
+    }
+}
+
+/// Hands out the transcripts of a file as `play(title, transcript)`: one stands below each title line.
+template <typename Play> void for_each_transcript(const std::string& name, Play play) {
+    std::ifstream file(VARN_TEST_FOLDER "/transcripts/" + name);
+    const std::string text = '\n' + std::string(std::istreambuf_iterator<char>(file), {});
+    const std::vector<std::string> sections = split(text.substr(0, text.size() - 1), "\n=== ");
+    ASSERT_GT(sections.size(), 1U) << name;
+    for (auto section = sections.begin() + 1; section != sections.end(); ++section) {
+        const std::size_t title_end = section->find('\n');
+        play(section->substr(0, title_end), section->substr(title_end + 1) + '\n');
     }
 }
 

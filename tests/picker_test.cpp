@@ -129,30 +129,5 @@ TEST_F(Picker, PromotionsComeInTheirOwnOrderAndAKnownChildBeforeQuietMoves) {
     }
 }
 
-TEST_F(Picker, KillersAreValidExactlyWhereTheyAreLegal) {
-    int valid = 0;
-    visit_random_games(34, 8, [&](Game& game) {
-        const Game before = game;
-        const std::vector<Move> legal = legal_moves(game);
-        for (int i = 0; i < 64 * 64; ++i) {
-            for (const int kind : {0, 0x11, 0x12, 0x20, 0x41, 1, 9}) {
-                const Move move = {static_cast<std::uint8_t>(i / 64), static_cast<std::uint8_t>(i % 64),
-                                   static_cast<std::uint8_t>(kind)};
-                const int mover = game.cells[move.from];
-                const bool is_pawn = man_of(mover) == pawn;
-                // No killer is a move of an enemy man, a double step of a piece, or a plain step to the last rank.
-                if (piece_colour(mover) == 1 - game.turn || (kind == 0x11 && !is_pawn)) continue;
-                if (kind == 0 && is_pawn && (move.to < 8 || move.to >= 56)) continue;
-                const bool expected = is_quiet(move) && contains(legal, move);
-                ASSERT_EQ(killer_valid(&game, move), expected)
-                    << position_text(&game) << " " << move_text(move) << kind;
-                valid += expected;
-            }
-        }
-        ASSERT_TRUE(same_game(game, before));
-    });
-    EXPECT_GT(valid, 1000);
-}
-
 }  // namespace
 }  // namespace varn

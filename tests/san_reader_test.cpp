@@ -1,11 +1,10 @@
 // Moves as others write them, read on a board.
 #include <gtest/gtest.h>
 
-#include <tuple>
-
 #include "board/notation.h"
 #include "board/san_reader.h"
 #include "positions.h"
+#include "tables.h"
 
 namespace varn {
 namespace {
@@ -36,73 +35,12 @@ TEST(SanReader, ReadsEachMoveOfRandomGamesHoweverItIsSpelled) {
 }
 
 TEST(SanReader, TakesWhatLeavesOneMove) {
-    constexpr std::string_view knights = "4k3/8/8/8/4r3/2r5/4N3/1N2K3 w - -";  // the one on e2 is pinned
-    constexpr std::string_view rooks = "4k3/8/R7/8/8/8/R7/4K2R w K -";
-    constexpr std::string_view pawns = "2r1k3/1P6/8/2pP4/4B3/8/8/4K3 w - -";
-    constexpr std::string_view both = "r3k2r/8/8/8/8/8/8/R3K2R w KQkq -";
-    constexpr std::tuple<std::string_view, std::string_view, std::string_view> cases[] = {
-        {knights, "Nc3", "b1c3"},
-        {knights, "Nxc3", "b1c3"},
-        {knights, "Nbxc3", "b1c3"},
-        {knights, "N1:c3", "b1c3"},
-        {knights, "Nec3", ""},
-        {knights, "nc3", ""},
-        {knights, "Nd2", "b1d2"},
-        {knights, "Nb1xd2", ""},
-        {knights, "Nd4", ""},
-        {rooks, "Ra4", ""},
-        {rooks, "R2a4", "a2a4"},
-        {rooks, "R6a4", "a6a4"},
-        {rooks, "Raa4", ""},
-        {rooks, "Ra6-a4", "a6a4"},
-        {rooks, "a6a4", "a6a4"},
-        {rooks, "Rh4", "h1h4"},
-        {rooks, "0-0", "e1g1"},
-        {rooks, "O-O-O", ""},
-        {pawns, "b8Q", "b7b8q"},
-        {pawns, "b8=Q+", "b7b8q"},
-        {pawns, "b8(N)", "b7b8n"},
-        {pawns, "b8/R", "b7b8r"},
-        {pawns, "b7b8b", "b7b8b"},
-        {pawns, "b8", ""},
-        {pawns, "b8=K", ""},
-        {pawns, "b8=P", ""},
-        {pawns, "b8(Q", ""},
-        {pawns, "bxc8=N", "b7c8n"},
-        {pawns, "bc8=q#!!", "b7c8q"},
-        {pawns, "c8=Q", ""},
-        {pawns, "d6", "d5d6"},
-        {pawns, "Pd6", "d5d6"},
-        {pawns, "dxd6", ""},
-        {pawns, "d6=Q", ""},
-        {pawns, "Bg6+", "e4g6"},
-        {pawns, "bg6", ""},
-        {both, "O-O", "e1g1"},
-        {both, "0-0-0+", "e1c1"},
-        {both, "o-o-o", "e1c1"},
-        {both, "e1-g1", "e1g1"},
-        {both, "O-O-O-O", ""},
-        {both, "O-", ""},
-        {both, "Kd2", "e1d2"},
-        {both, "Rxa8+", "a1a8"},
-        {both, "Rxa7", ""},
-        {both, "e1", ""},
-        {both, "", ""},
-        {both, "+", ""},
-        {both, "Q", ""},
-        {both, "=Q", ""},
-        {both, "i1i2", ""},
-        {both, "a0", ""},
-        {both, "Ra1a2a3", ""},
-        {both, "\xFF\xFF", ""},
-    };
-    for (const auto& [position, text, expected] : cases) {
-        const auto game = game_from(position);
-        const std::vector<char> exact(text.begin(), text.end());  // a sanitizer sees a read past its end
-        const auto move = read_san({exact.data(), exact.size()}, game.get());
-        EXPECT_EQ(move ? move_text(*move) : "", expected) << text;
+    for (const auto& row : table_rows("san_read.txt")) {
+        const std::vector<char> exact(row.at(1).begin(), row.at(1).end());  // a sanitizer sees a read past its end
+        const auto move = read_san({exact.data(), exact.size()}, game_from(row.at(0)).get());
+        EXPECT_EQ(move ? move_text(*move) : "-", row.at(2)) << row.at(0) << ' ' << row.at(1);
     }
-    auto game = game_from(pawns);
+    auto game = game_from("2r1k3/1P6/8/2pP4/4B3/8/8/4K3 w - -");
     game->enpassant = bit_mask(square_from_text("c6"));
     game->ep_side = 0;
     for (const char* text : {"dxc6", "dc6", "dxc6 e.p.", "dxc6ep", "d5xc6e.p.!"}) {

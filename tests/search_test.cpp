@@ -18,14 +18,8 @@ namespace {
 
 using Search = SearchTest;
 
-constexpr std::string_view start_text = known_positions[0].text;
-constexpr std::string_view middle_text = known_positions[1].text;
-
-template <typename Action> std::string output_of(Action action) {
-    testing::internal::CaptureStdout();
-    action();
-    return testing::internal::GetCapturedStdout();
-}
+const std::string start_text = known_positions[0].text;
+const std::string middle_text = known_positions[1].text;
 
 // --- Exchanges ----------------------------------------------------------------------------------------------------
 
@@ -52,7 +46,11 @@ TEST_F(Search, ExchangeIsThatPlayedOutOnTheBoard) {
     visit_random_games(41, 40, [&](Game& game) {
         const Game before = game;
         for (Move move : moves_of(*generate_captures(&game, 0))) {
-            if (!is_legal(&game, move) || move.kind == kind_en_passant) continue;
+            if (!is_legal(&game, move)) continue;
+            if (move.kind == kind_en_passant) {
+                ASSERT_EQ(exchange_value(&game, move), 0);
+                continue;
+            }
             const Move as_capture = {move.from, move.to, kind_capture};
             const int gain = piece_values[game.cells[move.to]] - reply_gain(*after(game, as_capture), move.to);
             ASSERT_EQ(exchange_value(&game, move), game.turn == 0 ? gain : -gain)
@@ -62,27 +60,6 @@ TEST_F(Search, ExchangeIsThatPlayedOutOnTheBoard) {
         ASSERT_TRUE(same_game(game, before));
     });
     EXPECT_GT(captures, 1500);
-}
-
-TEST_F(Search, ExchangesByHand) {
-    struct {
-        const char* text;
-        const char* move;
-        int value;
-    } constexpr cases[] = {
-        {"4k3/8/4p3/3p4/4P3/8/8/4K3 w - -", "e4d5", 0},     {"4k3/8/4p3/3p4/8/8/8/3QK3 w - -", "d1d5", -850},
-        {"6k1/8/8/3r4/8/8/8/3R2K1 w - -", "d1d5", 500},     {"6k1/8/8/3r4/8/8/8/3R2K1 b - -", "d5d1", -500},
-        {"3rk3/8/8/3p4/8/8/3R4/3RK3 w - -", "d2d5", 100},   {"3rk3/3r4/8/3p4/8/8/3R4/3RK3 w - -", "d2d5", -400},
-        {"4k3/8/1p6/2p5/3P4/4B3/8/4K3 w - -", "d4c5", 100}, {"8/8/8/2k5/3p4/4P3/8/4K3 w - -", "e3d4", 0},
-        {"8/8/5B2/2k5/3p4/4P3/8/4K3 w - -", "e3d4", 100},   {"1r2k3/P7/8/8/8/8/8/4K3 w - -", "a7b8q", 500},
-        {"1rr1k3/P7/8/8/8/8/8/4K3 w - -", "a7b8n", 400},
-    };
-    for (const auto& [text, move, value] : cases) {
-        const auto game = game_from(text);
-        EXPECT_EQ(exchange_value(game.get(), parse_move(move, game.get())), value) << text;
-    }
-    const auto game = game_after("4k3/3p4/8/4P3/8/8/8/4K3 b - -", {"d7d5"});
-    EXPECT_EQ(exchange_value(game.get(), parse_move("e5d6", game.get())), 0);
 }
 
 // --- Draws --------------------------------------------------------------------------------------------------------
@@ -102,62 +79,23 @@ TEST_F(Search, RepetitionsAreFoundSinceTheLastPawnMoveOrCapture) {
     game->fifty = 12;
     game->draw_hash[8].lock ^= 1;
     game->draw_hash[4].key ^= 1;
-    EXPECT_TRUE(is_repetition(game.get()));
-    EXPECT_FALSE(is_third_repetition(game.get()));
-    EXPECT_TRUE(draw_by_rule(game.get()));
-    game->draw_hash[0].lock ^= 1;
-    EXPECT_FALSE(draw_by_rule(game.get()));
-}
-
-TEST_F(Search, InsufficientMaterial) {
-    for (const char* men : {"4", "N3", "b3", "Nn2", "Bn2", "Bb2"}) {
-        EXPECT_TRUE(insufficient_material(game_from("4k3/8/8/8/8/8/8/" + std::string(men) + "K3 w - -").get())) << men;
-    }
-    for (const char* men : {"NN2", "bb2", "nb2", "Nnn1", "Q3", "r3", "R3", "q3"}) {
-        EXPECT_FALSE(insufficient_material(game_from("4k3/8/8/8/8/8/8/" + std::string(men) + "K3 w - -").get())) << men;
-    }
-    for (const char* text : {"4k3/8/8/8/8/8/P7/4K3 w - -", "4k3/p7/8/8/8/8/8/4K3 w - -"}) {
-        EXPECT_FALSE(insufficient_material(game_from(text).get())) << text;
-    }
+    EXPECT_EQ(is_repetition(game.get()) + is_third_repetition(game.get()), 1);
 }
 
 TEST_F(Search, DrawAfterMove) {
-    struct {
-        const char* text;
-        const char* move;
-        int fifty;
-        bool drawn;
-    } constexpr cases[] = {
-        {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", "a1b1", 99, true},  {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", "a1b1", 98, false},
-        {"4k3/7p/8/8/8/7n/P7/R3K2N w - -", "a2a3", 99, false}, {"4k3/7p/8/8/8/7b/8/5B1K w - -", "f1h3", 99, false},
-        {"4k3/8/8/8/8/7q/8/5B1K w - -", "f1h3", 0, true},      {"4k3/8/8/8/8/7q/8/5B1K w - -", "f1g2", 0, false},
-    };
-    for (const auto& [text, move, fifty, drawn] : cases) {
-        const auto game = game_from(text);
-        game->fifty = static_cast<std::uint8_t>(fifty);
-        const Game before = *game;
-        EXPECT_EQ(draw_after_move(game.get(), parse_move(move, game.get())), drawn) << text << move << fifty;
-        EXPECT_TRUE(same_game(*game, before));
-    }
     const auto game = game_after(start_text, {"g1f3", "g8f6", "f3g1"});
+    const Game before = *game;
     EXPECT_TRUE(draw_after_move(game.get(), parse_move("f6g8", game.get())));
     EXPECT_FALSE(draw_after_move(game.get(), parse_move("f6e4", game.get())));
+    EXPECT_TRUE(same_game(*game, before));
 }
 
 TEST_F(Search, StatusOfFinishedGames) {
-    struct {
-        const char* text;
-        int status;
-    } constexpr cases[] = {
-        {"3R2k1/5ppp/8/8/8/8/8/4K3 b - -", 9994}, {"4k3/8/8/8/8/8/5PPP/3r2K1 w - -", -9994},
-        {"7k/5Q2/8/8/8/8/8/4K3 b - -", 0},        {"4k3/8/8/8/8/8/5q2/7K w - -", 0},
-        {"4k3/8/8/8/8/8/8/4K1N1 w - -", 0},       {"4k3/8/8/8/8/8/8/4K1R1 w - -", game_goes_on},
-    };
-    for (const auto& [text, status] : cases) {
-        const auto game = game_from(text);
-        EXPECT_EQ(node_status(game.get(), 5), status) << text;
+    for (const auto& row : table_rows("status.txt")) {
+        const auto game = game_from(row.at(0));
+        EXPECT_EQ(node_status(game.get(), 5), row.at(1) == "-" ? game_goes_on : std::stoi(row.at(1))) << row.at(0);
         game->fifty = 100;
-        EXPECT_EQ(node_status(game.get(), 5), 0) << text;
+        EXPECT_EQ(node_status(game.get(), 5), 0) << row.at(0);
     }
 }
 
@@ -166,7 +104,7 @@ TEST_F(Search, StatusOfFinishedGames) {
 TEST_F(Search, ClockIsReadOnceIn16384Nodes) {
     time_limit_ms = 0;
     std::this_thread::sleep_for(std::chrono::milliseconds(3));
-    for (const std::uint32_t seen : {1U, 16383U, 16385U, 24576U, 32767U}) {
+    for (const std::uint32_t seen : {1U, 16383U, 16385U, 24576U}) {
         nodes = seen;
         EXPECT_TRUE(clock_ok()) << seen;
     }
@@ -175,11 +113,8 @@ TEST_F(Search, ClockIsReadOnceIn16384Nodes) {
     EXPECT_TRUE(clock_ok());
     time_limit_ms = 0;
     EXPECT_FALSE(clock_ok());
-    time_limit_ms = 1000000;
     nodes = 1;
-    EXPECT_FALSE(clock_ok());
-    start_clock();
-    EXPECT_TRUE(clock_ok());
+    EXPECT_FALSE(clock_ok());  // once is enough
 }
 
 // --- Quiescence ---------------------------------------------------------------------------------------------------
@@ -190,17 +125,13 @@ TEST_F(Search, MaterialAloneDecidesWhereThereIsMuchOfIt) {
                                                   {3000, 301, false},
                                                   {3000, -299, true},
                                                   {3000, -298, false},
-                                                  {2999, 302, false},
-                                                  {2999, -299, false},
-                                                  {7000, 5000, true},
-                                                  {3000, 0, false}}) {
+                                                  {2999, 302, false}}) {
         for (const int turn : {0, 1}) {
             game->turn = static_cast<std::uint8_t>(turn);
             game->material = turn == 0 ? balance : -balance;
             game->w_material = (total + game->material) / 2;
             game->b_material = total - game->w_material;
             const int evaluated = evaluate(game.get(), 0, 0, 0) * (turn == 0 ? 1 : -1);
-            EXPECT_NE(evaluated, balance);
             EXPECT_EQ(static_score(game.get(), root_frame, 0, 0), decides ? balance : evaluated) << total << balance;
         }
     }
@@ -213,19 +144,14 @@ int quiesce_afresh(Game* game, int alpha, int beta) {
 }
 
 TEST_F(Search, QuiescenceStandsPat) {
-    for (const char* text : {"4k3/pppp4/8/8/8/8/4PPPP/4K3 w - -", "4k3/8/4p3/3p4/8/8/8/3QK3 w - -"}) {
-        const auto game = game_from(text);
-        const int stand = static_score(game.get(), root_frame, 0, 0);
-        for (const auto& [alpha, beta, bound] : {std::tuple{stand - 1, stand, 2},
-                                                 {stand - 9, stand - 1, 2},
-                                                 {stand, stand + 1, 1},
-                                                 {stand - 1, stand + 1, 0}}) {
-            EXPECT_EQ(quiesce_afresh(game.get(), alpha, beta), stand) << text << bound;
-            EXPECT_EQ(quiescent_nodes, 1U);  // also where all captures lose
-            const QhashEntry* entry = qhash_probe(game.get());
-            ASSERT_NE(entry, nullptr);
-            EXPECT_TRUE(entry->bound == bound && entry->score == stand) << text << bound;
-        }
+    const auto game = game_from("4k3/8/4p3/3p4/8/8/8/3QK3 w - -");  // the one capture loses
+    const int stand = static_score(game.get(), root_frame, 0, 0);
+    for (const auto& [alpha, beta, bound] :
+         {std::tuple{stand - 1, stand, 2}, {stand, stand + 1, 1}, {stand - 1, stand + 1, 0}}) {
+        EXPECT_EQ(quiesce_afresh(game.get(), alpha, beta), stand) << bound;
+        EXPECT_EQ(quiescent_nodes, 1U);
+        EXPECT_EQ(qhash_probe(game.get())->bound, bound);
+        EXPECT_EQ(qhash_probe(game.get())->score, stand) << bound;
     }
 }
 
@@ -286,10 +212,10 @@ TEST_F(Search, NothingIsWrittenBehindTheLastPly) {
 
 // --- The node -----------------------------------------------------------------------------------------------------
 
-int search_at(Game* game, int alpha, int beta, int depth, std::uint8_t ply) {
+int search_at(Game* game, int alpha, int beta, int depth, int ply) {
     PvLine line = {};
     nodes = 0;
-    return search(game, alpha, beta, depth, {ply, ply, 0, 0, 0, 0}, &line);
+    return search(game, alpha, beta, depth, {static_cast<std::uint8_t>(ply), ply, 0, 0, 0, 0}, &line);
 }
 
 TEST_F(Search, NodeTakesTheAnswerOfTheTable) {
@@ -324,37 +250,32 @@ TEST_F(Search, NodeTakesTheAnswerOfTheTable) {
 TEST_F(Search, DrawsEndALineButNotTheRoot) {
     const auto game = game_from(known_positions[7].text);
     game->fifty = 100;
-    search_at(game.get(), -full_window, full_window, 1, 1);
-    EXPECT_EQ(nodes, 1U);
-    search_at(game.get(), -full_window, full_window, 1, 0);
-    EXPECT_GT(nodes, 1U);
+    for (const int ply : {0, 1}) {
+        search_at(game.get(), -full_window, full_window, 1, ply);
+        EXPECT_EQ(nodes == 1, ply == 1);
+    }
 }
 
 TEST_F(Search, NullMoveIsTriedWhereItIsSafe) {
-    struct {
-        const char* what;
-        const char* text;
-        int depth, beta, ply;
-        bool passes;
-    } constexpr cases[] = {
-        {"a pawn's hope", "k5r1/pppp4/8/8/8/8/PPPPQ3/K6R w - -", 2, 1050, 1, false},
-        {"deep", "k5r1/pppp4/8/8/8/8/PPPPQ3/K6R w - -", 4, 500, 1, true},
+    constexpr const char* rich = "k5r1/pppp4/8/8/8/8/PPPPQ3/K6R w - -";
+    constexpr std::tuple<const char*, const char*, int, int, int, bool> cases[] = {
+        // the text, depth, beta and ply
+        {"beyond a pawn's hope", rich, 2, 1050, 1, false},
         {"black", "k6r/ppppq3/8/8/8/8/PPPP4/K5R1 b - -", 4, 500, 1, true},
-        {"shallow", "k5r1/pppp4/8/8/8/8/PPPPQ3/K6R w - -", 2, 500, 1, true},
-        {"too shallow", "k5r1/pppp4/8/8/8/8/PPPPQ3/K6R w - -", 1, 500, 1, false},
-        {"root", "k5r1/pppp4/8/8/8/8/PPPPQ3/K6R w - -", 4, 500, 0, false},
+        {"shallow", rich, 2, 500, 1, true},
+        {"too shallow", rich, 1, 500, 1, false},
+        {"root", rich, 4, 500, 0, false},
         {"check", "k3r3/pppp4/8/8/8/8/PPPP4/Q3K2R w - -", 4, -500, 1, false},
         {"one bishop", "k7/8/2b5/8/8/8/PPPPQ3/K6R w - -", 4, 500, 1, false},
         {"one rook", "k7/8/2r5/8/8/8/PPPPQ3/K6R w - -", 4, 500, 1, true},
         {"pawns", "k7/pppp4/8/8/8/8/PPPPPPPP/K7 w - -", 4, -200, 1, false},
     };
     for (const auto& [what, text, depth, beta, ply, passes] : cases) {
-        const auto game = game_from(text);
-        const int score = search_at(game.get(), beta - 1, beta, depth, static_cast<std::uint8_t>(ply));
+        const int score = search_at(game_from(text).get(), beta - 1, beta, depth, ply);
         EXPECT_EQ(null_move_at[ply], passes) << what;  // left behind by a pass that cut the node off
         EXPECT_TRUE(!passes || score == beta) << what;
     }
-    const auto game = game_from(cases[1].text);
+    const auto game = game_from(rich);
     const auto passes = [&](auto prepare) {
         hash_clear();
         main_pv = {};
@@ -376,19 +297,12 @@ TEST_F(Search, ExtensionsShowInTheDepthThatIsStored) {
     constexpr const char* check = "r3k3/8/8/8/8/8/8/4K2r w - -";
     constexpr const char* seventh = "4k3/R7/8/8/8/8/1p6/4K3 w - -";
     constexpr int b2 = 14, a7 = 55;
-    struct {
-        const char* text;
-        int depth, taken, taken_back, to;
-        std::uint8_t pawn_extensions, total_extensions;
-        int stored;
-    } constexpr cases[] = {
-        {quiet, 1, -1, -1, 0, 0, 0, 1},    {check, 1, -1, -1, 0, 0, 0, 2},    {check, 1, -1, -1, 0, 0, 3, 1},
-        {check, 1, -1, -1, 0, 0, 2, 2},    {check, 1, 11, 2, 0, 0, 0, 2},     {quiet, 1, 11, 2, 0, 0, 0, 2},
-        {quiet, 1, 2, 11, 0, 0, 0, 2},     {quiet, 1, 14, 4, 0, 0, 0, 2},     {quiet, 1, 14, 3, 0, 0, 0, 1},
-        {quiet, 1, 15, 7, 0, 0, 0, 1},     {quiet, 1, -1, 3, 0, 0, 0, 1},     {quiet, 1, 3, -1, 0, 0, 0, 1},
-        {quiet, 1, 11, 2, 0, 0, 3, 1},     {seventh, 0, -1, -1, b2, 0, 0, 1}, {seventh, 0, -1, -1, a7, 0, 0, 0},
-        {seventh, 0, -1, -1, b2, 1, 0, 0}, {seventh, 0, -1, -1, b2, 0, 3, 0}, {seventh, 1, -1, -1, b2, 0, 0, 1},
-        {seventh, 0, 11, 3, b2, 0, 0, 1},
+    constexpr std::tuple<const char*, int, int, int, int, std::uint8_t, std::uint8_t, int> cases[] = {
+        // the depth, what was taken, what was taken back, the last move's target, extensions for pawns and in all,
+        // depth
+        {check, 1, -1, -1, 0, 0, 2, 2},    {check, 1, -1, -1, 0, 0, 3, 1},    {quiet, 1, 11, 2, 0, 0, 0, 2},
+        {quiet, 1, 14, 3, 0, 0, 0, 1},     {quiet, 1, 15, 7, 0, 0, 0, 1},     {seventh, 0, -1, -1, b2, 0, 0, 1},
+        {seventh, 0, -1, -1, a7, 0, 0, 0}, {seventh, 0, -1, -1, b2, 1, 0, 0}, {seventh, 1, -1, -1, b2, 0, 0, 1},
     };
     for (const auto& [text, depth, taken, taken_back, to, pawns, total, stored] : cases) {
         const auto game = game_from(text);
@@ -427,20 +341,6 @@ TEST_F(Search, RaisingAlphaMakesHistoryAndACutOffKillers) {
 
 // --- The root -----------------------------------------------------------------------------------------------------
 
-/// Whether the side to move mates in that many of its moves, and by which first moves; by trying everything.
-std::vector<Move> mating_moves(Game& game, int moves) {
-    std::vector<Move> mating;
-    for (const Move move : legal_moves(game)) {
-        const auto child = after(game, move);
-        const std::vector<Move> replies = legal_moves(*child);
-        const auto loses = [&](Move reply) {
-            return moves > 1 && !mating_moves(*after(*child, reply), moves - 1).empty();
-        };
-        if (replies.empty() ? in_check(child.get()) : std::ranges::all_of(replies, loses)) mating.push_back(move);
-    }
-    return mating;
-}
-
 std::string main_line(Game game) {
     std::string text;
     for (int i = 0; i < main_pv.length; ++i) {
@@ -451,24 +351,11 @@ std::string main_line(Game game) {
     return text;
 }
 
-/// The line of the same position turned over, rank by rank.
-std::string mirrored_line(std::string line) {
-    for (char& c : line) c = static_cast<char>(c >= '1' && c <= '8' ? '1' + '8' - c : c);
-    return line;
-}
-
-constexpr struct {
-    const char* text;
-    int moves, depth;
-    const char* line;
-} mates[] = {
+constexpr std::tuple<std::string_view, int, int, std::string_view> mates[] = {
     {"r1bq2r1/b4pk1/p1pp1p2/1p2pP2/1P2P1PB/3P4/1PPQ2P1/R3K2R w KQ -", 2, 4, "Qh6+ Kxh6 Bxf6# "},
-    {"4kb1r/p2n1ppp/4q3/4p1B1/4P3/1Q6/PPP2PPP/2KR4 w k -", 2, 4, "Qb8+ Nxb8 Rd8# "},
     {"7k/8/4K3/8/8/8/8/6R1 w - -", 2, 4, "Kf7 Kh7 Rh1# "},
     {"r5rk/5p1p/5R2/4B3/8/8/7P/7K w - -", 3, 5, "Ra6+ f6 Bxf6+ Rg7 Rxa8# "},
-    {"1r3r1k/5Bpp/8/8/P2qQ3/5R2/1b4PP/5K2 w - -", 3, 5, "Qxh7+ Kxh7 Rh3+ Qh4 Rxh4# "},
     {"r5k1/2p2ppp/p1P2n2/8/1pP2bbQ/1B3PP1/PP1Pq2P/RNB3K1 b - -", 3, 6, "Qe1+ Kg2 Bxf3+ Kxf3 Qf1# "},
-    {"r2r1n2/pp2bk2/2p1p2p/3q4/3PN1QP/2P3R1/P4PP1/5RK1 w - -", 4, 7, "Qg7+ Ke8 Qxe7+ Kxe7 Rg7+ Ke8 Nf6# "},
     {"2r1r3/p3P1k1/1p1pR1Pp/n2q1P2/8/2p4P/P4Q2/1B3RK1 w - -", 4, 7, "f6+ Kh8 g7+ Kg8 f7+ Kxg7 Qf6# "},
 };
 
@@ -478,39 +365,30 @@ TEST_F(Search, Mates) {
             const auto game = game_from(mirror ? mirrored_text(text) : std::string(text));
             ply_limit = depth;
             post_thinking = 1;
-            const Move* move = nullptr;
-            const std::string output = output_of([&] { move = think(game.get()); });
-            if (moves == 2) {
-                EXPECT_TRUE(mating_moves(*game, 1).empty()) << text;
-                EXPECT_TRUE(contains(mating_moves(*game, 2), *move)) << text;
-            }
+            const std::string output = printed([&] { think(game.get()); });
             const std::string printed = output.substr(output.find_last_of('\n', output.size() - 2) + 1);
             EXPECT_EQ(std::stoi(printed.substr(3)), mate_score - (2 * moves - 1)) << text << mirror;
-            EXPECT_EQ(main_line(*game), mirror ? mirrored_line(line) : line) << text;
+            std::string expected(line);
+            for (char& c : expected) c = static_cast<char>(mirror && c >= '1' && c <= '8' ? '1' + '8' - c : c);
+            EXPECT_EQ(main_line(*game), expected) << text;
             EXPECT_EQ(predicted_valid == 1 ? predicted_move : Move{}, main_pv.moves[1]);
         }
     }
 }
 
-TEST_F(Search, EqualStartsGiveEqualSearches) {
-    const auto run = [](std::string_view text) {
-        killer_one = killer_two = {};
-        const auto prime = game_from(mates[0].text);  // the window of the next search hangs on the last score
-        ply_limit = 4;
-        think(prime.get());
-        const auto game = game_from(text);
-        qhash_clear();
+/// Whoever changes this number has changed what the engine plays.
+TEST_F(Search, ItsSignatureStands) {
+    ply_limit = 4;
+    think(game_from(std::get<0>(mates[0])).get());  // the window of the next search hangs on the last score
+    qhash_clear();
+    killer_one = killer_two = {};
+    std::uint64_t all_nodes = 0;
+    for (const KnownPosition& known : known_positions) {
         ply_limit = 6;
-        post_thinking = 1;
-        const std::string lines = output_of([&] { think(game.get()); });
-        post_thinking = 0;
-        return main_line(*game) + std::to_string(search_nodes) +
-               std::regex_replace(lines, std::regex("(^|\n)(.{11}).{8}"), "$2");
-    };
-    for (const std::string_view text : {start_text, middle_text, known_positions[5].text}) {
-        const std::string first = run(text);
-        EXPECT_EQ(run(text), first);
+        think(game_from(known.text).get());
+        all_nodes += search_nodes;
     }
+    EXPECT_EQ(all_nodes, 6250635U);
 }
 
 TEST_F(Search, StoppedSearchesLeaveTheGameAndGiveALegalMove) {
@@ -530,33 +408,24 @@ TEST_F(Search, StoppedSearchesLeaveTheGameAndGiveALegalMove) {
 TEST_F(Search, StoppedBeforeItsFirstLineGivesTheFirstLegalMove) {
     const auto game = game_from("qqqqkqqq/qqqqqqqq/8/8/8/8/QQQQQQQQ/QQQQKQQQ w - -");
     time_limit_ms = 0;
-    const Move* move = think(game.get());
+    EXPECT_EQ(*think(game.get()), legal_moves(*game)[0]);
     EXPECT_EQ(iteration_depth, 1);
-    EXPECT_EQ(main_pv.length, 0);
     EXPECT_EQ(predicted_valid, 0);
-    EXPECT_EQ(*move, legal_moves(*game)[0]);
 }
 
 TEST_F(Search, ForcedAndFinishedGamesAreNotSearched) {
     xboard_mode = 0;
-    post_thinking = 1;
     for (const auto& [text, forced] : {std::pair{"7k/8/8/8/8/8/r7/7K w - -", "h1g1"},
                                        {"7k/8/8/8/8/6q1/r7/7K w - -", ""},
-                                       {"k7/8/8/8/8/8/r4q2/7K w - -", ""},
-                                       {"7k/8/8/8/8/8/1r6/K7 w - -", "a1b2"}}) {
+                                       {"k7/8/8/8/8/8/r4q2/7K w - -", ""}}) {
         const auto game = game_from(text);
         predicted_valid = 1;
         const Move* move = nullptr;
-        EXPECT_EQ(output_of([&] { move = think(game.get()); }), "");
+        EXPECT_EQ(printed([&] { move = think(game.get()); }), "");
         EXPECT_EQ(move == nullptr ? "" : move_text(*move), forced) << text;
         EXPECT_EQ(predicted_valid, 0);
         EXPECT_EQ(nodes, 0U);
     }
-    const auto game = game_from(start_text);
-    book_enabled = 1;
-    book_hook = [](Game*) { return std::optional<Move>({8, 16, kind_quiet}); };
-    EXPECT_EQ(output_of([&] { EXPECT_EQ(move_text(*think(game.get())), "h2h3"); }), "");
-    book_hook = nullptr;
 }
 
 TEST_F(Search, DeepensToTheLimitAsked) {
@@ -577,22 +446,16 @@ TEST_F(Search, OutputHasItsColumns) {
     nodes = 1234;
     quiescent_nodes = 567;
     const auto print = [&] { print_search_line(game.get(), 7, 89, -42); };
-    EXPECT_EQ(output_of(print), "  7     -42      89       1234       e4    e5 \n");
+    EXPECT_EQ(printed(print), "  7     -42      89       1234       e4    e5 \n");
     xboard_mode = 0;
-    EXPECT_EQ(output_of(print), "  7     -42      89       1234                  567       e4    e5 \n");
+    EXPECT_EQ(printed(print), "  7     -42      89       1234                  567       e4    e5 \n");
 
-    constexpr const char* header = "\n ply   score    time      nodes     quiescent nodes     principal variation\n\n";
-    const std::string line = "( {2}[1-3][ 0-9-]{8}[ 0-9]{8}[ 0-9]{11} {4}[ 0-9]{17} {4}[^\n]+ \n)";
     ply_limit = 3;
-    const auto run = [&] { think(game.get()); };
-    EXPECT_TRUE(std::regex_match(output_of(run), std::regex(header + std::string("\nNPS: [1-9][0-9]*\n\n"))));
     post_thinking = 1;
-    EXPECT_TRUE(std::regex_match(output_of(run), std::regex(header + line + "{6,}\nNPS: [1-9][0-9]*\n\n")));
-    xboard_mode = 1;
-    EXPECT_TRUE(std::regex_match(output_of(run),
-                                 std::regex("( {2}[1-3][ 0-9-]{8}[ 0-9]{8}[ 0-9]{11} {4} +[a-hNO][^\n]+ \n){6,}")));
-    post_thinking = 0;
-    EXPECT_EQ(output_of(run), "");
+    const std::string line = "( {2}[1-3][ 0-9-]{8}[ 0-9]{8}[ 0-9]{11} {4}[ 0-9]{17} {4}[^\n]+ \n){6,}";
+    const std::string header = "\n ply   score    time      nodes     quiescent nodes     principal variation\n\n";
+    const std::string said = printed([&] { think(game.get()); });
+    EXPECT_TRUE(std::regex_match(said, std::regex(header + line + "\nNPS: [1-9][0-9]*\n\n"))) << said;
 }
 
 }  // namespace

@@ -27,22 +27,6 @@ Move any_move(RandomSource& random, const Game& game) {
     }
 }
 
-/// The hashes apart: they are exact only relative to their start.
-void expect_sound(const Game& game) {
-    EXPECT_TRUE(is_consistent(&game));
-    EXPECT_TRUE(is_playable(&game));
-    EXPECT_EQ(game.r90, rotate_90(occupied(game)));
-    EXPECT_EQ(game.r45f, rotate_45f(occupied(game)));
-    EXPECT_EQ(game.r45b, rotate_45b(occupied(game)));
-    const auto again = game_from(position_text(&game).substr(0, position_text(&game).rfind(' ')) + " -");
-    EXPECT_EQ(game.w_material, again->w_material);
-    EXPECT_EQ(game.b_material, again->b_material);
-    EXPECT_EQ(game.material, again->material);
-    // The pawn just passed must be there to take.
-    const Bitboard pawns = game.ep_side == 0 ? game.b_pawns << 8 : game.w_pawns >> 8;
-    EXPECT_EQ(game.enpassant & (occupied(game) | ~pawns), 0U);
-}
-
 TEST(UnvalidatedMoves, LeaveASoundRecordWhereLetThrough) {
     RandomSource random(1972);
     for (const KnownPosition& known : known_positions) {

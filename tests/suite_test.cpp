@@ -13,6 +13,7 @@
 #include "epd.h"
 #include "positions.h"
 #include "process.h"
+#include "tables.h"
 
 namespace varn {
 namespace {
@@ -23,10 +24,9 @@ std::string without_searches(const std::string& text) {
     return std::regex_replace(text, search, "");
 }
 
-/// Answers to the lines in an engine that finds the files, and the log of the last suite, if there was one.
+/// Answers to the lines in an engine that finds the files, and the log of the last suite.
 struct Played {
-    std::string output;
-    std::string log;
+    std::string output, log;
     int status;
 };
 
@@ -48,54 +48,22 @@ std::string as_logged(const std::string& report) {
 constexpr const char* start_text = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -";
 
 TEST(Suite, ReportsOnEachPositionHereAndInTheLog) {
-    const std::string suite = R"(6k1/5ppp/8/8/8/8/8/K3R3 w - - bm Re8#;
-6k1/5ppp/8/8/8/8/8/K3R3 w - - bm Re8+; id "the mate has another sign";
-8/8/8/8/8/8/8/K7 w - - bm Ka2;
-k7/1Q6/1K6/8/8/8/8/8 b - - bm Ka7;
-7k/5Q2/6K1/8/8/8/8/8 b - - bm Kh7;
-7k/8/8/8/8/8/r5p1/6K1 w - - bm Kxg2;)";
-    const std::string report = R"(
-Test position #1: 6k1/5ppp/8/8/8/8/8/K3R3 w - - bm Re8#;
-Test #1: Success!
-
-1/1 problems solved.
-
-
-Test position #2: 6k1/5ppp/8/8/8/8/8/K3R3 w - - bm Re8+; id "the mate has another sign";
-Test #2: Failure.
-
-1/2 problems solved.
-
-
-Test position #3: 8/8/8/8/8/8/8/K7 w - - bm Ka2;
-)" + std::string(unplayable_text) +
-                               R"(Test #3: Failure.
-
-1/3 problems solved.
-
-
-Test position #4: k7/1Q6/1K6/8/8/8/8/8 b - - bm Ka7;
-Black is Checkmated. White wins.
-Test #4: Failure.
-
-1/4 problems solved.
-
-
-Test position #5: 7k/5Q2/6K1/8/8/8/8/8 b - - bm Kh7;
-Stalemate.
-Test #5: Failure.
-
-1/5 problems solved.
-
-
-Test position #6: 7k/8/8/8/8/8/r5p1/6K1 w - - bm Kxg2;Test #6: Failure.
-
-1/6 problems solved.
-
-Test suite complete.
-  1/6 problems solved.
-
-)";
+    const std::string mate = "6k1/5ppp/8/8/8/8/8/K3R3 w - - bm ";
+    const std::tuple<std::string, std::string, std::string> positions[] = {
+        {mate + "Re8#;\n", "", "Success!"},
+        {mate + "Re8+; id \"the mate has another sign\";\n", "", "Failure."},
+        {"8/8/8/8/8/8/8/K7 w - - bm Ka2;\n", std::string(unplayable_text), "Failure."},
+        {"k7/1Q6/1K6/8/8/8/8/8 b - - bm Ka7;\n", "Black is Checkmated. White wins.\n", "Failure."},
+        {"7k/8/8/8/8/8/r5p1/6K1 w - - bm Kxg2;", "", "Failure."},
+    };
+    std::string suite, report, number = "0";
+    for (const auto& [line, fault, result] : positions) {
+        suite += line;
+        ++number[0];
+        report += "\nTest position #" + number + ": " + line + fault + "Test #" + number + ": " + result + "\n\n1/" +
+                  number + " problems solved.\n\n";
+    }
+    report += "Test suite complete.\n  1/5 problems solved.\n\n";
     const Played run = run_lines("ply 3\nruns suite log\n", {{"suite", suite}});
     EXPECT_EQ(run.output, "Varn> Varn> running test suite: suite\n" + report + "Varn> ");
     EXPECT_EQ(run.log, as_logged(report));
@@ -104,16 +72,10 @@ Test suite complete.
 
 TEST(Suite, LeavesTheUsersGameAlone) {
     const std::string game = "setboard 4k3/8/8/8/8/8/4p3/R3K2R b KQ -\npvp\ne8e7\n";
-    const std::string questions = "epd\nhistory\nflags\nback\nepd\n";
-    const std::string with_suite =
-        run_lines(game + "ply 2\nrunsuite suite log\n" + questions, {{"suite", start_text + std::string(" bm e4\n")}})
-            .output;
-    const std::string without = run_console(game + questions).output;
-    const auto number = std::regex("(Zobrist \\w+): -?\\d+");
-    const auto tail = [&](const std::string& text) {
-        return std::regex_replace(text.substr(text.find("EPD")), number, "$1");
-    };
-    EXPECT_EQ(tail(with_suite), tail(without));
+    const std::string run = "ply 2\nrunsuite suite log\nepd\nhistory\nback\nepd\n";
+    const std::string output = run_lines(game + run, {{"suite", start_text + std::string(" bm e4\n")}}).output;
+    EXPECT_NE(output.find("is: 8/4k3/8/8/8/8/4p3/R3K2R w KQ -\nVarn> 1. e8e7  \n"), std::string::npos) << output;
+    EXPECT_TRUE(output.ends_with("is: 4k3/8/8/8/8/8/4p3/R3K2R b KQ -\nVarn> ")) << output;
 }
 
 TEST(Suite, SwitchesTheBookOffAndReadsLinesOfAnyLength) {
@@ -134,12 +96,7 @@ TEST(Suite, WithoutItsFilesItOnlySaysSo) {
         {"runsuite suite no/log", "running test suite: suite\n" + error, "old"},
         {"runsuite suite ./suite",
          "running test suite: suite\nerror: the log would overwrite the test suite. cannot run test suite.\n", "old"},
-        {"runsuite suite /dev/full",
-         "running test suite: suite\nTest suite complete.\n  0/0 problems solved.\n\nerror: the log could not be "
-         "written to its end.\n",
-         "old"},
         {"runs", ignored + "runs\n", "old"},
-        {"runsuite suite", ignored + "runsuite suite\n", "old"},
         {"runsuite my suite log", ignored + "runsuite my suite log\n", "old"},
     };
     for (const auto& [line, answer, log] : cases) {
@@ -150,14 +107,11 @@ TEST(Suite, WithoutItsFilesItOnlySaysSo) {
 }
 
 TEST(Suite, AForeignLineEndsTheProcessBehindACompleteLog) {
-    for (const std::string foreign : {"\n", "4k3/x w - -\n", "4k3/8"}) {
-        const std::string report =
-            "\nTest position #1: k7/8/1K6/8/8/8/8/8 b - - bm Kb8;\nTest #1: Success!\n\n1/1 problems "
-            "solved.\n\n\nTest position #2: " +
-            foreign;
-        const Played run =
-            run_lines("runsuite suite log\n", {{"suite", "k7/8/1K6/8/8/8/8/8 b - - bm Kb8;\n" + foreign}});
-        EXPECT_EQ(run.log, report);
+    for (const std::string foreign : {"\n", "4k3/x w - -\n"}) {
+        const std::string solved = "k7/8/1K6/8/8/8/8/8 b - - bm Kb8;\n";
+        const Played run = run_lines("runsuite suite log\n", {{"suite", solved + foreign}});
+        EXPECT_EQ(run.log, "\nTest position #1: " + solved +
+                               "Test #1: Success!\n\n1/1 problems solved.\n\n\nTest position #2: " + foreign);
         EXPECT_EQ(run.status, 1);
     }
 }
@@ -165,82 +119,23 @@ TEST(Suite, AForeignLineEndsTheProcessBehindACompleteLog) {
 // --- Suites from EPD ------------------------------------------------------------------------------------------------
 
 TEST(Epd, BecomesASuiteInTheEnginesOwnText) {
-    const std::string pawns = "2r1k3/1P6/8/2pP4/4B3/8/8/4K3 w - -";
-    const std::string castles = "r3k2r/8/8/8/8/8/8/R3K2R";
-    const std::tuple<std::string, std::string, std::string> cases[] = {
-        {pawns + " bm b8=Q! bxc8(Q); id \"a b;c\"; c0 \"or d6\";", pawns + " bm b8Q bxc8Q+; id \"a b;c\";", ""},
-        {pawns + "\tbm  Pd6, d5-d6 d5d6+ ! ; dm 3", pawns + " bm d6; dm 3;", ""},
-        {"  \t", "", ""},
-        {castles + " w QqK - 3 17 am Kd2; bm Rxa8;", castles + " w KQq - bm Rxa8+;", ""},
-        {castles + " w KQ - bm O-O-O;\r", castles + " w KQ - bm O-O-O;", "will count as solved, too: O-O"},
-        {"4k3/8/8/8/8/8/8/4K2R w KQ e3 bm 0-0; id x", "4k3/8/8/8/8/8/8/4K2R w K - bm O-O; id x;",
-         "castling rights without king and rook at home are left out"},
-        {"4k3/8/8/8/8/8/8/4K2R b - - bm \"O-O\"", "", "refused: \"\"O-O\"\" names no single legal move"},
-        {pawns + " bm d6 b8;", "", "refused: \"b8\" names no single legal move"},
-        {pawns + " bm ;", "", "refused: no best move"},
-        {pawns + " am Nf3; id \"bm d6;\"", "", "refused: moves to avoid, but no best move"},
-        {pawns, "", "refused: no best move"},
-        {"2r1k3/1P6/8/2pP4/4B3/8/8/4K3 w - c6 bm Kd2;", "", "refused: a suite can't hold the capture en passant"},
-        {castles + " w - e9 bm Kd2;", "", "refused: \"e9\" is no en-passant square"},
-        {castles + " w - bm Kd2;", "", "refused: \"bm\" is no en-passant square"},
-        {castles + " w", "", "refused: \"\" are no castling rights"},
-        {castles + " w HA - bm Kd2;", "", "refused: \"HA\" are no castling rights"},
-        {castles + " W - - bm Kd2;", "", "refused: \"W\" is no side to move"},
-        {castles + "/ w - - bm Kd2;", "", "refused: the board doesn't have eight rows of eight squares"},
-        {"r3k3r/8/8/8/8/8/8/R3K2R w - - bm Kd2;", "", "refused: the board can't go on with \"/\""},
-        {"r3k2r/8/8/8/8/8/8/R3J2R w - - bm Kd2;", "", "refused: the board can't go on with \"J\""},
-        {"r3k2r/9/8/8/8/8/8/R3K2R w - - bm Kd2;", "", "refused: the board can't go on with \"9\""},
-        {"r3k2r/8/8/8/8/8/8/R6R w - - bm Ra2;", "",
-         "refused: the position needs one king a side and no pawn on the first or last rank"},
-        {"r3k2r/8/8/8/8/8/8/R3K2r b - - bm Kd7;", "", "refused: the side that isn't to move is in check"},
-    };
-    std::string epd, suite, messages;
-    int number = 0, refused = 0;
-    for (const auto& [text, line, message] : cases) {
-        ++number;
-        epd += text + '\n';
-        if (!line.empty()) suite += line + '\n';
-        if (!message.empty()) messages += "line " + std::to_string(number) + ": " + message + '\n';
-        refused += message.starts_with("refused");
+    std::string epd = "  \t\n", suite, messages;
+    int number = 1, refused = 0;
+    for (const auto& row : table_rows("epd.txt")) {
+        epd += row.at(0) + (++number % 2 == 0 ? "\n" : "\r\n");
+        if (!row.at(1).empty()) suite += row.at(1) + '\n';
+        if (!row.at(2).empty()) messages += "line " + std::to_string(number) + ": " + row.at(2) + '\n';
+        refused += row.at(2).starts_with("refused");
     }
     epd.pop_back();  // a last line may lack its newline
     std::istringstream in(epd);
     std::ostringstream out, said;
-    ::testing::internal::CaptureStdout();
-    const int counted = convert_epd(in, out, said);
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(counted, refused);
+    EXPECT_EQ(printed([&] { EXPECT_EQ(convert_epd(in, out, said), refused); }), "");
     EXPECT_EQ(out.str(), suite);
     EXPECT_EQ(said.str(), messages);
 }
 
-// --- The suites that come with the engine
-// -----------------------------------------------------------------------------
-
-/// Whether the side to move mates in so many of its moves at the most, whatever the other side does.
-bool mates_within(Game& game, int moves);
-
-bool move_mates(Game& game, Move move, int moves) {
-    UndoRecord undo;
-    fill_undo(&game, move, &undo);
-    make_move(&game, move);
-    bool mates = in_check(&game) || moves > 1;
-    const std::vector<Move> replies = mates ? legal_moves(game) : std::vector<Move>();
-    if (replies.empty()) mates = mates && in_check(&game);
-    for (auto reply = replies.begin(); mates && reply != replies.end(); ++reply) {
-        UndoRecord undo_reply;
-        fill_undo(&game, *reply, &undo_reply);
-        make_move(&game, *reply);
-        mates = moves > 1 && mates_within(game, moves - 1);
-        unmake_move(&game, *reply, &undo_reply);
-    }
-    unmake_move(&game, move, &undo);
-    return mates;
-}
-
-bool mates_within(Game& game, int moves) {
-    return std::ranges::any_of(legal_moves(game), [&](Move move) { return move_mates(game, move, moves); });
-}
+// --- The suites that come with the engine ---------------------------------------------------------------------------
 
 /// The lines of a suite in the data folder, by their ids.
 std::map<std::string, std::string> shipped_suite(const std::string& name) {
@@ -264,20 +159,6 @@ TEST(ShippedSuites, GiveLegalMovesInTheEnginesOwnTextAndCountNoOther) {
             const Conversion conversion = convert_epd_line(line);
             EXPECT_EQ(conversion.line, line) << conversion.refusal;
             EXPECT_EQ(conversion.note, notes.contains(id) ? notes.at(id) : "") << id;
-        }
-    }
-}
-
-TEST(ShippedSuites, MatesAreTheShortestAndTheOnlyOnes) {
-    constexpr int longest_whose_rivals_are_tried = 3;  // beyond, a sanitizer would take minutes
-    for (const auto& [id, line] : shipped_suite("mates.epd")) {
-        const auto game = game_from(line);
-        const int length = std::stoi(line.substr(line.find("dm ") + 3));
-        EXPECT_FALSE(mates_within(*game, length - 1)) << id;
-        for (const Move move : legal_moves(*game)) {
-            const bool listed = line.find(" bm " + san_text(move, game.get()) + ';') != std::string::npos;
-            if (!listed && length > longest_whose_rivals_are_tried) continue;
-            EXPECT_EQ(move_mates(*game, move, length), listed) << id << ' ' << move_text(move);
         }
     }
 }
