@@ -42,7 +42,7 @@ TEST(Faults, WithoutMemoryTheProcessEndsWithALine) {
     const Fault memory("memory");
     const std::pair<Files, std::string> cases[] = {
         {{{"varn.ini", "hash 20"}}, "Cannot allocate enough memory for transposition hash tables.\n"},
-        {{{"varn.ini", "hash 9\nqhash 5000000"}}, "error: out of memory.\n"},
+        {{{"varn.ini", "hash 9\nqhash 50000000"}}, "error: out of memory.\n"},
         {{{"varn.ini", "hash 9\nqhash 40\nphash 5000000"}},
          "error:  cannot allocate 5000000 bytes for pawn hash tables.\n"},
         {{{"varn.ini", "hash 9\nqhash 40"}, {"suite", repeated(9'000'000, " ")}},

@@ -253,7 +253,6 @@ Protocol start_protocol(std::unique_ptr<Game> game) {
     xboard_mode = 1;
     post_thinking = 0;
     predicted_valid = 0;
-    make_tables_real();
     return {std::move(game), false, pondering_enabled != 0};
 }
 
@@ -268,6 +267,7 @@ void xboard_step(Protocol& protocol, std::string_view line) {
 
 void xboard_loop(std::unique_ptr<Game> game) {
     end_when_unheard();
+    make_tables_real();
     // How a client may ask for attention; between its lines it has it anyway.
     static_cast<void>(std::signal(SIGINT, SIG_IGN));
     Protocol protocol = start_protocol(std::move(game));
