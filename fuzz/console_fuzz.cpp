@@ -1,4 +1,5 @@
 // A whole session at the console. Searches are kept to one ply, and what takes long by itself is left out.
+#include <algorithm>
 #include <cstdio>
 #include <string>
 
@@ -19,12 +20,23 @@ bool takes_long(std::string_view line) {
     return line == "kpk\n" || line == "kpkbb\n" || line == "xboard\n" || line == "nm\n";
 }
 
+/// The console's next line: up to a newline, but no more than it reads at once.
+std::string_view next_line(std::string_view input) {
+    constexpr std::size_t longest_piece = 255;
+    const std::string_view piece = input.substr(0, longest_piece);
+    return piece.substr(0, std::min(piece.find('\n'), piece.size() - 1) + 1);
+}
+
+/// Each line that is left out leaves its newline behind, so that no other two lines come together.
 std::string bounded(std::string_view input) {
     std::string lines;
     while (!input.empty()) {
-        const std::string_view line = input.substr(0, input.find('\n') + 1);
-        if (line.empty()) return lines.append(input);
-        if (!takes_long(line)) lines += line;
+        const std::string_view line = next_line(input);
+        if (takes_long(line)) {
+            lines += '\n';
+        } else {
+            lines += line;
+        }
         input.remove_prefix(line.size());
     }
     return lines;
