@@ -17,6 +17,7 @@ constexpr Divisor divisor(std::uint64_t value) { return {value, std::numeric_lim
 /// number % divisor.value. The reciprocal is too small by less than 1 in 2^64, so the quotient is by 1 at most.
 constexpr std::uint64_t remainder(std::uint64_t number, const Divisor& divisor) {
     __extension__ using Wide = unsigned __int128;
+    // cppcheck-suppress shiftTooManyBits ; it takes the wide number for one of 64 bits
     const auto quotient = static_cast<std::uint64_t>(Wide{number} * divisor.reciprocal >> 64);
     const std::uint64_t rest = number - quotient * divisor.value;
     return rest < divisor.value ? rest : rest - divisor.value;
