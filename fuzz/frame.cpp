@@ -21,7 +21,8 @@ bool is_started = false;
 
 }  // namespace
 
-// The linker leads every call of `exit` here.
+// The linker leads every call of `exit` here, and names both.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 [[noreturn]] void __real_exit(int status);
 [[noreturn]] void __wrap_exit(int status);
@@ -30,6 +31,7 @@ void __wrap_exit(int status) {
     throw EndOfProcess{};
 }
 }
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 
 namespace varn {
 

@@ -69,7 +69,8 @@ int take(int& end) { return std::exchange(end, -1); }
 [[noreturn]] void become_engine(const char* folder, const Pipe& input, const Pipe& output) {
     constexpr int cannot_execute = 127;  // as a shell has it
     const bool connected = dup2(input.read_end, STDIN_FILENO) >= 0 && dup2(output.write_end, STDOUT_FILENO) >= 0;
-    std::signal(SIGPIPE, SIG_DFL);
+    // A shell that starts the tests in the background has them ignore interrupts, and what they start, too.
+    for (const int number : {SIGPIPE, SIGINT, SIGHUP, SIGTERM}) std::signal(number, SIG_DFL);
     if (connected && chdir(folder) == 0) execl(VARN_EXECUTABLE, VARN_EXECUTABLE, static_cast<char*>(nullptr));
     _exit(cannot_execute);
 }
