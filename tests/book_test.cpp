@@ -1,12 +1,10 @@
 // The opening book: the file that is shipped, move by move, and what is drawn from books made for the purpose.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
 #include <map>
 
 #include "board/notation.h"
+#include "folder.h"
 #include "frontend/book.h"
 #include "positions.h"
 #include "search/settings.h"
@@ -33,19 +31,15 @@ std::string first_illegal_move(std::string_view moves, Game* game) {
 /// A book is process-wide: the next test begins without one.
 class Book : public ::testing::Test {
 protected:
-    Book() { std::filesystem::create_directory(folder_); }
     ~Book() override {
-        std::filesystem::remove_all(folder_);
-        load_book(file().c_str());
+        load_book("no such book");
         book_enabled = 0;
     }
 
-    std::string file() const { return (folder_ / "book.dat").string(); }
-
     /// Gives what was said meanwhile.
     std::string load(const std::string& text) {
-        std::ofstream(file(), std::ios::binary) << text;
-        return printed([&] { load_book(file().c_str()); });
+        folder_.write("book.dat", text);
+        return printed([&] { load_book(file_.c_str()); });
     }
 
     /// How often the book answers the moves with what, in as many questions.
@@ -63,8 +57,8 @@ protected:
     }
     std::string answer(std::string_view moves) { return answers(moves, 1).begin()->first; }
 
-private:
-    std::filesystem::path folder_ = std::filesystem::temp_directory_path() / ("varn-book-" + std::to_string(getpid()));
+    Folder folder_;
+    std::string file_ = folder_.path_to("book.dat");
 };
 
 TEST_F(Book, AsShippedIsLegalSortedAndLarge) {
@@ -131,7 +125,7 @@ TEST_F(Book, LeavesOutWhatItHasNoRoomFor) {
     std::string rows = "c2c4e7e5\n";
     for (int row = 1; row < book_capacity; ++row) rows += "e2e4e7e5\n";
     EXPECT_EQ(load(rows), "");
-    EXPECT_EQ(load(rows + "d2d4d7d5\nd2d4d7d5\n"), file() + " has more than 10000 rows: the rest is left out.\n");
+    EXPECT_EQ(load(rows + "d2d4d7d5\nd2d4d7d5\n"), file_ + " has more than 10000 rows: the rest is left out.\n");
     EXPECT_EQ(book_line_count(), book_capacity);
     EXPECT_EQ(answer("c2c4"), "e7e5");
     EXPECT_EQ(answer("d2d4"), off);

@@ -1,16 +1,12 @@
 // What the system may do to a process: memory that runs out, ends of pipes that don't wait, signals, clocks that jump,
-// files that can't be written, and games that are longer than their record.
+// and games that are longer than their record.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "dialogue.h"
-#include "patterns/anneal.h"
 #include "positions.h"
 
 namespace varn {
@@ -114,35 +110,6 @@ TEST(Faults, ASignalEndsALongRunAndLeavesWhatIsFinished) {
         engine.send_signal(signal);
         EXPECT_EQ(engine.finish().status, -signal);
     }
-}
-
-TEST(Faults, PatternsThatCannotBeWrittenAreKept) {
-    const auto before = std::filesystem::current_path();
-    const auto folder = std::filesystem::temp_directory_path() / ("varn-faults-" + std::to_string(getpid()));
-    std::filesystem::create_directory(folder);
-    std::filesystem::current_path(folder);
-    std::ofstream("kpkbb") << "8/8/8/8/8/8/7P/5k1K w - -\t0\n";
-    const auto game = new_game(false);
-    const PatternList* patterns = nullptr;
-    const auto anneal = [&] {
-        testing::internal::CaptureStdout();
-        patterns = anneal_kpk(game.get(), 1000);
-        return testing::internal::GetCapturedStdout();
-    };
-    const std::string error = "error: cannot output evalubase file.\n";
-    std::filesystem::create_symlink("/dev/full", "wkpk.eb.tmp");  // no room: it is seen before the work begins
-    EXPECT_TRUE(anneal().ends_with("\nshuffling...\n" + error));
-    EXPECT_EQ(patterns, nullptr);
-    std::filesystem::create_directories("wkpk.eb/in the way");
-    EXPECT_TRUE(anneal().ends_with("\nstarting annealing process...\n" + error));
-    EXPECT_TRUE(patterns_are_unwritten());
-    EXPECT_NE(patterns, nullptr);
-    std::filesystem::remove_all("wkpk.eb");
-    EXPECT_EQ(anneal(), "finished dumping wkpk.eb\n");
-    EXPECT_FALSE(patterns_are_unwritten());
-    EXPECT_EQ(std::filesystem::file_size("wkpk.eb"), std::string_view("1 w\n1 256 4 0\n").size());
-    std::filesystem::current_path(before);
-    std::filesystem::remove_all(folder);
 }
 
 // --- A thousand moves -----------------------------------------------------------------------------------------------

@@ -1,10 +1,7 @@
 // The files of the annealing, and its command at the console.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "patterns/anneal.h"
 #include "patterns/pattern_files.h"
@@ -14,27 +11,13 @@
 namespace varn {
 namespace {
 
-/// In a folder of its own, which is the working directory while a test runs.
 class PatternFiles : public ::testing::Test {
 protected:
-    PatternFiles() {
-        std::filesystem::create_directory(folder_);
-        std::filesystem::current_path(folder_);
-    }
-    ~PatternFiles() override {
-        std::filesystem::current_path(before_);
-        std::filesystem::remove_all(folder_);
-    }
-
-    static void write(const std::string& text) { std::ofstream(positions_file_name, std::ios::binary) << text; }
-    static std::string written() {
-        std::ifstream stream(patterns_file_name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
+    void write(const std::string& text) const { folder_.write(positions_file_name, text); }
+    std::string written() const { return folder_.read(patterns_file_name); }
 
 private:
-    std::filesystem::path before_ = std::filesystem::current_path();
-    std::filesystem::path folder_ = std::filesystem::temp_directory_path() / ("varn-kpk-" + std::to_string(getpid()));
+    WorkingFolder folder_;
 };
 
 const std::string start_text = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -";
@@ -107,6 +90,25 @@ TEST_F(PatternFiles, ComeIntoBeingAsAWholeOrNotAtAll) {
     EXPECT_EQ(printed(dump), error);
     EXPECT_FALSE(std::filesystem::exists("wkpk.eb"));
     EXPECT_EQ(printed(dump), "finished dumping wkpk.eb\n");
+}
+
+TEST_F(PatternFiles, AreKeptWhereTheyCannotBeWritten) {
+    write(some_text + "\t0\n");
+    const auto game = game_from(start_text);
+    const PatternList* patterns = nullptr;
+    const auto anneal = [&] { return printed([&] { patterns = anneal_kpk(game.get(), 1000); }); };
+    const std::string error = "error: cannot output evalubase file.\n";
+    std::filesystem::create_symlink("/dev/full", "wkpk.eb.tmp");  // no room: it is seen before the work begins
+    EXPECT_TRUE(anneal().ends_with("\nshuffling...\n" + error));
+    EXPECT_EQ(patterns, nullptr);
+    std::filesystem::create_directories("wkpk.eb/in the way");
+    EXPECT_TRUE(anneal().ends_with("\nstarting annealing process...\n" + error));
+    EXPECT_TRUE(patterns_are_unwritten());
+    EXPECT_NE(patterns, nullptr);
+    std::filesystem::remove_all("wkpk.eb");
+    EXPECT_EQ(anneal(), "finished dumping wkpk.eb\n");
+    EXPECT_FALSE(patterns_are_unwritten());
+    EXPECT_EQ(written(), "1 w\n1 256 4 0\n");
 }
 
 // --- At the console ------------------------------------------------------------------------------------------------

@@ -50,6 +50,13 @@ inline std::unique_ptr<Game> game_from(std::string_view text) {
     return game;
 }
 
+/// The game of a row that begins with a position and the half-moves since its last pawn move or capture.
+inline std::unique_ptr<Game> game_of_row(const std::vector<std::string>& row) {
+    auto game = game_from(row.at(0));
+    game->fifty = static_cast<std::uint8_t>(std::stoi(row.at(1)));
+    return game;
+}
+
 /// Equal in all but the keys behind the last position, which are nobody's.
 inline bool same_game(Game a, const Game& b) {
     std::copy(b.draw_hash.begin() + b.draw_hash_count, b.draw_hash.end(), a.draw_hash.begin() + b.draw_hash_count);

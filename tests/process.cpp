@@ -10,9 +10,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
@@ -26,18 +24,6 @@ namespace {
 using std::chrono::milliseconds;
 
 [[noreturn]] void refuse(const std::string& what) { throw std::system_error(errno, std::generic_category(), what); }
-
-std::filesystem::path make_folder() {
-    std::string name = (std::filesystem::temp_directory_path() / "varn-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) refuse(name);
-    return name;
-}
-
-void write_file(const std::filesystem::path& path, const std::string& content) {
-    std::ofstream stream(path, std::ios::binary);
-    stream << content;
-    if (!stream.flush()) refuse(path.string());
-}
 
 void close_end(int& end) {
     if (end >= 0) close(end);
@@ -88,23 +74,15 @@ const Files& default_files() {
     return files;
 }
 
-Process::Process(const Files& files) : folder_(make_folder()) {
-    // A constructor that throws is not followed by the destructor.
-    try {
-        for (const auto& [name, content] : files) write_file(folder_ / name, content);
-        start();
-    } catch (...) {
-        std::filesystem::remove_all(folder_);
-        throw;
-    }
+Process::Process(const Files& files) {
+    for (const auto& [name, content] : files) folder_.write(name, content);
+    start();
 }
 
 Process::~Process() {
     kill_and_reap();
     close_end(input_);
     close_end(output_);
-    std::error_code ignored;  // a folder left behind fails no test
-    std::filesystem::remove_all(folder_, ignored);
 }
 
 void Process::start() {
@@ -112,7 +90,7 @@ void Process::start() {
     Pipe output;
     // Writing to an engine that has ended is an error to be met, not the end of the tests.
     std::signal(SIGPIPE, SIG_IGN);
-    const std::string folder = folder_.string();
+    const std::string folder = folder_.path_to(".");
     pid_ = fork();
     if (pid_ < 0) refuse("fork");
     if (pid_ == 0) become_engine(folder.c_str(), input, output);
@@ -177,12 +155,6 @@ Outcome Process::finish(milliseconds timeout) {
     if (!ended) outcome.output += "\n[killed: still running after " + std::to_string(timeout.count()) + " ms]\n";
     outcome.status = WIFEXITED(status_) ? WEXITSTATUS(status_) : -WTERMSIG(status_);
     return outcome;
-}
-
-std::string Process::file(const std::string& name) const {
-    std::ifstream stream(folder_ / name, std::ios::binary);
-    if (!stream) refuse(name);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 /// Waits until the engine takes input or gives output, and carries out what it can. False once the output has ended or

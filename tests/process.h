@@ -17,10 +17,11 @@
 #include <sys/types.h>
 
 #include <chrono>
-#include <filesystem>
 #include <map>
 #include <string>
 #include <string_view>
+
+#include "folder.h"
 
 namespace varn {
 
@@ -69,7 +70,7 @@ public:
     void limit_memory(std::size_t bytes);
 
     /// The content of a file in the engine's folder; throws if there is none.
-    std::string file(const std::string& name) const;
+    std::string file(const std::string& name) const { return folder_.read(name); }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -81,7 +82,7 @@ private:
     bool has_ended(Clock::time_point deadline);
     void kill_and_reap();
 
-    std::filesystem::path folder_;
+    Folder folder_;
     pid_t pid_ = -1;  // -1 before the start and once its status was taken
     int status_ = 0;  // as `waitpid` gave it
     int input_ = -1;  // our ends of the pipes, -1 once closed

@@ -1,9 +1,5 @@
 // The settings file and what a start makes of it.
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
 
 #include "board/types.h"
 #include "eval/pawns.h"
@@ -52,19 +48,14 @@ TEST(Startup, ReadsKeysAtTheStartOfALine) {
     const auto set = [](const Settings& s) {
         hash_bits = s[0], qhash_bytes = s[1], phash_bytes = s[2], pondering_enabled = s[3];
     };
-    const auto folder = std::filesystem::temp_directory_path() / ("varn-settings-" + std::to_string(getpid()));
-    const auto before = std::filesystem::current_path();
-    std::filesystem::create_directory(folder);
-    std::filesystem::current_path(folder);
+    const WorkingFolder folder;
     for (const auto& [text, expected] : cases) {
-        std::ofstream("varn.ini", std::ios::binary) << text;
+        folder.write("varn.ini", text);
         set(standard);
         read_configuration();
         EXPECT_EQ((Settings{{hash_bits, qhash_bytes, phash_bytes, pondering_enabled}}), expected) << text;
     }
     set(standard);
-    std::filesystem::current_path(before);
-    std::filesystem::remove_all(folder);
 }
 
 }  // namespace

@@ -70,20 +70,10 @@ TEST(Xboard, CountsItsAnswersButNotItsOpening) {
 
 // --- How a game goes and ends ---------------------------------------------------------------------------------------
 
-TEST(Xboard, AMateComesBeforeEveryDraw) {
-    const std::tuple<std::string_view, std::uint8_t, GameResult> cases[] = {
-        {"6kR/5pp1/8/8/8/8/8/K3R3 b - -", 0, GameResult::none},
-        {"4R1k1/5ppp/8/8/8/8/8/K7 b - -", 100, GameResult::white_mates},
-        {"k7/8/8/8/8/8/5PPP/4r1K1 w - -", 100, GameResult::black_mates},
-        {"k7/2Q5/8/8/8/8/8/K7 b - -", 100, GameResult::stalemate},
-        {"k7/8/8/8/8/8/8/KR6 w - -", 99, GameResult::none},
-        {"k7/8/8/8/8/8/8/KB5n w - -", 100, GameResult::fifty_moves},
-        {"k7/8/8/8/8/8/8/KB5n w - -", 0, GameResult::insufficient_material},
-    };
-    for (const auto& [text, fifty, result] : cases) {
-        const auto game = game_from(text);
-        game->fifty = fifty;
-        EXPECT_EQ(game_result(game.get()), result) << text << " " << int{fifty};
+TEST(Xboard, SaysHowGamesEnd) {
+    for (const auto& row : table_rows("status.txt")) {
+        const std::string result = row.at(4) == "-" ? "" : row.at(4) + '\n';
+        EXPECT_EQ(result_text(*game_of_row(row)), result) << row.at(0) << row.at(1);
     }
 }
 

@@ -1,0 +1,57 @@
+// Folders that come with a test and go with it, whatever is in them by then.
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <system_error>
+
+namespace varn {
+
+/// A folder of its own for whoever holds it.
+class Folder {
+public:
+    Folder() {
+        std::string name = (std::filesystem::temp_directory_path() / "varn-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) throw std::system_error(errno, std::generic_category(), name);
+        path_ = name;
+    }
+    ~Folder() {
+        std::error_code ignored;  // a folder left behind fails no test
+        std::filesystem::remove_all(path_, ignored);
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    std::string path_to(const std::string& name) const { return (path_ / name).string(); }
+
+    void write(const std::string& name, const std::string& content) const {
+        std::ofstream stream(path_to(name), std::ios::binary);
+        stream << content;
+        if (!stream.flush()) throw std::system_error(errno, std::generic_category(), name);
+    }
+    std::string read(const std::string& name) const {
+        std::ifstream stream(path_to(name), std::ios::binary);
+        if (!stream) throw std::system_error(errno, std::generic_category(), name);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+/// A folder that is the working directory meanwhile.
+class WorkingFolder : public Folder {
+public:
+    WorkingFolder() { std::filesystem::current_path(path_to(".")); }
+    ~WorkingFolder() { std::filesystem::current_path(before_); }
+    WorkingFolder(const WorkingFolder&) = delete;
+    WorkingFolder& operator=(const WorkingFolder&) = delete;
+
+private:
+    std::filesystem::path before_ = std::filesystem::current_path();
+};
+
+}  // namespace varn
