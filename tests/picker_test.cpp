@@ -43,7 +43,7 @@ bool is_quiet(Move move) { return move.kind == kind_quiet || move.kind == kind_d
 
 /// The stage that a legal move belongs to, 0 to 6; within a stage of scored moves, its score.
 std::pair<int, int> place_of(const Game& game, Move move, const Move* hash_move) {
-    if (same_move(&move, hash_move)) return {0, 0};
+    if (hash_move != nullptr && move == *hash_move) return {0, 0};
     const int i = killer_index(&game, line_ply);
     if (game.cells[move.to] != no_piece || move.kind == kind_en_passant) {
         const int gain = exchange_value(&game, move) * (game.turn == 0 ? 1 : -1);

@@ -59,10 +59,6 @@ constexpr Bitboard rotate_90(Bitboard board) { return rotate(board, r90_map); }
 constexpr Bitboard rotate_45f(Bitboard board) { return rotate(board, r45f_map); }
 constexpr Bitboard rotate_45b(Bitboard board) { return rotate(board, r45b_map); }
 
-/// Diagonal numbers 0 to 14: r + f for the r45f diagonals, r - f + 7 for the r45b ones.
-constexpr int r45f_line_of(int square) { return square / 8 + square % 8; }
-constexpr int r45b_line_of(int square) { return square / 8 - square % 8 + 7; }
-
 /// How to take the line of a square out of its board: shift right, then mask. What comes out are the line's inner
 /// squares only: whether an end square is occupied changes nothing that a slider reaches. It is the same for all
 /// squares of a line.

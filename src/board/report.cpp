@@ -64,16 +64,16 @@ const char* game_status_text(Game* game) {
     }
 }
 
-void print_game_status(Game* game) {
+void print_game_status(Game* game, WhenOver when_over) {
     if (!is_playable(game)) {
         say_text(unplayable_text);
         return;
     }
     say_text(game_status_text(game));
-    if (game_status_score(game) != 1) std::exit(0);
+    if (when_over == WhenOver::end_process && game_status_score(game) != 1) std::exit(0);
 }
 
-void print_board(Game* game) {
+void print_board(Game* game, WhenOver when_over) {
     const Game& g = *game;
     say_text(drawing([&g](int square) {
         const int white = code_on_boards<Side::white>(g, square);
@@ -85,7 +85,7 @@ void print_board(Game* game) {
     if (is_playable(game) && in_check(game)) say("\n%s is in check.\n", g.turn == 0 ? "White" : "Black");
     say("\nWhite %s.\nBlack %s.\n", castling_report(g.w_castle), castling_report(g.b_castle));
     say("\n%s to play\n\n", g.turn == 0 ? "white" : "black");
-    print_game_status(game);
+    print_game_status(game, when_over);
     say_text("\n");
 }
 

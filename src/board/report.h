@@ -12,12 +12,14 @@ inline constexpr int mate_score = 9999;
 int game_status_score(Game* game);
 /// The line that tells the same.
 const char* game_status_text(Game* game);
-/// Prints that line; a game that is over ends the process with status 0.
-void print_game_status(Game* game);
 
-/// The full report: board, keys, material, check, castling rights, side to play and status. Ends the process as
-/// `print_game_status` does.
-void print_board(Game* game);
+enum class WhenOver { end_process, go_on };
+/// Prints that line; a game that is over ends the process with status 0, or doesn't.
+void print_game_status(Game* game, WhenOver when_over = WhenOver::end_process);
+
+/// The full report: board, keys, material, check, castling rights, side to play and status. May end the process
+/// as `print_game_status` does.
+void print_board(Game* game, WhenOver when_over = WhenOver::end_process);
 /// The board drawn from `cells` alone, for comparison with the bitboards.
 void print_cells(const Game* game);
 /// Eight lines of eight digits, a8 first and h1 last.

@@ -101,9 +101,6 @@ constexpr bool is_promotion(int kind) {
     return kind <= 14 && (man == queen || man == bishop || man == knight || man == plain_rook);
 }
 
-/// Equal in all three bytes; false where either is null, also where both are.
-constexpr bool same_move(const Move* a, const Move* b) { return a != nullptr && b != nullptr && *a == *b; }
-
 /// Fixed-capacity list that all generators fill. `scores` belongs to whoever orders the moves.
 struct MoveList {
     static constexpr int capacity = 1000;
@@ -140,15 +137,6 @@ inline constexpr auto signed_piece_values = [] {
     auto values = piece_values;
     for (int code = 8; code < piece_code_count; ++code) values[code] = -values[code];
     return values;
-}();
-
-/// By the promotion kinds of a `Move`: the new piece less the pawn, negative for black.
-inline constexpr auto promotion_gain = [] {
-    Table<std::int32_t, piece_code_count> gain{};
-    for (int kind = 0; kind < piece_code_count; ++kind) {
-        if (is_promotion(kind)) gain[kind] = signed_piece_values[kind] - signed_piece_values[kind < 8 ? 7 : 15];
-    }
-    return gain;
 }();
 
 }  // namespace varn

@@ -63,10 +63,10 @@ void compare_games(const Game* a, const Game* b) {
     Game first = *a;
     Game second = *b;
     say_text("GAMES NOT EQUAL!!!\n");
-    print_board(&first);
+    print_board(&first, WhenOver::go_on);
     print_cells(&first);
     say_text("--------------------------\n");
-    print_board(&second);
+    print_board(&second, WhenOver::go_on);
     print_cells(&second);
     std::exit(1);
 }
