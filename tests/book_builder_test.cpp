@@ -28,12 +28,13 @@ Built build(const std::string& pgn, int plies, long fewest_games, std::size_t mo
 }
 
 TEST(BookBuilder, ReadsGamesAsTheyCome) {
+    const char* const annotated =
+        "[White \"A\"] [Black \"B\"]\r\n1. e4 {best {by test\r\n[Eval 0.3] } e5 $1 2. Nf3! ( 2. f4 (2. Bc4 {; )} Nf6) "
+        "exf4 ) 2... Nc6!? ; the rest (of the line\r\n3. Bb5 a6 1/2-1/2\r\n";
     const char* const games[] = {
         "[Event \"a ] b\"]\n[Site \"\\\"x\\\" ]\"]\n\n1. e4 e5 2. Nf3 Nc6 1-0\n",
         "1.e4 e5 2.Ng1-f3 Nb8c6 *\n",
-        "[White \"A\"] [Black \"B\"]\r\n1. e4 {best {by test\r\n[Eval 0.3] } e5 $1 2. Nf3! ( 2. f4 (2. Bc4 {; )} Nf6) "
-        "exf4 ) "
-        "2... Nc6!? ; the rest (of the line\r\n3. Bb5 a6 1/2-1/2\r\n",
+        annotated,
         "\xEF\xBB\xBF[Event \"?\"]\n% a remark e9\n1 e4 1... e5 2 Nf3 += 2... Nc6 {open\n\n[Event \"?\"]\n1. d4 d5 0-1",
         "e4 e5 Nf3 Nc6",
     };
