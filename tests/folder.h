@@ -1,6 +1,7 @@
 // Folders that come with a test and go with it, whatever is in them by then.
 #pragma once
 
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
