@@ -1,5 +1,6 @@
 #include "board/make.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cstddef>
 #include <cstring>
@@ -341,6 +342,12 @@ void pop_keys(Game& game) {
 void reset_draw_hash(Game& game) {
     game.draw_hash_count = 0;
     push_keys(game);
+}
+
+void drop_old_keys(Game& game) {
+    const std::uint32_t kept = std::min<std::uint32_t>(game.draw_hash_count, game.fifty + 1U);
+    std::copy_n(game.draw_hash.begin() + (game.draw_hash_count - kept), kept, game.draw_hash.begin());
+    game.draw_hash_count = kept;
 }
 
 void make_and_push(Game& game, Move move) {

@@ -45,6 +45,9 @@ void pop_keys(Game& game);
 /// `draw_hash` holds the present position alone.
 void reset_draw_hash(Game& game);
 
+/// Keys of positions that no later one can repeat leave `draw_hash`.
+void drop_old_keys(Game& game);
+
 void make_and_push(Game& game, Move move);
 /// The inverse of `make_and_push`.
 void retract_move(Game& game, Move move, const UndoRecord& undo);

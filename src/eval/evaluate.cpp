@@ -161,6 +161,30 @@ template <Side S> int placement(const Game& g) {
            knight_placement<S>(g) + blocked_centre<S>(g) + kings_near_pawns<S>(g);
 }
 
+// --- The sum --------------------------------------------------------------------------------------------------------
+
+/// Hands out every term but material and pawns as `visit(name, for white, for black)`.
+template <typename Visit> void visit_terms(const Game& g, const EvalContext& context, Visit visit) {
+    constexpr Side white = Side::white;
+    constexpr Side black = Side::black;
+    visit("piece placement", placement<white>(g), placement<black>(g));
+    visit("open files", open_files<white>(g), open_files<black>(g));
+    visit("open files by king", open_files_beside_king<white>(g), open_files_beside_king<black>(g));
+    visit("half-open files", half_open_files<white>(g), half_open_files<black>(g));
+    visit("bishop pair", bishop_pair<white>(g), bishop_pair<black>(g));
+    visit("trades", trades<white>(g, context), trades<black>(g, context));
+    visit("seventh rank", seventh_rank<white>(g), seventh_rank<black>(g));
+    visit("undeveloped minors", undeveloped_minors<white>(g), undeveloped_minors<black>(g));
+    visit("early queen", early_queen<white>(g), early_queen<black>(g));
+    visit("queen against rooks", queen_against_rooks<white>(g), queen_against_rooks<black>(g));
+    if (kings_are_safe(g)) return;
+
+    const int safety = king_shelter(g) + king_attack(g);
+    visit("king shelter", king_shelter_of<white>(g), king_shelter_of<black>(g));
+    visit("king attack", king_attack_of<white>(g), king_attack_of<black>(g));
+    visit("queen in attack", queen_in_attack<white>(g, safety), queen_in_attack<black>(g, -safety));
+}
+
 }  // namespace
 
 // A rook suffers more from lacking squares, above all along its rank, than it gains from having them.
@@ -195,24 +219,25 @@ int piece_placement(const Game& game) {
 }
 
 int evaluate(const Game& g, EvalContext& context) {
+    const PawnScores pawns = score_pawns(context.pawns, g);
+    int score = g.material + pawns.placement + pawns.terms;
+    visit_terms(g, context, [&score](std::string_view, int white, int black) { score += white - black; });
+    return score;
+}
+
+std::vector<EvalTerm> evaluation_terms(const Game& g, const EvalContext& context) {
     constexpr Side white = Side::white;
     constexpr Side black = Side::black;
-    const PawnScores pawns = score_pawns(context.pawns, g);
-    int s = g.material + placement<white>(g) - placement<black>(g) + pawns.placement + pawns.terms;
-    s += open_files<white>(g) - open_files<black>(g);
-    s += open_files_beside_king<white>(g) - open_files_beside_king<black>(g);
-    s += half_open_files<white>(g) - half_open_files<black>(g);
-    s += bishop_pair<white>(g) - bishop_pair<black>(g);
-    s += trades<white>(g, context) - trades<black>(g, context);
-    s += seventh_rank<white>(g) - seventh_rank<black>(g);
-    s += undeveloped_minors<white>(g) - undeveloped_minors<black>(g);
-    s += early_queen<white>(g) - early_queen<black>(g);
-    s += queen_against_rooks<white>(g) - queen_against_rooks<black>(g);
-    if (kings_are_safe(g)) return s;
-
-    const int safety = king_shelter(g) + king_attack(g);
-    s += queen_in_attack<white>(g, safety) - queen_in_attack<black>(g, -safety);
-    return s + safety;
+    std::vector<EvalTerm> terms = {
+        {"material", g.w_material, g.b_material},
+        {"pawn placement", pawn_placement_of<white>(g), pawn_placement_of<black>(g)},
+        {"pawn structure", pawn_structure_of<white>(g), pawn_structure_of<black>(g)},
+        {"passed pawns", passed_pawns_of<white>(g), passed_pawns_of<black>(g)},
+    };
+    visit_terms(g, context, [&terms](std::string_view name, int for_white, int for_black) {
+        terms.push_back({name, for_white, for_black});
+    });
+    return terms;
 }
 
 }  // namespace varn

@@ -4,6 +4,9 @@
 // All scores are in centipawns; from white's point of view, unless said otherwise.
 #pragma once
 
+#include <string_view>
+#include <vector>
+
 #include "board/game.h"
 #include "eval/pawns.h"
 
@@ -20,6 +23,17 @@ struct EvalContext {
 
 /// The score of the position.
 int evaluate(const Game& game, EvalContext& context);
+
+/// One term for either side, in centipawns from the side's own point of view.
+struct EvalTerm {
+    std::string_view name;
+    int white;
+    int black;
+};
+
+/// The terms whose differences make up the score of a position of which the pawn hash table knows nothing. Leaves out
+/// what the phase of the game switches off.
+std::vector<EvalTerm> evaluation_terms(const Game& game, const EvalContext& context);
 
 /// The part of it that comes from where the pieces stand: square tables, mobility, closeness to the enemy king.
 int piece_placement(const Game& game);

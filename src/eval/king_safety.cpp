@@ -46,10 +46,14 @@ template <Side S> int shelter_on(const Game& g, const Wing& wing) {
     return score;
 }
 
-template <Side S> int shelter(const Game& g) {
+}  // namespace
+
+template <Side S> int king_shelter_of(const Game& g) {
     if (has_few_men<other(S)>(g)) return 0;
     return shelter_on<S>(g, kingside_wing<S>) + shelter_on<S>(g, queenside_wing<S>);
 }
+
+namespace {
 
 // --- Attack -------------------------------------------------------------------------------------------------------
 
@@ -67,7 +71,9 @@ constexpr Table<std::int32_t, 33> king_attack_weights = {{
     600, 600, 600, 600, 600, 600, 600, 600, 600, 600, 600,  //
 }};
 
-template <Side S> int attack(const Game& g) {
+}  // namespace
+
+template <Side S> int king_attack_of(const Game& g) {
     const Bitboard zone = king_zone[king_square_of<other(S)>(g)];
     const int count = queen_attack * popcount(queens_of<S>(g) & zone) + rook_attack * popcount(rooks_of<S>(g) & zone) +
                       minor_attack * popcount((knights_of<S>(g) | bishops_of<S>(g)) & zone) +
@@ -75,6 +81,8 @@ template <Side S> int attack(const Game& g) {
     // A crowd of promoted queens counts for more than the table holds.
     return king_attack_weights[std::min(count, king_attack_weights.size() - 1)];
 }
+
+namespace {
 
 // --- Control ------------------------------------------------------------------------------------------------------
 
@@ -100,9 +108,14 @@ template <Side S> int danger(const Game& g, Bitboard region) {
 
 }  // namespace
 
-int king_shelter(const Game& game) { return shelter<Side::white>(game) - shelter<Side::black>(game); }
+template int king_shelter_of<Side::white>(const Game& game);
+template int king_shelter_of<Side::black>(const Game& game);
+template int king_attack_of<Side::white>(const Game& game);
+template int king_attack_of<Side::black>(const Game& game);
 
-int king_attack(const Game& game) { return attack<Side::white>(game) - attack<Side::black>(game); }
+int king_shelter(const Game& game) { return king_shelter_of<Side::white>(game) - king_shelter_of<Side::black>(game); }
+
+int king_attack(const Game& game) { return king_attack_of<Side::white>(game) - king_attack_of<Side::black>(game); }
 
 // The attackers may come in any order: who joins in behind a man hangs on the board alone. A king may come only where
 // no enemy is left to capture it; of two kings neither can, and counting both comes to the same.

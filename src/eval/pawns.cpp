@@ -158,4 +158,15 @@ int pawn_terms(PawnTable& table, const Game& game) { return score_pawns(table, g
 
 int pawn_placement(const Game& game) { return squares_score<Side::white>(game) - squares_score<Side::black>(game); }
 
+template <Side S> int pawn_placement_of(const Game& game) { return squares_score<S>(game); }
+template <Side S> int pawn_structure_of(const Game& game) { return structure<S>(game); }
+template <Side S> int passed_pawns_of(const Game& game) { return passed_score<S>(game, passed_pawns<S>(game)); }
+
+template int pawn_placement_of<Side::white>(const Game& game);
+template int pawn_placement_of<Side::black>(const Game& game);
+template int pawn_structure_of<Side::white>(const Game& game);
+template int pawn_structure_of<Side::black>(const Game& game);
+template int passed_pawns_of<Side::white>(const Game& game);
+template int passed_pawns_of<Side::black>(const Game& game);
+
 }  // namespace varn

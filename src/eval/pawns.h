@@ -56,7 +56,12 @@ PawnScores score_pawns(PawnTable& table, const Game& game);
 /// The terms alone.
 int pawn_terms(PawnTable& table, const Game& game);
 
-/// The placement worked out anew, without the table.
+// Worked out anew, without the table.
+
 int pawn_placement(const Game& game);
+// For side S, from its own point of view.
+template <Side S> int pawn_placement_of(const Game& game);
+template <Side S> int pawn_structure_of(const Game& game);
+template <Side S> int passed_pawns_of(const Game& game);
 
 }  // namespace varn

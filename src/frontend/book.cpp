@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "base/file.h"
-#include "base/output.h"
 #include "board/legality.h"
 #include "board/notation.h"
 
@@ -15,8 +14,6 @@ namespace {
 
 constexpr int last_book_ply = 20;       // moves with a greater number in the game end the book
 constexpr std::size_t move_length = 4;  // characters of a move in a row
-
-std::vector<std::string> book_lines;  // without their line ends
 
 /// The next row of the file, its line end taken off; none at the end of the file.
 std::optional<std::string> read_row(std::FILE* file) {
@@ -41,37 +38,31 @@ bool is_candidate(std::string_view row, std::string_view text) {
 }
 
 /// One of the rows that go on from the text, each as likely as the others; null where there is none.
-const std::string* draw_row(std::string_view text, RandomSource& random) {
+const std::string* draw_row(Book& book, std::string_view text) {
     std::vector<const std::string*> candidates;
-    for (const std::string& row : book_lines) {
+    for (const std::string& row : book.rows) {
         if (is_candidate(row, text)) candidates.push_back(&row);
     }
-    return candidates.empty() ? nullptr : candidates[random.below(candidates.size())];
+    return candidates.empty() ? nullptr : candidates[book.random.below(candidates.size())];
 }
 
 }  // namespace
 
-void load_book(const char* file_name) {
-    book_lines.clear();
-    const File file = open_for_reading(file_name);
-    if (file == nullptr) return;
+BookFault load_book(Book& book, const std::string& file_name, std::uint64_t seed) {
+    book = {{}, RandomSource(seed)};
+    const File file = open_for_reading(file_name.c_str());
+    if (file == nullptr) return BookFault::no_file;
     while (auto row = read_row(file.get())) {
-        if (book_line_count() == book_capacity) {
-            say("%s has more than %d rows: the rest is left out.\n", file_name, book_capacity);
-            return;
-        }
-        book_lines.push_back(std::move(*row));
+        if (book.rows.size() == book_capacity) return BookFault::too_long;
+        book.rows.push_back(std::move(*row));
     }
+    return BookFault::none;
 }
 
-int book_line_count() { return static_cast<int>(book_lines.size()); }
-
-const std::string& book_line(int row) { return book_lines[static_cast<std::size_t>(row)]; }
-
-std::optional<Move> book_move(const Game& game, RandomSource& random) {
+std::optional<Move> book_move(Book& book, const Game& game) {
     const auto text = text_of_game(game);
     if (!text) return std::nullopt;
-    const std::string* row = draw_row(*text, random);
+    const std::string* row = draw_row(book, *text);
     if (row == nullptr) return std::nullopt;
     const Move move = parse_move(game, std::string_view(*row).substr(text->size(), move_length));
     return is_valid_move(game, move) ? std::optional(move) : std::nullopt;

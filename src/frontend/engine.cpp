@@ -5,7 +5,6 @@
 
 #include "base/output.h"
 #include "board/zobrist.h"
-#include "frontend/book.h"
 
 namespace varn {
 
@@ -77,7 +76,7 @@ std::optional<Move> choose_move(Engine& engine, const Game& game, const SearchLi
     Search& s = *engine.search;
     s.predicted_move.reset();
     if (engine.book_enabled) {
-        if (const auto move = book_move(game, engine.book_random)) return move;
+        if (const auto move = book_move(engine.book, game)) return move;
         engine.book_enabled = false;
     }
     return think(s, game, {.depth = engine.ply_limit}, listener);

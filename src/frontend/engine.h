@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "base/random.h"
 #include "board/position.h"
+#include "frontend/book.h"
 #include "frontend/configuration.h"
 #include "search/think.h"
 
@@ -18,8 +18,8 @@ struct Engine {
     std::unique_ptr<Search> search = new_search();
     std::int32_t ply_limit = deepest_iteration;  // the last iteration of a search, as the user asked for it
 
-    bool book_enabled = false;                   // the opening book is asked before any search
-    RandomSource book_random = RandomSource(0);  // draws among its rows
+    Book book;
+    bool book_enabled = false;  // the opening book is asked before any search
 
     std::unique_ptr<Game> game;
     // Taking moves back is playing the game again from where it began.

@@ -6,7 +6,6 @@
 
 #include "base/output.h"
 #include "board/zobrist.h"
-#include "frontend/book.h"
 
 namespace varn {
 
@@ -18,12 +17,14 @@ namespace {
     std::_Exit(1);
 }
 
+constexpr const char* book_file_name = "book.dat";
+
+}  // namespace
+
 std::uint64_t clock_seed() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return static_cast<std::uint64_t>(std::chrono::nanoseconds(now).count());
 }
-
-}  // namespace
 
 void set_up_process() {
     std::set_new_handler(end_without_memory);
@@ -39,8 +40,9 @@ std::unique_ptr<Engine> start_up() {
         std::exit(1);
     }
     engine->configuration = *configuration;
-    engine->book_random = RandomSource(clock_seed());
-    load_book();
+    if (load_book(engine->book, book_file_name, clock_seed()) == BookFault::too_long) {
+        say("%s has more than %d rows: the rest is left out.\n", book_file_name, book_capacity);
+    }
     allocate_tables(*engine);
     start_game(*engine);
     return engine;
