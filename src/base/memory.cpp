@@ -7,15 +7,6 @@ namespace varn {
 
 namespace {
 
-/// Whether the machine has that much memory at all, in use or not. The system itself promises more than it has, and the
-/// process would end without a word when it comes to be touched.
-bool fits_in_memory(std::uint64_t bytes) {
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long page_bytes = sysconf(_SC_PAGE_SIZE);
-    if (pages < 0 || page_bytes < 0) return true;  // the machine doesn't tell: let the allocation decide
-    return bytes <= static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(page_bytes);
-}
-
 /// Asks for pages as large as the system has. A table is read all over, and with small pages nearly every look into it
 /// waits for the page's own entry to be found first. Where the system refuses, nothing is lost but time.
 void prefer_large_pages([[maybe_unused]] void* block, [[maybe_unused]] std::uint64_t bytes) {
@@ -34,8 +25,17 @@ constexpr std::uint64_t lazy_bytes = 256 << 20;
 
 }  // namespace
 
+std::uint64_t physical_memory_bytes() {
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long page_bytes = sysconf(_SC_PAGE_SIZE);
+    if (pages < 0 || page_bytes < 0) return std::numeric_limits<std::uint64_t>::max();
+    return static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(page_bytes);
+}
+
+// The system itself promises more memory than it has, and the process would end without a word when it comes to be
+// touched.
 void* zeroed_bytes(std::uint64_t bytes) {
-    if (!fits_in_memory(bytes)) return nullptr;
+    if (bytes > physical_memory_bytes()) return nullptr;
     void* block = std::calloc(1, bytes);
     if (block == nullptr) return nullptr;
     prefer_large_pages(block, bytes);

@@ -11,6 +11,9 @@
 
 namespace varn {
 
+/// Of the machine, in use or not; as much as can be counted where the machine doesn't tell.
+std::uint64_t physical_memory_bytes();
+
 /// Zeroed bytes for `std::free`; null if there isn't enough memory.
 void* zeroed_bytes(std::uint64_t bytes);
 

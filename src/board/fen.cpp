@@ -20,7 +20,7 @@ bool contains(std::string_view letters, char c) { return letters.find(c) != std:
 
 /// Takes a field off the front of the text, blanks before it included; empty at the end.
 std::string_view take_field(std::string_view& text) {
-    constexpr std::string_view blanks = " \t";
+    constexpr std::string_view blanks = " \t\r\n\v\f";
     text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
     const std::string_view field = text.substr(0, text.find_first_of(blanks));
     text.remove_prefix(field.size());

@@ -31,4 +31,15 @@ std::optional<std::string> read_line() {
     return line.empty() ? std::nullopt : std::optional(line);
 }
 
+std::optional<WholeLine> read_whole_line() {
+    int c = next_character();
+    if (c == EOF) return std::nullopt;
+    WholeLine line;
+    for (; c != EOF && c != '\n'; c = next_character()) {
+        line.is_too_long = line.is_too_long || line.text.size() == longest_line;
+        if (!line.is_too_long) line.text += static_cast<char>(c);
+    }
+    return line;
+}
+
 }  // namespace varn

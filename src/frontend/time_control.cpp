@@ -51,6 +51,18 @@ Allocation allocate_time(const TimeControl& control, std::int32_t centiseconds) 
     return {remaining_ms, planned_ms, std::min(planned_ms, limit(remaining_ms * 9 / 10))};
 }
 
+std::int32_t allocate_time(const GameClock& clock, std::int64_t overhead_ms) {
+    constexpr std::int64_t longest_ms = std::numeric_limits<std::int32_t>::max();
+    const std::int64_t time_ms = std::clamp<std::int64_t>(clock.time_ms, 0, longest_ms);
+    const std::int64_t increment_ms = std::clamp<std::int64_t>(clock.increment_ms, 0, longest_ms);
+    const std::int64_t usable_ms = std::max<std::int64_t>(0, time_ms - overhead_ms);
+    const std::int64_t moves = clock.moves_to_go > 0 ? std::min(clock.moves_to_go, moves_planned) : moves_planned;
+    // A move never takes so much that the clock could not bear some moves more; the last one before the control may.
+    const std::int64_t highest_ms = clock.moves_to_go == 1 ? usable_ms * 9 / 10 : usable_ms / 3;
+    const std::int64_t share_ms = usable_ms / moves + increment_ms;
+    return limit(std::max<std::int64_t>(1, std::min(share_ms, highest_ms)));
+}
+
 void count_turn(TimeControl& control) {
     if (control.turns_left > std::numeric_limits<std::int32_t>::min()) --control.turns_left;
     if (control.turns_left == 1) control.turns_left = control.moves_per_control;

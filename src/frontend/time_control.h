@@ -30,6 +30,17 @@ struct Allocation {
 
 Allocation allocate_time(const TimeControl& control, std::int32_t centiseconds);
 
+/// The clock of the side to move, as a client tells it before a move.
+struct GameClock {
+    std::int64_t time_ms;
+    std::int64_t increment_ms = 0;
+    std::int64_t moves_to_go = 0;  // until the next control; 0: the time is for the rest of the game
+};
+
+/// What bounds the search of a move, in milliseconds: its share of the time, with what every move loses beside search
+/// taken off, and never more than the clock allows.
+std::int32_t allocate_time(const GameClock& clock, std::int64_t overhead_ms);
+
 /// The engine has answered a move: one less to go until the next control.
 void count_turn(TimeControl& control);
 

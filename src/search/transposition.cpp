@@ -73,6 +73,15 @@ HashEntry* probe(const TranspositionTable& table, PositionKeys keys, int depth) 
     return &entry;
 }
 
+/// Of the first `slots` ones.
+std::uint64_t used_slots(const TranspositionTable& table, std::uint64_t slots) {
+    std::uint64_t used = 0;
+    for (std::uint64_t i = 0; i < slots; ++i) {
+        if (table.slots[i].generation == table.generation && table.slots[i].lock != 0) ++used;
+    }
+    return used;
+}
+
 }  // namespace
 
 bool hash_allocate(TranspositionTable& table, int bits) {
@@ -150,11 +159,13 @@ bool enhanced_transposition(TranspositionTable& table, const Game& game, MoveLis
     return false;
 }
 
+int hash_permille(const TranspositionTable& table) {
+    const std::uint64_t looked_at = std::min<std::uint64_t>(1000, table.entries.value);
+    return static_cast<int>(used_slots(table, looked_at) * 1000 / looked_at);
+}
+
 std::string hash_stats_text(const TranspositionTable& table) {
-    std::uint64_t used = 0;
-    for (std::uint64_t i = 0; i < table.entries.value; ++i) {
-        if (table.slots[i].generation == table.generation && table.slots[i].lock != 0) ++used;
-    }
+    const std::uint64_t used = used_slots(table, table.entries.value);
     const std::uint64_t all = std::max<std::uint64_t>(1, table.entries.value);
     return "Transposition table usage: " + std::to_string(used * 100 / all) +
            "%\nTransposition table size (bytes): " + std::to_string(table.entries.value * reckoned_bytes) + '\n';

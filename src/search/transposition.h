@@ -93,6 +93,9 @@ void qhash_store(QuiescenceTable& table, const Game& game, int score, std::uint8
 /// above all others of the list. Returns whether there is one; the scores of all others are 0.
 bool enhanced_transposition(TranspositionTable& table, const Game& game, MoveList& list, int wanted_depth, int beta);
 
+/// How full the table is, in thousandths, told by its first thousand slots.
+int hash_permille(const TranspositionTable& table);
+
 /// Two lines on the transposition table's use and size.
 std::string hash_stats_text(const TranspositionTable& table);
 

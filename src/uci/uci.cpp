@@ -1,0 +1,199 @@
+#include "uci/uci.h"
+
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include "base/output.h"
+#include "board/fen.h"
+#include "board/legality.h"
+#include "board/notation.h"
+#include "board/report.h"
+#include "frontend/command_line.h"
+#include "frontend/input.h"
+#include "frontend/version.h"
+#include "uci/info.h"
+
+namespace varn {
+
+namespace {
+
+// --- The game -------------------------------------------------------------------------------------------------------
+
+/// A text that names two squares of the board and perhaps a piece; whether that is a move, the position tells.
+bool is_move_shaped(std::string_view text) {
+    const bool has_length = text.size() == 4 || (text.size() == 5 && text[4] != '\n');
+    return has_length && square_from_text(text) >= 0 && square_from_text(text.substr(2)) >= 0;
+}
+
+/// Positions that no later one can repeat are dropped, so that no game is too long.
+void play_on(Uci& uci, Move move) {
+    Game& game = *uci.game;
+    if (game.draw_hash_count > max_game_moves) drop_old_keys(game);
+    make_and_push(game, move);
+    add_game_move(game, move);
+    ++uci.plies_played;
+}
+
+/// Plays the moves of a `position` line up to the first that isn't legal.
+void play_moves(Uci& uci, std::string_view moves) {
+    for (std::string_view word = take_word(moves); !word.empty(); word = take_word(moves)) {
+        const Move move = parse_move(*uci.game, word);
+        if (!is_move_shaped(word) || !is_valid_move(*uci.game, move)) {
+            say_info("illegal move: " + std::string(word));
+            return;
+        }
+        play_on(uci, move);
+    }
+}
+
+void set_position_command(Uci& uci, std::string_view arguments) {
+    constexpr std::string_view moves_word = "moves";
+    const std::string_view kind = take_word(arguments);
+    std::string_view fen = start_fen;
+    std::string_view moves;
+    // The word "moves" ends the text of the position.
+    std::string_view rest = arguments;
+    std::string_view word = take_word(rest);
+    while (!word.empty() && word != moves_word) word = take_word(rest);
+    if (word == moves_word) moves = rest;
+    if (kind == "fen") {
+        fen = arguments.substr(0, arguments.size() - rest.size() - word.size());
+    } else if (kind != "startpos") {
+        say_info("a position is startpos or fen");
+        return;
+    }
+    FenReading reading = read_fen(fen);
+    if (reading.game == nullptr) {
+        say_info("position refused: " + reading.fault);
+        return;
+    }
+    uci.game = std::move(reading.game);
+    uci.first_move_number = reading.move_number;
+    uci.plies_played = 0;
+    uci.from_start = kind == "startpos";
+    play_moves(uci, moves);
+}
+
+// --- Other commands -------------------------------------------------------------------------------------------------
+
+void tell_identity(Uci&, std::string_view) {
+    say_text("id name " + std::string(program_name) + "\nid author the Varn developers\n\n" + options_text() +
+             "uciok\n");
+}
+
+void set_debug(Uci& uci, std::string_view arguments) {
+    const std::string_view word = take_word(arguments);
+    if (word == "on" || word == "off") uci.debug = word == "on";
+}
+
+/// Waits for the tables' memory now, while no clock runs.
+void say_ready(Uci& uci, std::string_view) {
+    if (!uci.tables_are_real && !uci.job.thread.is_active) {
+        make_tables_real(uci.search->tables);
+        uci.tables_are_real = true;
+    }
+    say_text("readyok\n");
+}
+
+void start_new_game(Uci& uci, std::string_view) {
+    finish_search(uci);
+    forget_all(*uci.search);
+}
+
+void stop_command(Uci& uci, std::string_view) { stop(uci); }
+void ponder_hit_command(Uci& uci, std::string_view) { ponder_hit(uci); }
+
+void show_position(Uci& uci, std::string_view) {
+    const Game& game = *uci.game;
+    // Where black began, the number rises with black's first move.
+    const bool black_began = (uci.plies_played % 2 == 0) == (game.turn == Side::black);
+    const int number = uci.first_move_number + (uci.plies_played + (black_began ? 1 : 0)) / 2;
+    say_text('\n' + diagram_text(game) + "\nFen: " + fen_text(game, number) + '\n');
+}
+
+std::string in_pawns(int centipawns) {
+    char text[16];
+    static_cast<void>(std::snprintf(text, sizeof text, "%+.2f", centipawns / 100.0));
+    return text;
+}
+
+std::string evaluation_row(std::string_view name, const std::string& white, const std::string& black,
+                           const std::string& total) {
+    char row[80];
+    static_cast<void>(std::snprintf(row, sizeof row, "%-20.*s %9s %9s %9s\n", static_cast<int>(name.size()),
+                                    name.data(), white.c_str(), black.c_str(), total.c_str()));
+    return row;
+}
+
+void show_evaluation(Uci& uci, std::string_view) {
+    std::string text = evaluation_row("term", "white", "black", "total");
+    int white = 0;
+    int black = 0;
+    for (const EvalTerm& term : evaluation_terms(*uci.game, uci.eval)) {
+        text +=
+            evaluation_row(term.name, in_pawns(term.white), in_pawns(term.black), in_pawns(term.white - term.black));
+        white += term.white;
+        black += term.black;
+    }
+    text += evaluation_row("sum", in_pawns(white), in_pawns(black), in_pawns(white - black));
+    say_text('\n' + text + "\nin pawns, from white's point of view\n");
+}
+
+// --- The table ------------------------------------------------------------------------------------------------------
+
+struct Command {
+    std::string_view word;
+    void (*run)(Uci& uci, std::string_view arguments);
+};
+
+constexpr Command commands[] = {
+    {"uci", tell_identity},
+    {"debug", set_debug},
+    {"isready", say_ready},
+    {"setoption", set_option},
+    {"ucinewgame", start_new_game},
+    {"position", set_position_command},
+    {"go", go},
+    {"stop", stop_command},
+    {"ponderhit", ponder_hit_command},
+    {"d", show_position},
+    {"eval", show_evaluation},
+    {"perft", count_by_move},
+};
+
+const Command* command_of(std::string_view word) {
+    for (const Command& command : commands) {
+        if (command.word == word) return &command;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+bool start_uci(Uci& uci) { return allocate_tables(*uci.search, {}) == TableFault::none; }
+
+// Words in front of a command that the front end doesn't know are passed over.
+bool uci_step(Uci& uci, std::string_view line) {
+    for (std::string_view word = take_word(line); !word.empty(); word = take_word(line)) {
+        if (word == "quit") return false;
+        if (const Command* command = command_of(word)) {
+            command->run(uci, line);
+            return true;
+        }
+    }
+    return true;
+}
+
+void uci_loop(Uci& uci) {
+    while (const auto line = read_whole_line()) {
+        if (line->is_too_long) {
+            say_info("a line was too long to be read");
+        } else if (!uci_step(uci, line->text)) {
+            break;
+        }
+    }
+    finish_search(uci);
+}
+
+}  // namespace varn
