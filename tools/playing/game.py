@@ -1,0 +1,68 @@
+"""A game with its history, and how it stands by the rules."""
+
+import collections
+import re
+
+from playing.rules import START, Position, coordinates
+
+LENGTH_LIMIT = 1000  # plies, which is as many as Varn records
+
+
+class Game:
+    """The moves that led from the first position to the present one."""
+
+    def __init__(self, fen=START):
+        self.first = self.position = Position(fen)
+        self.moves, self.sans, self.seen = [], [], collections.Counter([self.position.key()])
+
+    def play(self, move, with_san=False):
+        if with_san:
+            self.sans.append(self.position.san(move))
+        self.moves.append(coordinates(move))
+        self.position = self.position.after(move)
+        self.seen[self.position.key()] += 1
+
+    def follow(self, text):
+        """Plays the move that a text in coordinates names; gives whether it is legal."""
+        move = self.position.parse_coordinates(text)
+        if move is not None:
+            self.play(move)
+        return move is not None
+
+    def uci_position(self, *more):
+        """The command that sets this position up, with the moves that are to follow."""
+        start = "startpos" if self.first.fen() == START else "fen " + self.first.fen()
+        moves = [*self.moves, *more]
+        return "position " + start + (" moves " + " ".join(moves) if moves else "")
+
+    def end(self):
+        """The result and its reason where the game is over, else nothing."""
+        position = self.position
+        if not position.has_legal_move():
+            if not position.in_check():
+                return "1/2-1/2", "stalemate"
+            return ("0-1", "Black mates") if position.white else ("1-0", "White mates")
+        if is_dead(position):
+            return "1/2-1/2", "insufficient material"
+        if self.seen[position.key()] >= 3:
+            return "1/2-1/2", "repetition"
+        if position.fifty >= 100:
+            return "1/2-1/2", "fifty moves"
+        return ("1/2-1/2", "length of the game") if len(self.moves) >= LENGTH_LIMIT else None
+
+
+def is_dead(position):
+    """Neither side has the material for any mate: bare kings, one minor piece, or bishops on squares of one colour."""
+    board = "".join(position.board)
+    if re.search("[PRQprq]", board):
+        return False
+    minors = [(square, piece.lower()) for square, piece in enumerate(board) if piece in "NBnb"]
+    colours = {(square % 8 + square // 8) % 2 for square, _ in minors}
+    return len(minors) <= 1 or all(piece == "b" for _, piece in minors) and len(colours) == 1
+
+
+def has_bare_pieces(position):
+    """No pawn, rook or queen, and at most one bishop or knight a side, which Varn calls a draw at once."""
+    board = "".join(position.board)
+    minors = [len(re.findall(side, board)) for side in ("[BN]", "[bn]")]
+    return not re.search("[PRQprq]", board) and max(minors) < 2
