@@ -82,6 +82,7 @@ class Child:
     def __init__(self, command, folder):
         self.folder = pathlib.Path(folder)
         self.lines, self.dialogue = queue.SimpleQueue(), collections.deque(maxlen=DIALOGUE_LINES)
+        self.sending = threading.Lock()  # another thread may end the program meanwhile
         self.started, self.status, self.output_ended = time.monotonic(), None, False
         with open(self.folder / "errors", "wb") as errors, running_lock:
             if closing.is_set():
@@ -122,14 +123,12 @@ class Child:
         for line in lines:
             self._note(">", line, time.monotonic())
         unsent = ("\n".join(lines) + "\n").encode()
-        while unsent:
-            _, ready, _ = select.select([], [self.process.stdin], [], PATIENCE)
-            if not ready:
-                raise Silence("read no line for %d s" % PATIENCE)
-            try:
+        with self.sending, contextlib.suppress(BrokenPipeError):
+            while unsent and not self.process.stdin.closed:
+                _, ready, _ = select.select([], [self.process.stdin], [], PATIENCE)
+                if not ready:
+                    raise Silence("read no line for %d s" % PATIENCE)
                 unsent = unsent[os.write(self.process.stdin.fileno(), unsent):]
-            except BrokenPipeError:
-                return
 
     def read_before(self, deadline):
         """The next line with its time, or nothing where none has come by then."""
@@ -194,7 +193,9 @@ class Child:
             running.remove(self)
             with contextlib.suppress(ProcessLookupError):
                 os.killpg(self.process.pid, signal.SIGKILL)
-            self.process.wait()  # its input is closed with the object, since another thread may just be sending
+            self.process.wait()
+        with self.sending:
+            self.process.stdin.close()
 
     def end(self, patience=PATIENCE):
         """Says quit and waits; gives what is to be said against the way in which the program ended."""
