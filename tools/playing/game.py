@@ -13,11 +13,9 @@ class Game:
 
     def __init__(self, fen=START):
         self.first = self.position = Position(fen)
-        self.moves, self.sans, self.seen = [], [], collections.Counter([self.position.key()])
+        self.moves, self.seen = [], collections.Counter([self.position.key()])
 
-    def play(self, move, with_san=False):
-        if with_san:
-            self.sans.append(self.position.san(move))
+    def play(self, move):
         self.moves.append(coordinates(move))
         self.position = self.position.after(move)
         self.seen[self.position.key()] += 1
@@ -35,6 +33,10 @@ class Game:
         moves = [*self.moves, *more]
         return "position " + start + (" moves " + " ".join(moves) if moves else "")
 
+    def repeated(self):
+        """Whether the present position stands for the third time."""
+        return self.seen[self.position.key()] >= 3
+
     def end(self):
         """The result and its reason where the game is over, else nothing."""
         position = self.position
@@ -44,7 +46,7 @@ class Game:
             return ("0-1", "Black mates") if position.white else ("1-0", "White mates")
         if is_dead(position):
             return "1/2-1/2", "insufficient material"
-        if self.seen[position.key()] >= 3:
+        if self.repeated():
             return "1/2-1/2", "repetition"
         if position.fifty >= 100:
             return "1/2-1/2", "fifty moves"
