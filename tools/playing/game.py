@@ -15,6 +15,12 @@ class Game:
         self.first = self.position = Position(fen)
         self.moves, self.seen = [], collections.Counter([self.position.key()])
 
+    def copy(self):
+        result = Game.__new__(Game)
+        result.first, result.position = self.first, self.position
+        result.moves, result.seen = self.moves.copy(), self.seen.copy()
+        return result
+
     def play(self, move):
         self.moves.append(coordinates(move))
         self.position = self.position.after(move)
@@ -26,6 +32,10 @@ class Game:
         if move is not None:
             self.play(move)
         return move is not None
+
+    def legal_moves(self):
+        """In coordinates."""
+        return [coordinates(move) for move in self.position.legal_moves()]
 
     def uci_position(self, *more):
         """The command that sets this position up, with the moves that are to follow."""

@@ -38,7 +38,7 @@ def parse_info(text):
 
 def check_info(search):
     """All info lines of a search; gives the move with which its last best line begins, or nothing."""
-    last = {"time": 0, "nodes": 0}
+    last, root = {"time": 0, "nodes": 0}, Node(search.position)
     group = {}  # the first moves of the last lines, by their number
     for text in search.infos:
         info = parse_info(text)
@@ -47,7 +47,7 @@ def check_info(search):
             if "currmove" in info and info["currmove"] not in search.moves:
                 raise Fault("an illegal currmove")
             if "pv" in info:
-                check_line(search, info)
+                check_line(search, root, info)
         except Fault as fault:
             raise Fault("%s: %s" % (fault, text)) from None
         if "pv" in info:
@@ -76,16 +76,30 @@ def check_numbers(search, info, last):
             raise Fault("a score for a side that is mated")
 
 
-def check_line(search, info):
+class Node:
+    """A position with those behind it that lines have led to; lines have most of their moves in common."""
+
+    def __init__(self, position):
+        self.position, self.behind = position, {}
+
+    def follow(self, text):
+        """The node behind a move, or nothing where it isn't legal."""
+        if text not in self.behind:
+            move = self.position.parse_coordinates(text)
+            self.behind[text] = None if move is None else Node(self.position.after(move))
+        return self.behind[text]
+
+
+def check_line(search, root, info):
     """A principal variation: legal to its last move, and ending in the mate that its score promises."""
-    position = search.position
     if search.moves and info["pv"][0] not in search.moves:
         raise Fault("the line begins with another move than it may")
+    node = root
     for text in info["pv"]:
-        move = position.parse_coordinates(text)
-        if move is None:
+        node = node.follow(text)
+        if node is None:
             raise Fault("an illegal move %s in the line" % text)
-        position = position.after(move)
+    position = node.position
     kind, number = info.get("score", ("cp", 0))
     if kind == "mate" and number and "bound" not in info:
         plies = 2 * number - 1 if number > 0 else -2 * number

@@ -13,18 +13,17 @@ from playing.clock import Clock, TimeControl
 from playing.engines import go_by_clock
 from playing.game import Game, has_bare_pieces
 from playing.process import PATIENCE, CannotStart, Child, Fault
-from playing.rules import coordinates
 from playing.self_play import Pair, random_opening
 from playing.tool import find_engine
 from playing.uci_lines import check_info, parse_bestmove
 
-BASES = [0.05, 0.2, 0.5, 2]  # seconds
+BASES = [0.03, 0.1, 0.3, 1]  # seconds
 INCREMENTS = [0, 0, 0.01, 0.05]
 CONTROLS = [0, 0, 0, 2, 20]  # moves
-LONGEST = 0.5  # seconds of a search without a clock, which is then stopped
+LONGEST = 0.3  # seconds of a search without a clock, which is then stopped
 # What is set between searches: values to choose from, which the engine's own ranges narrow.
 OPTIONS = {
-    "Hash": [1, 2, 8, 32], "MultiPV": [1, 1, 1, 2, 3, 5, 300], "Threads": [1, 1, 2, 3], "Move Overhead": [0, 5, 10, 30],
+    "Hash": [1, 2, 8, 32], "MultiPV": [1, 1, 1, 2, 3, 5, 40], "Threads": [1, 1, 1, 2], "Move Overhead": [0, 5, 10, 30],
     "Ponder": ["false", "true"], "OwnBook": ["false", "true"], "UCI_AnalyseMode": ["false", "true"], "Clear Hash": [None],
 }
 
@@ -39,8 +38,7 @@ class Search:
 
     def __init__(self, game, go, only, multipv):
         self.position, self.go, self.only = game.position, go, only
-        legal = [coordinates(move) for move in game.position.legal_moves()]
-        self.moves = [move for move in legal if not only or move in only]
+        self.moves = [move for move in game.legal_moves() if not only or move in only]
         self.lines = min(multipv, len(self.moves))
         self.over = finished(game) is not None
         self.infos, self.bestmove = [], None
@@ -116,8 +114,8 @@ class Client:
 
     def begin(self, game, go, seconds, expected=(), only=()):
         """Starts a search, behind expected moves, too. It has to have answered after some seconds, or nothing says when."""
-        after = Game(game.first.fen())
-        for move in [*game.moves, *expected]:
+        after = game.copy()
+        for move in expected:
             after.follow(move)
         self.search = Search(after, go, only, self.multipv)
         self.search.started = time.monotonic()
@@ -240,9 +238,8 @@ class UciPair(Pair):
         """One move of one side, and the start of its pondering."""
         chance = self.chance
         (move, expected), taken, by_clock = self.answer(client, white)
-        if move not in client_moves(self.game):
+        if not self.game.follow(move):
             raise Fault("an illegal move: " + move)
-        self.game.follow(move)
         self.note_move(taken)
         if by_clock and not self.clocks[white].charge(taken):
             raise Fault("lost on time")
@@ -296,7 +293,7 @@ class UciPair(Pair):
         elif kind == "mate":
             go, stop_at = "go mate %d" % chance.randint(1, 4), 0.05
         elif kind == "searchmoves":
-            legal = client_moves(self.game)
+            legal = self.game.legal_moves()
             only = chance.sample(legal, chance.randint(1, min(4, len(legal))))
             go = "go depth %d searchmoves %s" % (chance.randint(1, 4), " ".join(only))
         elif kind == "several":
@@ -328,7 +325,3 @@ class UciPair(Pair):
             if client.search is None and not client.child.has_ended():
                 client.child.send("position startpos", "go infinite")
         return super().end()
-
-
-def client_moves(game):
-    return [coordinates(move) for move in game.position.legal_moves()]
