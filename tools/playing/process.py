@@ -153,7 +153,10 @@ class Child:
         deadline = time.monotonic() + patience
         lines = []
         while not lines or not re.match(pattern, lines[-1]):
-            lines.append(self.read(max(0, deadline - time.monotonic())))
+            line = self.read_before(deadline)
+            if line is None:
+                raise Silence("no answer within %g s" % patience)
+            lines.append(line.text)
         return lines
 
     def drop_lines(self):

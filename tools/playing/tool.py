@@ -43,7 +43,7 @@ def run_tool(main):
     except Fault as fault:
         said = str(fault)
     except OSError as error:
-        said = "%s%s" % (error.filename + ": " if error.filename else "", error.strerror)
+        said = "%s%s" % (error.filename + ": " if error.filename else "", error.strerror or error)
     finally:
         kill_all()
     if said:
@@ -210,8 +210,7 @@ class Run:
             for thread in threads:
                 thread.start()
             while any(thread.is_alive() for thread in threads) and not raised:
-                threads[0].join(0.1)
-                for thread in threads[1:]:
+                for thread in threads:
                     thread.join(0.1)
             if raised:
                 raise raised[0]

@@ -113,9 +113,6 @@ class Match:
 
 def report(match, seconds):
     score, names = match.score, match.names
-    if not score.games():
-        print("no game was finished")
-        return
     print("%s against %s, %s, ponder %s, %d games in %d s" % (
         names[True], names[False] + (" at Elo %d" % match.arguments.elo if match.arguments.elo else ""),
         match.arguments.control, "on" if match.arguments.ponder else "off", score.games(), seconds))
@@ -136,7 +133,7 @@ def play_by_uci(arguments, folder):
         match.run.play(match.play_share, arguments.concurrency)
     finally:
         show_progress("")
-        if match.score.games() or match.run.begun:
+        if match.score.games():
             report(match, time.monotonic() - started)
     if match.failures >= OPPONENT_FAILURES:
         raise CannotStart("the opponent failed in %d games, one after the other" % match.failures)

@@ -11,7 +11,7 @@ import signal
 import subprocess
 import time
 
-from playing.process import CannotStart, start_program
+from playing.process import CannotStart, Child, describe_status, find_command, start_program
 from playing.tool import set_up_engine, show_progress
 
 # How Varn and xboard announce the end of a game.
@@ -123,6 +123,14 @@ def left_running(folder, patience):
         with contextlib.suppress(OSError):
             os.kill(process, signal.SIGKILL)
     return len(left)
+
+
+def try_opponent(arguments, folder):
+    """xboard would wait for an opponent that doesn't start."""
+    command = OPPONENTS.get(arguments.opponent, (arguments.opponent, ""))[0]
+    with Child(find_command(command), folder) as opponent:
+        if opponent.has_ended(0.5):
+            raise CannotStart("%s %s as soon as it is started" % (command, describe_status(opponent.status)))
 
 
 def xboard_command(arguments, folder):
@@ -271,6 +279,7 @@ def play_under_xboard(arguments, folder):
         set_up_side(arguments, folder / "second")
     else:
         (folder / "second").mkdir()
+        try_opponent(arguments, folder / "second")
     started = time.monotonic()
     faults = play(arguments, folder)
     show_progress("")
