@@ -178,6 +178,8 @@ class Client:
 
     def hear(self, line):
         search = self.search
+        if line.at < search.started:
+            raise Fault("an unexpected line: " + line.text)
         if line.text == "readyok" and self.pings:
             latency = line.at - self.pings.pop(0)
             self.maxima["ms for readyok"] = max(self.maxima["ms for readyok"], 1000 * latency)
