@@ -116,8 +116,11 @@ class Ends(unittest.TestCase):
             (played(fen="7k/5Q2/8/8/8/8/8/7K b - - 0 1"), ("1/2-1/2", "stalemate")),
             (played(fen="7k/8/8/8/8/8/8/6NK b - - 0 1"), ("1/2-1/2", "insufficient material")),
             (played(fen="5b1k/8/8/8/8/8/8/2B4K b - - 0 1"), ("1/2-1/2", "insufficient material")),
-            (played(fen="2b4k/8/8/8/8/8/8/2B4K b - - 0 1"), None),
-            (played(fen="6nk/8/8/8/8/8/8/6NK b - - 0 1"), None),
+            (played(fen="6nk/8/8/8/8/8/8/6NK b - - 0 1"), ("1/2-1/2", "insufficient material")),
+            (played(fen="7k/8/8/8/8/4B3/8/2B4K b - - 0 1"), ("1/2-1/2", "insufficient material")),
+            (played(fen="7k/8/8/8/8/5B2/8/2B4K b - - 0 1"), None),
+            (played(fen="7k/8/8/8/8/5N2/8/2B4K b - - 0 1"), None),
+            (played(fen="7k/7p/8/8/8/8/8/7K b - - 0 1"), None),
         ]
         for game, end in cases:
             self.assertEqual(game.end(), end, game.uci_position())

@@ -49,7 +49,8 @@ def answer(legal):
         if is_due() == "same line":
             line = coordinates(legal[0])
         score = {"wild score": "cp 9999", "false mate": "mate 1"}.get(is_due(), "cp -3")
-        say("info depth 1 multipv %%d score %%s nodes 1 time 1 pv %%s" %% (number + (is_due() == "one line too many"), score, line))
+        told = number + (is_due() == "one line too many")
+        say("info depth 1 multipv %%d score %%s nodes 1 time 1 pv %%s" %% (told, score, line))
         if number == 1:
             best = line.split()[:2]
     if is_due() == "illegal move":

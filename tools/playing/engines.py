@@ -22,8 +22,8 @@ from playing.rules import START, coordinates
 START_PATIENCE = 10  # seconds; an engine may want more by saying so (xboard) or takes part in no game
 GRACE = 10  # seconds behind the end of its time after which an engine is given up
 
-# The move in coordinates (or what stood in its place), the reply that the engine expects, the time that it took, what it
-# says of the position from its own point of view (for people to read), and a claim that it makes instead of a move.
+# The move in coordinates (or what stood in its place), the reply that the engine expects, the time that it took, what
+# it says of the position from its own point of view (for people to read), and a claim that it makes instead of a move.
 Answer = collections.namedtuple("Answer", "move ponder seconds comment claim", defaults=["", None])
 
 
@@ -38,8 +38,7 @@ class Engine:
             self.name = self._shake_hands()
         except Fault as fault:
             self.child.kill()
-            said = (self.child.folder / "errors").read_text(errors="replace").strip().split("\n")[0]
-            raise CannotStart("%s doesn't start: %s" % (command[0], said or fault)) from None
+            raise CannotStart("%s doesn't start: %s" % (command[0], self.child.last_words() or fault)) from None
 
     def end(self):
         return self.child.end()

@@ -54,7 +54,7 @@ class Game:
             if not position.in_check():
                 return "1/2-1/2", "stalemate"
             return ("0-1", "Black mates") if position.white else ("1-0", "White mates")
-        if is_dead(position):
+        if has_bare_pieces(position) or has_bishops_of_one_colour(position):
             return "1/2-1/2", "insufficient material"
         if self.repeated():
             return "1/2-1/2", "repetition"
@@ -63,18 +63,15 @@ class Game:
         return ("1/2-1/2", "length of the game") if len(self.moves) >= LENGTH_LIMIT else None
 
 
-def is_dead(position):
-    """Neither side has the material for any mate: bare kings, one minor piece, or bishops on squares of one colour."""
-    board = "".join(position.board)
-    if re.search("[PRQprq]", board):
-        return False
-    minors = [(square, piece.lower()) for square, piece in enumerate(board) if piece in "NBnb"]
-    colours = {(square % 8 + square // 8) % 2 for square, _ in minors}
-    return len(minors) <= 1 or all(piece == "b" for _, piece in minors) and len(colours) == 1
-
-
 def has_bare_pieces(position):
-    """No pawn, rook or queen, and at most one bishop or knight a side, which Varn calls a draw at once."""
+    """No pawn, rook or queen, and at most one bishop or knight a side: mate could only be helped, if at all."""
     board = "".join(position.board)
     minors = [len(re.findall(side, board)) for side in ("[BN]", "[bn]")]
     return not re.search("[PRQprq]", board) and max(minors) < 2
+
+
+def has_bishops_of_one_colour(position):
+    """Nothing but bishops, all on squares of one colour, which no legal moves turn into a mate."""
+    bishops = [square for square, piece in enumerate(position.board) if piece in "Bb"]
+    others = sum(piece not in ".KkBb" for piece in position.board)
+    return not others and len({(square % 8 + square // 8) % 2 for square in bishops}) <= 1

@@ -10,7 +10,7 @@ Opening = collections.namedtuple("Opening", "fen moves")
 
 
 def read_openings(file):
-    """One opening a line, in SAN (1. e4 e5 or e4 e5) or coordinates, or a position as FEN or EPD; # begins a comment."""
+    """One opening a line: moves, in SAN or coordinates, or a position as FEN or EPD; # begins a comment."""
     openings = []
     try:
         text = file.read_text()

@@ -169,6 +169,12 @@ class Child:
         with open(file, "w") as kept:
             kept.writelines(line + "\n" for line in self.dialogue)
 
+    def last_words(self):
+        """The first line on the error stream, or else the last one that was read; empty where there is neither."""
+        errors = (self.folder / "errors").read_text(errors="replace").strip()
+        heard = [line for line in self.dialogue if " < " in line[:14]]
+        return errors.split("\n")[0] or (heard[-1].partition(" < ")[2] if heard else "")
+
     # --- The end ------------------------------------------------------------------------------------------------------
 
     def has_ended(self, patience=0):

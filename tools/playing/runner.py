@@ -6,12 +6,13 @@ import textwrap
 
 from playing.clock import Clock
 from playing.openings import begin
-from playing.process import Fault
+from playing.process import CannotStart, Fault
 from playing.rules import START
 
-# `fault` is what the loser did to lose it so, and None where the game ended by the rules or by resignation. `broken` says
-# that the loser is not fit for another game.
-Outcome = collections.namedtuple("Outcome", "game result reason fault broken comments", defaults=[None, False, {}])
+# `fault` is what one of the engines did wrong, most often to lose the game, and nothing where there was no fault;
+# `culprit` says whether that was white, and `broken` that it isn't fit for another game.
+Outcome = collections.namedtuple("Outcome", "game result reason comments fault culprit broken",
+                                 defaults=[None, None, False])
 
 
 def play_game(engines, opening, control, margin, ponder):
@@ -22,14 +23,16 @@ def play_game(engines, opening, control, margin, ponder):
 
     def lost(white, fault, broken=False):
         result = "0-1" if white else "1-0"
-        return Outcome(game, result, ("White: " if white else "Black: ") + fault, fault, broken, comments)
+        return Outcome(game, result, ("White: " if white else "Black: ") + fault, comments, fault, white, broken)
 
     def finish(outcome):
         for white, engine in engines.items():
             try:
                 engine.finish(outcome.result, outcome.reason)
             except Fault as fault:
-                return lost(white, str(fault), broken=True)
+                outcome = outcome._replace(broken=True)
+                if not outcome.fault:
+                    outcome = outcome._replace(fault=str(fault), culprit=white)
         return outcome
 
     mover = True
@@ -39,9 +42,9 @@ def play_game(engines, opening, control, margin, ponder):
         while game.end() is None:
             mover = game.position.white
             answer = engines[mover].move(game, clocks)
-            outcome = judge_claim(game, answer.claim, mover) if answer.claim else None
-            if outcome is not None:
-                return finish(outcome)
+            claimed = judge_claim(game, answer.claim, mover) if answer.claim else None
+            if claimed is not None:
+                return finish(Outcome(game, *claimed, comments))
             over = answer.seconds - clocks[mover].left
             if answer.claim or not game.follow(answer.move):
                 what = "false claim" if answer.claim else "illegal move"
@@ -51,18 +54,20 @@ def play_game(engines, opening, control, margin, ponder):
                 return finish(lost(mover, "loss on time, by %.0f ms" % (1000 * over)))
             if ponder and game.end() is None:
                 engines[mover].ponder(game, clocks, answer.ponder)
+    except CannotStart:
+        raise
     except Fault as fault:
         return lost(mover, str(fault), broken=True)
     result, reason = game.end()
-    return finish(Outcome(game, result, reason, comments=comments))
+    return finish(Outcome(game, result, reason, comments))
 
 
 def judge_claim(game, claim, mover):
-    """How the game ends by the claim of the side to move, or nothing where the claim is false."""
+    """The result and its reason by the claim of the side to move, or nothing where the claim is false."""
     if claim == "resign" or claim == ("0-1" if mover else "1-0"):
-        return Outcome(game, "0-1" if mover else "1-0", ("White" if mover else "Black") + " resigns")
+        return ("0-1", "White resigns") if mover else ("1-0", "Black resigns")
     if claim == "1/2-1/2" and any(draws(game, move) for move in game.position.legal_moves()):
-        return Outcome(game, claim, "claim of a draw by repetition or fifty moves")
+        return claim, "claim of a draw by repetition or fifty moves"
     return None
 
 

@@ -27,8 +27,8 @@ def random_opening(chance, fewest, most, end):
 class Pair:
     """Two engines that live through all of their games, so that their memory can be compared.
 
-    A kind of pair says how an engine is started in a folder (start), which process it is (child), how one game is played
-    (play_game, which gives the result or raises a Fault, and keeps the game in `game`).
+    A kind of pair says how an engine is started in a folder (start), which process it is (child), and how one game is
+    played (play_game, which gives the result or raises a Fault, and keeps the game in `game`).
     """
 
     def __init__(self, arguments, folder):

@@ -110,7 +110,7 @@ def check_line(search, root, info):
 
 
 def parse_bestmove(search, best):
-    """The move, and the expected one or nothing. It is the one with which the last best line began, where there was one."""
+    """The move, and the expected one or nothing. `best` is the move with which the last best line began, or nothing."""
     match = re.fullmatch(r"bestmove (\S+)(?: ponder (\S+))?", search.bestmove.text)
     if match is None:
         raise Fault("a malformed line: " + search.bestmove.text)

@@ -20,7 +20,7 @@ OPPONENTS = {
     "stockfish": ("stockfish", "uci", []),
     "toga2": ("toga2", "uci", [("OwnBook", "false")]),
 }
-OPPONENT_FAILURES = 5  # of an opponent, one after the other, that end the match
+FAILURES = 5  # games that end the match where an engine breaks down in all of them
 
 
 class Match:
@@ -58,17 +58,15 @@ class Match:
 
     def note(self, number, varn_is_white, outcome):
         """Books a game that has ended."""
-        game_text = "game %d: " % (number + 1)
         with self.run.lock:
             self.score.add(outcome.result, varn_is_white)
             if outcome.fault:
-                by_varn = (outcome.result == "0-1") == varn_is_white
+                by_varn = outcome.culprit == varn_is_white
                 self.lost_on_time[by_varn] += outcome.fault.startswith("loss on time")
                 faults = self.run.faults if by_varn or self.against_itself else self.opponent_faults
-                faults.append(game_text + outcome.reason)
-            by_opponent = outcome.broken and (outcome.result == "0-1") != varn_is_white
-            self.failures = self.failures + 1 if by_opponent else 0
-            if self.failures >= OPPONENT_FAILURES:
+                faults.append("game %d: %s: %s" % (number + 1, "white" if outcome.culprit else "black", outcome.fault))
+            self.failures = self.failures + 1 if outcome.broken else 0
+            if self.failures >= FAILURES:
                 self.run.stop()
             if self.pgn:
                 names = {varn_is_white: self.names[True], not varn_is_white: self.names[False]}
@@ -126,7 +124,7 @@ def report(match, seconds):
 
 
 def play_by_uci(arguments, folder):
-    """Plays the match, prints what came of it and gives Varn's faults. Where it is broken off it tells the score so far."""
+    """Plays the match, prints what came of it, even where it is broken off, and gives Varn's faults."""
     match = Match(arguments, folder)
     started = time.monotonic()
     try:
@@ -135,6 +133,6 @@ def play_by_uci(arguments, folder):
         show_progress("")
         if match.score.games():
             report(match, time.monotonic() - started)
-    if match.failures >= OPPONENT_FAILURES:
-        raise CannotStart("the opponent failed in %d games, one after the other" % match.failures)
+    if match.failures >= FAILURES and not match.run.faults:
+        raise CannotStart("the opponent broke down in %d games, one after the other" % match.failures)
     return match.run.faults

@@ -11,7 +11,7 @@ import time
 
 from playing.clock import Clock, TimeControl
 from playing.engines import go_by_clock
-from playing.game import Game, has_bare_pieces
+from playing.game import Game
 from playing.process import PATIENCE, CannotStart, Child, Fault
 from playing.self_play import Pair, random_opening
 from playing.tool import find_engine
@@ -24,13 +24,8 @@ LONGEST = 0.3  # seconds of a search without a clock, which is then stopped
 # What is set between searches: values to choose from, which the engine's own ranges narrow.
 OPTIONS = {
     "Hash": [1, 2, 8, 32], "MultiPV": [1, 1, 1, 2, 3, 5, 40], "Threads": [1, 1, 1, 2], "Move Overhead": [0, 5, 10, 30],
-    "Ponder": ["false", "true"], "OwnBook": ["false", "true"], "UCI_AnalyseMode": ["false", "true"], "Clear Hash": [None],
+    "OwnBook": ["false", "true"], "UCI_AnalyseMode": ["false", "true"], "Clear Hash": [None],
 }
-
-
-def finished(game):
-    """Whether the game is over. With bare pieces Varn calls it a draw where mates could still be helped."""
-    return game.end() or (("1/2-1/2", "bare pieces") if has_bare_pieces(game.position) else None)
 
 
 class Search:
@@ -40,7 +35,7 @@ class Search:
         self.position, self.go, self.only = game.position, go, only
         self.moves = [move for move in game.legal_moves() if not only or move in only]
         self.lines = min(multipv, len(self.moves))
-        self.over = finished(game) is not None
+        self.over = game.end() is not None
         self.infos, self.bestmove = [], None
         self.started = self.freed = None  # when it began, and from when on it may answer
         self.limit = None  # when it has to have answered
@@ -113,7 +108,7 @@ class Client:
     # --- A search -------------------------------------------------------------------------------------------------
 
     def begin(self, game, go, seconds, expected=(), only=()):
-        """Starts a search, behind expected moves, too. It has to have answered after some seconds, or nothing says when."""
+        """Starts a search, behind expected moves, too. Infinite ones and those that ponder have no limit in seconds."""
         after = game.copy()
         for move in expected:
             after.follow(move)
@@ -169,7 +164,8 @@ class Client:
         if self.pings and now >= self.pings[0] + self.margin:
             raise Fault("no readyok within %.0f ms in %s" % (1000 * self.margin, self.search.go))
         if self.search.bestmove is None and self.search.limit and now >= self.search.limit:
-            raise Fault("no bestmove in time after %.0f ms of %s" % (1000 * (now - self.search.started), self.search.go))
+            taken = 1000 * (now - self.search.started)
+            raise Fault("no bestmove in time after %.0f ms of %s" % (taken, self.search.go))
 
     def listen(self):
         """Hears what was said meanwhile, without waiting."""
@@ -218,7 +214,7 @@ class UciPair(Pair):
         return client.child
 
     def play_game(self, number, chance):
-        self.chance, self.game = chance, random_opening(chance, 0, chance.choice([8, 16, 80]), finished)
+        self.chance, self.game = chance, random_opening(chance, 0, chance.choice([8, 16, 80]), Game.end)
         if chance.random() < 0.3:
             self.game = Game(self.game.position.fen())
         share = {"all": 1, "none": 0, "half": 0.5}[self.arguments.ponder]
@@ -228,12 +224,12 @@ class UciPair(Pair):
         for client in self.players:
             client.new_game(chance, ponder)
         first = chance.randrange(2)
-        while (end := finished(self.game)) is None:
+        while (end := self.game.end()) is None:
             white = self.game.position.white
             self.ply(self.players[(first + white) % 2], white, ponder)
         for client in self.players:
             self.end_pondering(client)
-            self.ask_when_over(client, end)
+            self.ask_when_over(client)
         return "%s %s" % end
 
     def ply(self, client, white, ponder):
@@ -248,7 +244,7 @@ class UciPair(Pair):
         if chance.random() < 0.05:
             client.set_options(chance, 0.2)
             client.settle()
-        if ponder and expected and finished(self.game) is None:
+        if ponder and expected and self.game.end() is None:
             self.counts["ponders"] += 1
             go = go_by_clock(self.clocks, white).replace("go", "go ponder", 1)
             client.begin(self.game, go, None, [expected])
@@ -314,7 +310,7 @@ class UciPair(Pair):
             client.stop()
             client.wait()
 
-    def ask_when_over(self, client, end):
+    def ask_when_over(self, client):
         """What is answered in a position in which the game is over."""
         go = self.chance.choice(["go movetime 10", "go depth 2", "go wtime 100 btime 100", "go infinite"])
         client.begin(self.game, go, LONGEST)

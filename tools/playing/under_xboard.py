@@ -27,8 +27,9 @@ OPPONENTS = {
     "self": ("./start", ""),
 }
 
-# Stands between xboard and the engine to note how the engine ends: xboard terminates and then kills its engines behind
-# `quit`, so the one that waits for the engine is a process that xboard doesn't know, and that holds no end of the pipes.
+# Stands between xboard and the engine to note how the engine ends: xboard terminates and then kills its engines
+# behind `quit`, so the one that waits for the engine is a process that xboard doesn't know, and that holds no end of
+# the pipes.
 ENGINE_SCRIPT = """#!/usr/bin/env python3
 import os, signal, subprocess
 reader, writer = os.pipe()
