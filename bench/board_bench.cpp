@@ -34,8 +34,8 @@ std::vector<std::unique_ptr<Game>> all_games() {
     draw_hash_numbers(20010911);
     std::vector<std::unique_ptr<Game>> games;
     for (const char* text : positions) {
-        games.push_back(new_game(false));
-        set_position(games.back().get(), text, KeepTables::yes);
+        games.push_back(new_game());
+        set_position(*games.back(), text);
     }
     return games;
 }
@@ -43,25 +43,22 @@ std::vector<std::unique_ptr<Game>> all_games() {
 void make_and_unmake(benchmark::State& state) {
     struct Position {
         std::unique_ptr<Game> game;
-        std::vector<Move> legal;
+        MoveList legal;
     };
     std::vector<Position> list;
     std::int64_t moves = 0;
     for (auto& game : all_games()) {
-        std::vector<Move> legal;
-        const MoveList* all = generate_all(game.get(), scratch_slot);
-        for (int i = 0; i < all->count; ++i) {
-            if (is_legal(game.get(), all->moves[i])) legal.push_back(all->moves[i]);
-        }
-        moves += static_cast<std::int64_t>(legal.size());
-        list.push_back({std::move(game), std::move(legal)});
+        const MoveList legal = legal_moves(*game);
+        moves += legal.count;
+        list.push_back({std::move(game), legal});
     }
     for (auto _ : state) {
         for (const auto& [game, legal] : list) {
             for (const Move move : legal) {
-                const UndoRecord* undo = save_undo(game.get(), move, 0);
-                make_move(game.get(), move);
-                unmake_move(game.get(), move, undo);
+                UndoRecord undo;
+                fill_undo(*game, move, undo);
+                make_move(*game, move);
+                unmake_move(*game, move, undo);
             }
             benchmark::DoNotOptimize(game->zobrist_key);
         }
@@ -74,19 +71,22 @@ BENCHMARK(make_and_unmake)->Name("make and unmake/legal moves");
 template <auto operation> void on_every_game(benchmark::State& state) {
     const auto games = all_games();
     for (auto _ : state) {
-        for (const auto& game : games) benchmark::DoNotOptimize(operation(game.get()));
+        for (const auto& game : games) benchmark::DoNotOptimize(operation(*game));
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(games.size()));
 }
 
-constexpr auto any_check = [](const Game* game) { return white_in_check(game) || black_in_check(game); };
-constexpr auto captures = [](const Game* game) { return generate_captures(game, scratch_slot)->count; };
-constexpr auto all_moves = [](const Game* game) { return generate_all(game, scratch_slot)->count; };
-constexpr auto any_move = [](Game* game) { return has_legal_move(game); };
+constexpr auto any_check = [](const Game& game) { return white_in_check(game) || black_in_check(game); };
+template <auto generate> int generated(const Game& game) {
+    static MoveList list;
+    generate(game, list);
+    return list.count;
+}
+constexpr auto any_move = [](const Game& game) { return has_legal_move(game); };
 
 BENCHMARK(on_every_game<any_check>)->Name("check test/both sides");
-BENCHMARK(on_every_game<captures>)->Name("generate/captures");
-BENCHMARK(on_every_game<all_moves>)->Name("generate/all");
+BENCHMARK(on_every_game<generated<generate_captures>>)->Name("generate/captures");
+BENCHMARK(on_every_game<generated<generate_all>>)->Name("generate/all");
 BENCHMARK(on_every_game<any_move>)->Name("has_legal_move");
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include "board/position.h"
 #include "board/zobrist.h"
 #include "eval/evaluate.h"
-#include "eval/pawns.h"
 
 namespace varn {
 namespace {
@@ -30,21 +29,21 @@ constexpr const char* positions[] = {
 
 std::vector<std::unique_ptr<Game>> all_games() {
     draw_hash_numbers(20010911);
-    pawn_hash_allocate();
     std::vector<std::unique_ptr<Game>> games;
     for (const char* text : positions) {
-        games.push_back(new_game(false));
-        set_position(games.back().get(), text, KeepTables::yes);
+        games.push_back(new_game());
+        set_position(*games.back(), text);
     }
     return games;
 }
 
 template <bool clear_first> void evaluation(benchmark::State& state) {
     const auto games = all_games();
-    pawn_hash_clear();
+    EvalContext context;
+    if (!pawn_hash_allocate(context.pawns, 1 << 20)) return state.SkipWithError("no memory");
     for (auto _ : state) {
-        if (clear_first) pawn_hash_clear();
-        for (const auto& game : games) benchmark::DoNotOptimize(evaluate(game.get(), 0, -9999, 9999));
+        if (clear_first) pawn_hash_clear(context.pawns);
+        for (const auto& game : games) benchmark::DoNotOptimize(evaluate(*game, context));
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(games.size()));
 }

@@ -10,8 +10,6 @@
 
 #include "board/position.h"
 #include "board/zobrist.h"
-#include "search/clock.h"
-#include "search/settings.h"
 #include "search/think.h"
 
 namespace {
@@ -35,27 +33,26 @@ constexpr const char* positions[] = {
 };
 
 /// Nodes of a search of the position to the depth, all iterations together.
-std::uint64_t search_position(varn::Game* game, const char* text, int depth) {
-    varn::set_position(game, text, varn::KeepTables::no);
-    varn::ply_limit = depth;
-    varn::think(game);
-    return varn::search_nodes;
+std::uint64_t search_position(varn::Search& s, varn::Game& game, const char* text, int depth) {
+    varn::set_position(game, text);
+    varn::clear_for_position(s);
+    varn::think(s, game, {.depth = depth}, {});
+    return s.search_nodes;
 }
 
 }  // namespace
 
 int main(int argument_count, char** arguments) {
     const int depth = argument_count > 1 ? static_cast<int>(std::strtol(arguments[1], nullptr, 10)) : default_depth;
-    varn::install_reset_hooks();
     varn::draw_hash_numbers(hash_seed);
-    varn::xboard_mode = 1;
-    varn::post_thinking = 0;
-    const auto game = varn::new_game(true);
+    const auto game = varn::new_game();
+    const auto search = varn::new_search();
+    if (varn::allocate_tables(*search, {}) != varn::TableFault::none) return 1;
 
     const auto started = std::chrono::steady_clock::now();
     std::uint64_t total = 0;
     for (const char* text : positions) {
-        const std::uint64_t searched = search_position(game.get(), text, depth);
+        const std::uint64_t searched = search_position(*search, *game, text, depth);
         std::printf("%12llu  %s\n", static_cast<unsigned long long>(searched), text);
         total += searched;
     }

@@ -10,8 +10,6 @@
 
 #include "board/position.h"
 #include "board/zobrist.h"
-#include "search/clock.h"
-#include "search/settings.h"
 #include "search/think.h"
 
 namespace {
@@ -27,18 +25,20 @@ constexpr const char* positions[] = {
 
 double processor_seconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
 
-void search_position(varn::Game* game, const char* text, int milliseconds) {
+void search_position(varn::Search& s, const char* text, int last_depth, int milliseconds) {
+    const auto game = varn::new_game();
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
     double nodes = 0;
     double seconds = 0;
     for (auto now = Clock::now(); now < end; now = Clock::now()) {
-        varn::time_limit_ms = static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(end - now).count());
-        varn::set_position(game, text, varn::KeepTables::no);
+        s.clock.time_limit_ms = static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(end - now).count());
+        varn::set_position(*game, text);
+        varn::clear_for_position(s);
         const double started = processor_seconds();
-        varn::think(game);
+        varn::think(s, *game, {.depth = last_depth}, {});
         seconds += processor_seconds() - started;
-        nodes += static_cast<double>(varn::search_nodes);
+        nodes += static_cast<double>(s.search_nodes);
     }
     std::printf("%12.0f nodes  %6.2f s  %8.0f nodes/s  %s\n", nodes, seconds, nodes / seconds, text);
 }
@@ -50,17 +50,16 @@ int main(int argument_count, char** arguments) {
         return argument_count > index ? static_cast<int>(std::strtol(arguments[index], nullptr, 10)) : otherwise;
     };
     const int milliseconds = number(1, 5000);
-    varn::hash_bits = number(2, varn::hash_bits);
-    varn::ply_limit = number(3, 50);
-    varn::xboard_mode = 1;
-    varn::post_thinking = 0;
-    varn::install_reset_hooks();
+    varn::TableSizes sizes;
+    sizes.hash_bits = number(2, sizes.hash_bits);
+    const int last_depth = number(3, varn::deepest_iteration);
     varn::draw_hash_numbers(hash_seed);
-    const auto game = varn::new_game(true);
+    const auto search = varn::new_search();
+    if (varn::allocate_tables(*search, sizes) != varn::TableFault::none) return 1;
     if (argument_count > 4) {
-        search_position(game.get(), arguments[4], milliseconds);
+        search_position(*search, arguments[4], last_depth, milliseconds);
     } else {
-        for (const char* text : positions) search_position(game.get(), text, milliseconds);
+        for (const char* text : positions) search_position(*search, text, last_depth, milliseconds);
     }
     return 0;
 }

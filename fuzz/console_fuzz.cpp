@@ -5,7 +5,7 @@
 
 #include "board/game.h"
 #include "frame.h"
-#include "frontend/console.h"
+#include "console/console.h"
 #include "frontend/take_back.h"
 #include "search/clock.h"
 #include "search/settings.h"

@@ -69,7 +69,7 @@ void require_sound(const varn::Game& game, const varn::Game& base, int null_move
     require(varn::PositionKeys{game.pawn_key, game.pawn_lock} == pawns);
 }
 
-void take_back(varn::Game* game, Step& step) {
+void take_back(varn::Game& game, Step& step) {
     if (step.is_null) {
         varn::unmake_null(game, &step.undo);
     } else {
@@ -78,8 +78,8 @@ void take_back(varn::Game* game, Step& step) {
 }
 
 /// One move out of the legal ones, or none. Whatever can be made of the others is taken back at once.
-bool make_chosen(varn::Game* game, unsigned choice, Step& step) {
-    varn::MoveList* list = varn::generate_all(game, varn::scratch_slot);
+bool make_chosen(varn::Game& game, unsigned choice, Step& step) {
+    varn::MoveList& list = varn::generate_all(game, varn::scratch_slot);
     if (list->count == 0) return false;
     step.move = list->moves[choice % static_cast<unsigned>(list->count)];
     const varn::PositionKeys child = varn::child_keys(game, step.move);

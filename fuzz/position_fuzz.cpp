@@ -30,7 +30,7 @@ void run_input(std::string_view input) {
     varn::set_position(again.get(), text, varn::KeepTables::yes);
     require(varn::position_text(again.get()) == text);
 
-    const varn::MoveList* list = varn::generate_all(game.get(), varn::scratch_slot);
+    const varn::MoveList& list = varn::generate_all(game.get(), varn::scratch_slot);
     for (int i = 0; i < list->count; ++i) {
         if (varn::is_legal(game.get(), list->moves[i])) varn::san_text(list->moves[i], game.get());
         require(varn::parse_move(varn::move_text(list->moves[i]), game.get()) == list->moves[i]);

@@ -3,9 +3,9 @@
 
 #include "board/game.h"
 #include "frame.h"
-#include "frontend/pondering.h"
+#include "xboard/pondering.h"
 #include "frontend/take_back.h"
-#include "frontend/xboard.h"
+#include "xboard/xboard.h"
 #include "search/clock.h"
 #include "search/settings.h"
 

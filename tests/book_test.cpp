@@ -19,7 +19,7 @@ const std::string off = "off";  // for a book that gives no move and is switched
 std::string moves_of_row(int row) { return book_line(row).substr(0, book_line(row).find(',')); }
 
 /// Plays one move after the other, each in four characters, up to the first that isn't legal; tells which one it was.
-std::string first_illegal_move(std::string_view moves, Game* game) {
+std::string first_illegal_move(std::string_view moves, Game& game) {
     for (std::size_t i = 0; i < moves.size(); i += 4) {
         const Move move = parse_move(moves.substr(i, 4), game);
         if (!is_valid_move(game, move)) return std::string(moves.substr(i, 4));

@@ -107,7 +107,7 @@ TEST(Console, ShowsBoardsAndScores) {
     };
     pawn_hash_allocate();
     const auto owner = game_from(rich_text);
-    Game* game = owner.get();
+    Game& game = owner.get();
     play_move(parse_move("a2a4", game), game);
     Session console("setboard " + rich_text + "; pvp; a2a4");
     for (const auto& [name, board] : boards) EXPECT_EQ(console.answer(name), drawing(game->*board)) << name;

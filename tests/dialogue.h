@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frontend/xboard.h"
+#include "xboard/xboard.h"
 #include "process.h"
 #include "tables.h"
 

@@ -4,7 +4,7 @@
 #include <map>
 #include <set>
 
-#include "board/memory.h"
+#include "base/memory.h"
 #include "board/report.h"
 #include "eval/evaluate.h"
 #include "eval/king_safety.h"
@@ -30,10 +30,10 @@ std::unique_ptr<Game> fresh_game(std::string_view text) {
 /// From the board field alone.
 std::string full_text(std::string_view board) { return std::string(board) + " w - -"; }
 
-int evaluation(const Game* game) { return evaluate(game, 0, -mate_score, mate_score); }
+int evaluation(const Game& game) { return evaluate(game, 0, -mate_score, mate_score); }
 
 /// What `evaluate` adds to the material, the placement and the pawns.
-int terms_of_its_own(const Game* game) {
+int terms_of_its_own(const Game& game) {
     return evaluation(game) - game->material - piece_placement(game) - pawn_terms(game);
 }
 
@@ -51,16 +51,16 @@ TEST(EvalTables, SquaresAndRegionsLieWhereTheyAreSeen) {
 }
 
 /// The pawns' score where the table knows them already.
-int known_pawn_terms(const Game* game) {
+int known_pawn_terms(const Game& game) {
     pawn_terms(game);
     return pawn_terms(game);
 }
 
 /// Of e5, or on the mirrored board, where black is to move, of e4.
-int control(const Game* game) { return square_control(game, game->turn == 0 ? e1 + 32 : e1 + 24); }
+int control(const Game& game) { return square_control(game, game->turn == 0 ? e1 + 32 : e1 + 24); }
 
 TEST(Evaluate, TermsAreAsInTheirTable) {
-    const std::map<std::string, int (*)(const Game*)> terms = {
+    const std::map<std::string, int (*)(const Game&)> terms = {
         {"placement", piece_placement}, {"own", terms_of_its_own},
         {"pawns", pawn_terms},          {"known_pawns", known_pawn_terms},
         {"shelter", king_shelter},      {"attack", king_attack},

@@ -79,7 +79,7 @@ void expect_agreement(const Game& g, const Model& m) {
 /// Makes and unmakes every pseudo-legal move, those that leave the king in check included.
 void expect_unmake_restores(Game& game, const Game& before) {
     for (const Move move : pseudo_legal_moves(game)) {
-        const UndoRecord* undo = save_undo(&game, move, scratch_slot);
+        const UndoRecord& undo = save_undo(&game, move, scratch_slot);
         EXPECT_EQ(undo->captured, before.cells[move.to]);
         if (make_if_legal(&game, move, 0, undo)) unmake_move(&game, move, undo);
         make_move(&game, move);

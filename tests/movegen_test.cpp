@@ -14,12 +14,12 @@ namespace varn {
 namespace {
 
 /// Leaves of the tree of legal moves. Every position inside the tree must know whether it has a legal move.
-std::uint64_t count_leaves(Game* game, int depth) {
+std::uint64_t count_leaves(Game& game, int depth) {
     if (depth == 0) return 1;
     std::uint64_t leaves = 0;
     bool any = false;
     for (const Move move : moves_of(*generate_all(game, depth))) {
-        const UndoRecord* undo = save_undo(game, move, depth);
+        const UndoRecord& undo = save_undo(game, move, depth);
         if (!make_if_legal(game, move, depth, undo)) continue;
         any = true;
         leaves += count_leaves(game, depth - 1);
@@ -83,7 +83,7 @@ TEST(Legality, ValidMovesAreExactlyTheGeneratedSafeOnes) {
             EXPECT_EQ(leaves_white_in_check(&game, move), white_checked);
             EXPECT_EQ(leaves_black_in_check(&game, move), black_checked);
             const bool is_safe = game.turn == 0 ? !white_checked : !black_checked;
-            EXPECT_EQ(is_legal_under(restraints_of(&game), &game, move), is_safe) << move_text(move);
+            EXPECT_EQ(is_legal_under(pins_of(&game), &game, move), is_safe) << move_text(move);
             if (is_safe) valid.insert(number_of(move));
             for (const std::uint8_t kind : kinds) candidates.push_back({move.from, move.to, kind});
         }

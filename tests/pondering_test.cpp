@@ -9,7 +9,7 @@
 
 #include "dialogue.h"
 #include "frontend/numbers.h"
-#include "frontend/pondering.h"
+#include "xboard/pondering.h"
 #include "search_helpers.h"
 
 namespace varn {

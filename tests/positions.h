@@ -14,7 +14,7 @@
 #include "board/make.h"
 #include "board/movegen.h"
 #include "board/position.h"
-#include "board/random.h"
+#include "base/random.h"
 #include "board/zobrist.h"
 #include "tables.h"
 

@@ -7,7 +7,7 @@
 
 #include "board/attacks.h"
 #include "eval/evaluate.h"
-#include "search/draws.h"
+#include "board/draws.h"
 #include "search/exchange.h"
 #include "search/quiesce.h"
 #include "search/think.h"
@@ -135,7 +135,7 @@ TEST_F(Search, MaterialAloneDecidesWhereThereIsMuchOfIt) {
     }
 }
 
-int quiesce_afresh(Game* game, int alpha, int beta) {
+int quiesce_afresh(Game& game, int alpha, int beta) {
     qhash_clear();
     quiescent_nodes = 0;
     return quiesce(game, alpha, beta, root_frame);
@@ -210,7 +210,7 @@ TEST_F(Search, NothingIsWrittenBehindTheLastPly) {
 
 // --- The node -----------------------------------------------------------------------------------------------------
 
-int search_at(Game* game, int alpha, int beta, int depth, int ply) {
+int search_at(Game& game, int alpha, int beta, int depth, int ply) {
     PvLine line = {};
     nodes = 0;
     return search(game, alpha, beta, depth, {static_cast<std::uint8_t>(ply), ply, 0, 0, 0, 0}, &line);

@@ -4,7 +4,7 @@
 
 #include <set>
 
-#include "board/divisor.h"
+#include "base/divisor.h"
 #include "search_helpers.h"
 
 namespace varn {
@@ -112,7 +112,7 @@ TEST_F(Tables, QuiescenceTableKeepsTheLastOfEachSlot) {
         qhash_bytes = bytes;
         qhash_allocate();
         const auto first = with_keys(5, 1), other = with_keys(5 + entries, 2), elsewhere = with_keys(6, 1);
-        for (const Game* game : {first.get(), other.get(), first.get()}) {
+        for (const Game& game : {first.get(), other.get(), first.get()}) {
             EXPECT_EQ(qhash_probe(game), nullptr);
             qhash_store(game, 300, -77, bound_upper);
             ASSERT_NE(qhash_probe(game), nullptr);

@@ -15,17 +15,17 @@ namespace {
 /// The line of a game in coordinate text, as far as `plies`; `problem` says where it can't be read.
 std::vector<std::string> line_of(const PgnGame& pgn, int plies, std::string& problem) {
     std::vector<std::string> line;
-    const auto game = new_game(false);
+    const auto game = new_game();
     for (const std::string& text : pgn.moves) {
         if (std::ssize(line) == plies) return line;
-        const auto move = read_san(text, game.get());
+        const auto move = read_san(*game, text);
         if (!move) {
             problem = "\"" + text + "\" is no move after " + std::to_string(line.size()) + " moves";
             return line;
         }
         if (is_promotion(move->kind)) return line;
         line.push_back(move_text(*move));
-        play_move(*move, game.get());
+        play_move(*game, *move);
     }
     if (std::ssize(line) < plies) problem = pgn.problem;
     return line;

@@ -13,6 +13,7 @@
 #include "board/notation.h"
 #include "board/position.h"
 #include "board/san_reader.h"
+#include "board/status.h"
 #include "progress.h"
 
 namespace varn {
@@ -104,8 +105,8 @@ Fault enpassant_fault(std::string_view field, const Game& game) {
     if (field == "-") return "";
     const int square = field.size() == 2 ? square_from_text(field) : -1;
     if (square < 0) return quoted(field) + " is no en-passant square";
-    const Bitboard pawns = game.turn == 0 ? game.w_pawns : game.b_pawns;
-    return (attackers_of(&game, square) & pawns) == 0 ? "" : "a suite can't hold the capture en passant";
+    const Bitboard pawns = game.turn == Side::white ? game.w_pawns : game.b_pawns;
+    return (attackers_of(game, square) & pawns) == 0 ? "" : "a suite can't hold the capture en passant";
 }
 
 Fault fields_fault(std::string_view board, std::string_view side, std::string_view castling) {
@@ -117,7 +118,7 @@ Fault fields_fault(std::string_view board, std::string_view side, std::string_vi
 
 /// Takes the four fields off the front of the line and sets up their position, as far as nothing speaks against it;
 /// notes the castling rights that aren't there.
-Fault take_position(std::string_view& text, Game* game, std::string& note) {
+Fault take_position(std::string_view& text, Game& game, std::string& note) {
     const std::string_view board = take_word(text);
     const std::string_view side = take_word(text);
     const std::string_view castling = take_word(text);
@@ -125,21 +126,22 @@ Fault take_position(std::string_view& text, Game* game, std::string& note) {
     if (Fault fault = fields_fault(board, side, castling); !fault.empty()) return fault;
 
     const std::string fields = std::string(board) + ' ' + std::string(side) + ' ' + std::string(castling) + " -";
-    set_position(game, fields, KeepTables::yes);
+    set_position(game, fields);
     if (!is_playable(game)) return "the position needs one king a side and no pawn on the first or last rank";
-    if (game->turn == 0 ? black_in_check(game) : white_in_check(game)) return "the side that isn't to move is in check";
+    if (game.turn == Side::white ? black_in_check(game) : white_in_check(game))
+        return "the side that isn't to move is in check";
 
-    const auto rights = popcount(game->w_castle) + popcount(game->b_castle);
+    const auto rights = popcount(game.w_castle) + popcount(game.b_castle);
     if (rights != std::ranges::count_if(castling, [](char c) { return c != '-'; })) {
         note = "castling rights without king and rook at home are left out";
     }
-    return enpassant_fault(enpassant, *game);
+    return enpassant_fault(enpassant, game);
 }
 
 // --- Moves ----------------------------------------------------------------------------------------------------------
 
 /// Finds the best moves and writes them as the engine does.
-Fault take_best_moves(const std::vector<Operation>& operations, Game* game, std::vector<std::string>& best) {
+Fault take_best_moves(const std::vector<Operation>& operations, Game& game, std::vector<std::string>& best) {
     const Operation* operation = find_operation(operations, "bm");
     if (operation == nullptr) {
         return find_operation(operations, "am") == nullptr ? "no best move" : "moves to avoid, but no best move";
@@ -148,30 +150,26 @@ Fault take_best_moves(const std::vector<Operation>& operations, Game* game, std:
         while (word.ends_with(',')) word.remove_suffix(1);
         // Marks that stand apart from their move.
         if (word == "e.p." || word.find_first_not_of("!?+#") == std::string_view::npos) continue;
-        const auto move = read_san(word, game);
+        const auto move = read_san(game, word);
         if (!move) return quoted(word) + " names no single legal move";
-        const std::string text = san_text(*move, game);
+        const std::string text = san_text(game, *move);
         if (std::ranges::find(best, text) == best.end()) best.push_back(text);
     }
     return best.empty() ? "no best move" : "";
 }
 
 /// Moves that aren't among the best, but whose text occurs in the line all the same.
-std::string false_friends(const std::string& line, const std::vector<std::string>& best, Game* game) {
+std::string false_friends(const std::string& line, const std::vector<std::string>& best, Game& game) {
     std::string friends;
-    MoveList list;
-    list.count = 0;
-    add_all(game, &list);
-    for (int i = 0; i < list.count; ++i) {
-        if (!is_legal(game, list.moves[i])) continue;
-        const std::string text = san_text(list.moves[i], game);
+    for (const Move move : legal_moves(game)) {
+        const std::string text = san_text(game, move);
         if (line.find(text) == std::string::npos || std::ranges::find(best, text) != best.end()) continue;
         friends += (friends.empty() ? "" : ", ") + text;
     }
     return friends;
 }
 
-std::string suite_line(const Game* game, const std::vector<std::string>& best,
+std::string suite_line(const Game& game, const std::vector<std::string>& best,
                        const std::vector<Operation>& operations) {
     std::string line = position_text(game) + " bm";
     for (const std::string& text : best) line += ' ' + text;
@@ -187,15 +185,15 @@ std::string suite_line(const Game* game, const std::vector<std::string>& best,
 }  // namespace
 
 Conversion convert_epd_line(std::string_view epd) {
-    const auto game = new_game(false);
+    const auto game = new_game();
     std::string note;
     std::vector<std::string> best;
-    if (Fault fault = take_position(epd, game.get(), note); !fault.empty()) return {{}, fault, {}};
+    if (Fault fault = take_position(epd, *game, note); !fault.empty()) return {{}, fault, {}};
     const std::vector<Operation> operations = operations_of(epd);
-    if (Fault fault = take_best_moves(operations, game.get(), best); !fault.empty()) return {{}, fault, {}};
+    if (Fault fault = take_best_moves(operations, *game, best); !fault.empty()) return {{}, fault, {}};
 
-    const std::string line = suite_line(game.get(), best, operations);
-    if (const std::string others = false_friends(line, best, game.get()); !others.empty()) {
+    const std::string line = suite_line(*game, best, operations);
+    if (const std::string others = false_friends(line, best, *game); !others.empty()) {
         note += (note.empty() ? "" : "; ") + ("will count as solved, too: " + others);
     }
     return {line, {}, note};

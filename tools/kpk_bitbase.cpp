@@ -30,8 +30,8 @@ bool write_bitbase() {
 }
 
 bool check() {
-    const auto game = new_game(false);
-    const auto positions = load_positions(positions_file_name, game.get());
+    const auto game = new_game();
+    const auto positions = load_positions(positions_file_name, *game, [](const PositionRemarks&) {});
     if (!positions) std::printf("can't open %s\n", positions_file_name);
     return positions && covers_exactly(patterns_file_name, positions->drawn);
 }
@@ -41,8 +41,10 @@ bool run(std::string_view task, const char* moves) {
     if (task.empty()) return write_bitbase();
     if (task == "check") return check();
     if (task == "anneal" && moves != nullptr) {
-        const auto* patterns = anneal_kpk(new_game(false).get(), std::strtoull(moves, nullptr, 10));
-        return patterns != nullptr && !patterns_are_unwritten();
+        AnnealRun run;
+        anneal_kpk(
+            run, *new_game(), [](const PositionRemarks&) {}, std::strtoull(moves, nullptr, 10));
+        return run.list != nullptr && run.is_written;
     }
     std::printf("usage: kpk_bitbase [anneal MOVES | check]\n");
     return false;

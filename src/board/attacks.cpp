@@ -9,8 +9,7 @@ Bitboard diagonal_sliders(const Game& g) { return g.w_bishops | g.b_bishops | g.
 
 }  // namespace
 
-Bitboard attackers_of(const Game* game, int square) {
-    const Game& g = *game;
+Bitboard attackers_of(const Game& g, int square) {
     Bitboard attackers = g.b_pawns & pawn_attacks<Side::white>[square];
     attackers |= g.w_pawns & pawn_attacks<Side::black>[square];
     attackers |= knight_moves[square] & (g.w_knights | g.b_knights);
@@ -20,8 +19,7 @@ Bitboard attackers_of(const Game* game, int square) {
     return attackers;
 }
 
-Bitboard add_xray(const Game* game, int square, int target, Bitboard set) {
-    const Game& g = *game;
+Bitboard add_xray(const Game& g, int square, int target, Bitboard set) {
     const Direction away = direction_table[target][square];
     const Bitboard behind = rays[away][square] & occupied(g);
     if (behind == 0) return set;

@@ -2,6 +2,7 @@
 // line. All of these read the game and change nothing.
 #pragma once
 
+#include "board/game_sides.h"
 #include "board/geometry.h"
 
 namespace varn {
@@ -32,21 +33,23 @@ template <Side S> inline bool attacked_by(const Game& g, int square) {
     if ((rook_reach(g, square) & (rooks_of<S>(g) | queens_of<S>(g))) != 0) return true;
     return (bishop_reach(g, square) & (bishops_of<S>(g) | queens_of<S>(g))) != 0;
 }
-inline bool attacked_by_white(const Game* game, int square) { return attacked_by<Side::white>(*game, square); }
-inline bool attacked_by_black(const Game* game, int square) { return attacked_by<Side::black>(*game, square); }
+inline bool attacked_by_white(const Game& game, int square) { return attacked_by<Side::white>(game, square); }
+inline bool attacked_by_black(const Game& game, int square) { return attacked_by<Side::black>(game, square); }
 
 /// Whether the king of side S is attacked.
 template <Side S> inline bool king_attacked(const Game& g) { return attacked_by<other(S)>(g, king_square_of<S>(g)); }
-inline bool white_in_check(const Game* game) { return king_attacked<Side::white>(*game); }
-inline bool black_in_check(const Game* game) { return king_attacked<Side::black>(*game); }
+inline bool white_in_check(const Game& game) { return king_attacked<Side::white>(game); }
+inline bool black_in_check(const Game& game) { return king_attacked<Side::black>(game); }
 /// Whether the side to move is in check.
-inline bool in_check(const Game* game) { return game->turn == 1 ? black_in_check(game) : white_in_check(game); }
+inline bool in_check(const Game& game) {
+    return game.turn == Side::black ? black_in_check(game) : white_in_check(game);
+}
 
 /// All men of both colours, kings included, that attack `square`.
-Bitboard attackers_of(const Game* game, int square);
+Bitboard attackers_of(const Game& game, int square);
 
 /// `set` with the men added that attack `target` through `square`: a man on `square` has left the line towards
 /// `target`, and the slider right behind it joins in.
-Bitboard add_xray(const Game* game, int square, int target, Bitboard set);
+Bitboard add_xray(const Game& game, int square, int target, Bitboard set);
 
 }  // namespace varn

@@ -1,7 +1,8 @@
 #include "board/game.h"
 
+#include "board/game_sides.h"
+#include "board/geometry.h"
 #include "board/make.h"
-#include "board/reset.h"
 #include "board/zobrist.h"
 
 namespace varn {
@@ -17,9 +18,8 @@ template <Side S> void set_up_side(Game& g) {
         g.cells[square_of(own_rank<S>(2), file)] = code_of(S, pawn);
     }
     for (int rank = 1; rank <= 2; ++rank) {
-        Bitboard men = own_rank_mask<S>(rank);
-        while (men != 0) {
-            const int square = pop_first(men);
+        for (Bitboard squares = own_rank_mask<S>(rank); squares != 0;) {
+            const int square = pop_first(squares);
             const Man man = man_of(g.cells[square]);
             pieces_of<S>(g) |= bit_mask(square);
             board_of<S>(g, man) |= bit_mask(square);
@@ -32,20 +32,21 @@ template <Side S> void set_up_side(Game& g) {
 
 }  // namespace
 
-std::unique_ptr<Game> new_game(bool allocate_tables) {
-    if (allocate_tables) reset_hooks.allocate_tables();
+void complete_record(Game& game) {
+    game.men = game.w_pieces | game.b_pieces;
+    game.r90 = rotate_90(game.men);
+    game.r45f = rotate_45f(game.men);
+    game.r45b = rotate_45b(game.men);
+    rehash(game);
+    reset_draw_hash(game);
+}
+
+std::unique_ptr<Game> new_game() {
     auto game = std::make_unique<Game>();
     for (auto& cell : game->cells) cell = no_piece;
     set_up_side<Side::white>(*game);
     set_up_side<Side::black>(*game);
-    game->men = game->w_pieces | game->b_pieces;
-    game->r90 = rotate_90(occupied(*game));
-    game->r45f = rotate_45f(occupied(*game));
-    game->r45b = rotate_45b(occupied(*game));
-    game->ep_side = -1;
-    rehash(game.get());
-    reset_draw_hash(game.get());
-    reset_hooks.game_started();
+    complete_record(*game);
     return game;
 }
 

@@ -6,9 +6,13 @@
 #include <memory>
 
 #include "board/bits.h"
-#include "board/types.h"
+#include "board/move.h"
 
 namespace varn {
+
+/// Slots of every array that a search indexes by ply: plies 0 to 499.
+inline constexpr int ply_slots = 500;
+inline constexpr int last_ply = ply_slots - 1;
 
 /// Moves that a game can record. A game whose record is full is over.
 inline constexpr int max_game_moves = 1000;
@@ -34,8 +38,8 @@ struct PositionKeys {
 };
 
 /// Invariants between any two calls of make and unmake: the side boards are the unions of the piece boards, no square
-/// is in two boards, each rotated board holds one bit per man, `cells` and the boards agree square by square, the king
-/// squares are the bits of the king boards, and `material` is the difference of the two sums.
+/// is in two boards, each rotated board holds one bit per piece, `cells` and the boards agree square by square, the
+/// king squares are the bits of the king boards, and `material` is the difference of the two sums.
 ///
 /// The four hashes are exact relative to their own starting value, not a function of the position alone: a castling
 /// right counts from the moment it is lost, and the side to move never changes the pawn hashes.
@@ -52,9 +56,9 @@ struct Game {
     std::int32_t material;
     std::int32_t w_material;
     std::int32_t b_material;
-    std::uint8_t fifty;    // plies since the last pawn move or capture; 100 is a draw, and it stays at 255
-    std::uint8_t turn;     // 0 white, 1 black
-    std::int16_t ep_side;  // who may capture en passant: 0 white, 1 black, -1 nobody; read only while there is a square
+    std::uint8_t fifty;  // plies since the last pawn move or capture; 100 is a draw, and it stays at 255
+    Side turn;           // to move
+    Side ep_side;        // who may capture en passant; read only while there is a square
 
     std::int32_t wking_sqr;
     std::int32_t bking_sqr;
@@ -81,13 +85,15 @@ struct Game {
     friend constexpr bool operator==(const Game&, const Game&) = default;
 };
 
-/// A game at the starting position; the search's tables and history are cleared with it, and allocated anew first where
-/// `allocate_tables` is true.
-std::unique_ptr<Game> new_game(bool allocate_tables);
+/// A game at the starting position.
+std::unique_ptr<Game> new_game();
+
+/// Completes a record whose pieces, mailbox, counts and side to move are set: the rotated boards, the four hashes from
+/// scratch, and the present position as the only one in `draw_hash`.
+void complete_record(Game& game);
 
 constexpr bool record_is_full(const Game& game) { return game.move_counter >= max_game_moves; }
 
-constexpr Side side_to_move(const Game& game) { return game.turn == 0 ? Side::white : Side::black; }
 constexpr Bitboard occupied(const Game& game) { return game.men; }
 constexpr PositionKeys keys_of(const Game& game) { return {game.zobrist_key, game.zobrist_lock}; }
 

@@ -1,6 +1,8 @@
 // The builders of the large geometric tables. All of them run in the compiler.
 #include "board/geometry.h"
 
+#include <initializer_list>
+
 namespace varn {
 
 namespace {

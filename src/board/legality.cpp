@@ -1,7 +1,8 @@
 #include "board/legality.h"
 
+#include <algorithm>
+
 #include "board/attacks.h"
-#include "board/make.h"
 #include "board/movegen.h"
 
 namespace varn {
@@ -10,17 +11,17 @@ namespace {
 
 /// The candidates of a side, tried one by one until one is legal.
 template <Side S> struct Candidates {
-    Game& g;
-    const Restraints& restraints;
+    const Game& g;
+    const Pins& pins;
 
-    /// Whether one of the men has a legal move of `kind` to a square that `targets_of` gives for its own.
+    /// Whether one of the pieces has a legal move of `kind` to a square that `targets_of` gives for its own.
     template <typename Targets> bool any(Bitboard men, std::uint8_t kind, Targets targets_of) const {
         while (men != 0) {
             const auto from = static_cast<std::uint8_t>(pop_first(men));
             Bitboard targets = targets_of(from);
             while (targets != 0) {
                 const auto to = static_cast<std::uint8_t>(pop_first(targets));
-                if (is_legal_under<S>(restraints, g, {from, to, kind})) return true;
+                if (is_legal_under<S>(g, pins, {from, to, kind})) return true;
             }
         }
         return false;
@@ -34,7 +35,7 @@ template <Side S> bool pawn_has_legal_move(const Candidates<S>& candidates, Bitb
     const Bitboard pawns = pawns_of<S>(g);
     const Bitboard steppers = pawns & ~behind<S>(occupied(g));
     // In nearly every position some pawn settles it here.
-    if ((steppers & candidates.restraints.free) != 0) return true;
+    if ((steppers & candidates.pins.free) != 0) return true;
 
     const Bitboard doubles = steppers & own_rank_mask<S>(2) & ~behind<S>(behind<S>(occupied(g)));
     if (candidates.any(steppers, kind_quiet, [](int from) { return bit_mask(from + up<S>); })) return true;
@@ -49,9 +50,9 @@ template <Side S> bool pawn_has_legal_move(const Candidates<S>& candidates, Bitb
 
 /// The kind of a piece's move doesn't matter to its being legal. Castling need not be tried: where it is legal the
 /// king's single step that way is legal too.
-template <Side S> bool side_has_legal_move(Game& g, const Restraints& restraints) {
+template <Side S> bool side_has_legal_move(const Game& g, const Pins& pins) {
     constexpr Side them = other(S);
-    const Candidates<S> candidates = {g, restraints};
+    const Candidates<S> candidates = {g, pins};
     const Bitboard targets = ~pieces_of<S>(g) & not_bit(king_square_of<them>(g));
     if (pawn_has_legal_move<S>(candidates, pieces_of<them>(g) & targets)) return true;
     const auto try_men = [&](Bitboard men, auto reach) {
@@ -66,46 +67,43 @@ template <Side S> bool side_has_legal_move(Game& g, const Restraints& restraints
 
 }  // namespace
 
-template <Side S> bool leaves_in_check(Game& game, Move move) {
-    UndoRecord undo;
-    fill_undo(&game, move, &undo);
-    make_move(&game, move);
-    const bool attacked = king_attacked<S>(game);
-    unmake_move(&game, move, &undo);
-    return attacked;
-}
+bool is_legal(const Game& game, Move move) { return is_legal_under(game, pins_of(game), move); }
 
-template bool leaves_in_check<Side::white>(Game& game, Move move);
-template bool leaves_in_check<Side::black>(Game& game, Move move);
-
-bool is_legal(Game* game, Move move) {
-    return game->turn == 0 ? !leaves_white_in_check(game, move) : !leaves_black_in_check(game, move);
-}
-
-bool is_valid_move(Game* game, Move move) {
+MoveList legal_moves(const Game& game) {
+    const Pins pins = pins_of(game);
     MoveList list;
-    list.count = 0;
-    add_all(game, &list);
-    for (int i = 0; i < list.count; ++i) {
-        if (list.moves[i] == move) return is_legal(game, move);
+    generate_all(game, list);
+    std::int32_t legal = 0;
+    for (const Move move : list) {
+        if (is_legal_under(game, pins, move)) list.moves[legal++] = move;
     }
-    return false;
+    list.count = legal;
+    return list;
 }
 
-bool leaves_white_in_check(Game* game, Move move) { return leaves_in_check<Side::white>(*game, move); }
-bool leaves_black_in_check(Game* game, Move move) { return leaves_in_check<Side::black>(*game, move); }
-
-bool white_has_legal_move(Game* game) {
-    return side_has_legal_move<Side::white>(*game, restraints_of<Side::white>(*game));
+bool is_valid_move(const Game& game, Move move) {
+    const MoveList list = legal_moves(game);
+    return std::find(list.begin(), list.end(), move) != list.end();
 }
-bool black_has_legal_move(Game* game) {
-    return side_has_legal_move<Side::black>(*game, restraints_of<Side::black>(*game));
-}
-bool has_legal_move(Game* game) { return game->turn == 0 ? white_has_legal_move(game) : black_has_legal_move(game); }
 
-bool has_legal_move(Game* game, const Restraints& restraints) {
-    return game->turn == 0 ? side_has_legal_move<Side::white>(*game, restraints)
-                           : side_has_legal_move<Side::black>(*game, restraints);
+bool leaves_white_in_check(const Game& game, Move move) {
+    return !is_legal_under<Side::white>(game, pins_of<Side::white>(game), move);
+}
+bool leaves_black_in_check(const Game& game, Move move) {
+    return !is_legal_under<Side::black>(game, pins_of<Side::black>(game), move);
+}
+
+bool white_has_legal_move(const Game& game) {
+    return side_has_legal_move<Side::white>(game, pins_of<Side::white>(game));
+}
+bool black_has_legal_move(const Game& game) {
+    return side_has_legal_move<Side::black>(game, pins_of<Side::black>(game));
+}
+bool has_legal_move(const Game& game) { return has_legal_move(game, pins_of(game)); }
+
+bool has_legal_move(const Game& game, const Pins& pins) {
+    return game.turn == Side::white ? side_has_legal_move<Side::white>(game, pins)
+                                    : side_has_legal_move<Side::black>(game, pins);
 }
 
 }  // namespace varn

@@ -1,5 +1,6 @@
 #include "board/make.h"
 
+#include <cassert>
 #include <cstddef>
 #include <cstring>
 
@@ -8,15 +9,96 @@
 
 namespace varn {
 
-Table<UndoRecord, ply_slots + 1> undo_stack;
-Table<SearchPly, ply_slots> search_stack;
-Table<std::uint8_t, ply_slots> null_move_at;
-
 namespace {
 
 constexpr std::uint8_t fifty_ceiling = 255;
 
-/// A square as the boards of all men have it.
+// --- The rule of the keys -------------------------------------------------------------------------------------------
+// What each part of a move does to the keys, told once: `make_for` adds it up as it goes, `child_keys_of` without a
+// board to change.
+
+/// The rights that go with a piece of this kind when it moves or is captured.
+constexpr Table<std::uint32_t, 8> rights_of = {
+    {kingside_right | queenside_right, 0, 0, 0, kingside_right, queenside_right, 0, 0}};
+
+/// The rights that side S still has and that go with this piece.
+template <Side S> std::uint32_t rights_lost(const Game& g, int code) {
+    return castle_of<S>(g) & rights_of[man_of(code)];
+}
+
+template <Side S> void toggle_rights(PositionKeys& keys, std::uint32_t lost) {
+    if ((lost & kingside_right) != 0) keys ^= in_both(kingside_number<S>());
+    if ((lost & queenside_right) != 0) keys ^= in_both(queenside_number<S>());
+}
+
+PositionKeys moved_piece(int from, int to, int code) { return zobrist_numbers[from][code] ^ zobrist_numbers[to][code]; }
+
+/// A pawn on `square` becomes the piece with this code.
+template <Side S> PositionKeys promoted_piece(int square, int code) {
+    return zobrist_numbers[square][code_of(S, pawn)] ^ zobrist_numbers[square][code];
+}
+
+/// The keys of the position with the turn passed and no en-passant square.
+PositionKeys keys_of_next_turn(const Game& g) {
+    PositionKeys keys = keys_of(g) ^ in_both(zobrist_side_number);
+    if (g.enpassant != 0) keys ^= in_both(zobrist_ep_numbers[first_one(g.enpassant)]);
+    return keys;
+}
+
+/// Whether a double step across the square gives an en-passant square: an enemy pawn must stand ready to capture
+/// there; whether that would be legal isn't asked.
+template <Side S> bool leaves_enpassant(const Game& g, int passed) {
+    return (pawn_attacks<S>[passed] & pawns_of<other(S)>(g)) != 0;
+}
+
+/// The rook's part of castling, fixed by the king's move.
+struct RookMove {
+    int from;
+    int to;
+    int code;
+};
+
+template <Side S> RookMove castling_rook(int kind) {
+    if (kind == kind_kingside_castling) return {own_square<S>(h1), own_square<S>(f1), code_of(S, kingside_rook)};
+    return {own_square<S>(a1), own_square<S>(d1), code_of(S, queenside_rook)};
+}
+
+/// The square of the pawn that an en-passant capture on `target` takes.
+template <Side S> int victim_of_en_passant(int target) { return target - up<S>; }
+
+template <Side S> PositionKeys child_keys_of(const Game& g, Move move) {
+    constexpr Side them = other(S);
+    const int mover = g.cells[move.from];
+    const int captured = g.cells[move.to];
+    PositionKeys keys = keys_of_next_turn(g) ^ moved_piece(move.from, move.to, mover);
+    toggle_rights<S>(keys, rights_lost<S>(g, mover));
+    if (captured != no_piece) {
+        keys ^= zobrist_numbers[move.to][captured];
+        toggle_rights<them>(keys, rights_lost<them>(g, captured));
+    }
+    switch (move.kind) {
+        case kind_quiet:
+        case kind_capture: break;
+        case kind_double_step: {
+            const int passed = move.from + up<S>;
+            if (leaves_enpassant<S>(g, passed)) keys ^= in_both(zobrist_ep_numbers[passed]);
+            break;
+        }
+        case kind_en_passant: keys ^= zobrist_numbers[victim_of_en_passant<S>(move.to)][code_of(them, pawn)]; break;
+        case kind_kingside_castling:
+        case kind_queenside_castling: {
+            const RookMove rook = castling_rook<S>(move.kind);
+            keys ^= moved_piece(rook.from, rook.to, rook.code);
+            break;
+        }
+        default: keys ^= promoted_piece<S>(move.to, move.kind);
+    }
+    return keys;
+}
+
+// --- The boards -----------------------------------------------------------------------------------------------------
+
+/// A square as the boards of all pieces have it.
 struct Bits {
     Bitboard men, r90, r45f, r45b;
 };
@@ -43,47 +125,21 @@ void set_keys(Game& g, PositionKeys keys) {
     g.zobrist_lock = keys.lock;
 }
 
-/// The rights that go with a man of this kind when it moves or is captured.
-constexpr Table<std::uint32_t, 8> rights_of = {
-    {kingside_right | queenside_right, 0, 0, 0, kingside_right, queenside_right, 0, 0}};
+// What a move does beyond moving a piece, told by where it is needed. The keys are worked out apart from the record and
+// written once, since a store to the mailbox could change any field, for all the compiler knows.
 
-// What a move does beyond moving a man, told by where it is needed. The keys go with it: they are worked out apart from
-// the record and written once, since a store to the mailbox could change any field, for all the compiler knows.
-
-template <Side S> void lose_rights(Game& g, std::uint32_t rights, PositionKeys& keys) {
-    const std::uint32_t lost = castle_of<S>(g) & rights;
+template <Side S> void lose_rights(Game& g, int code, PositionKeys& keys) {
+    const std::uint32_t lost = rights_lost<S>(g, code);
     if (lost == 0) return;
     castle_of<S>(g) ^= lost;
-    if ((lost & kingside_right) != 0) keys ^= in_both(kingside_number<S>());
-    if ((lost & queenside_right) != 0) keys ^= in_both(queenside_number<S>());
+    toggle_rights<S>(keys, lost);
 }
 
-void clear_enpassant(Game& g, PositionKeys& keys) {
-    if (g.enpassant == 0) return;
-    keys ^= in_both(zobrist_ep_numbers[first_one(g.enpassant)]);
-    g.enpassant = 0;
-}
-
-/// Sets the square passed over, if an enemy pawn stands ready to capture there; whether that would be legal isn't
-/// asked.
 template <Side S> void set_enpassant(Game& g, int passed, PositionKeys& keys) {
-    constexpr Side them = other(S);
-    if ((pawn_attacks<S>[passed] & pawns_of<them>(g)) == 0) return;
+    if (!leaves_enpassant<S>(g, passed)) return;
     g.enpassant = bit_mask(passed);
-    g.ep_side = turn_of<them>;
+    g.ep_side = other(S);
     keys ^= in_both(zobrist_ep_numbers[passed]);
-}
-
-/// The rook's part of castling, fixed by the king's move.
-struct RookMove {
-    int from;
-    int to;
-    int code;
-};
-
-template <Side S> RookMove castling_rook(int kind) {
-    if (kind == kind_kingside_castling) return {own_square<S>(h1), own_square<S>(f1), code_of(S, kingside_rook)};
-    return {own_square<S>(a1), own_square<S>(d1), code_of(S, queenside_rook)};
 }
 
 /// Moves a castling rook between two squares, in either direction; the keys are the caller's.
@@ -100,7 +156,7 @@ template <Side S> void shift_rook(Game& g, int from, int to, int code) {
 template <Side S> void castle_rook(Game& g, int kind, PositionKeys& keys) {
     const RookMove rook = castling_rook<S>(kind);
     shift_rook<S>(g, rook.from, rook.to, rook.code);
-    keys ^= zobrist_numbers[rook.from][rook.code] ^ zobrist_numbers[rook.to][rook.code];
+    keys ^= moved_piece(rook.from, rook.to, rook.code);
 }
 
 /// Adds to side S's material and to the balance.
@@ -109,8 +165,8 @@ template <Side S> void add_material(Game& g, int value) {
     g.material += sign_of<S> * value;
 }
 
-/// Takes the man with this code of side S off the board and out of every count.
-template <Side S> void remove_man(Game& g, int square, int code, PositionKeys& keys) {
+/// Takes the piece with this code of side S off the board and out of every count.
+template <Side S> void remove_piece(Game& g, int square, int code, PositionKeys& keys) {
     const PositionKeys numbers = zobrist_numbers[square][code];
     pieces_of<S>(g) ^= bit_mask(square);
     board_of<S>(g, man_of(code)) ^= bit_mask(square);
@@ -121,20 +177,19 @@ template <Side S> void remove_man(Game& g, int square, int code, PositionKeys& k
 
 template <Side S> void capture_pawn_en_passant(Game& g, int target, PositionKeys& keys) {
     constexpr Side them = other(S);
-    const int square = target - up<S>;
+    const int square = victim_of_en_passant<S>(target);
     toggle_occupied(g, square);
     g.cells[square] = no_piece;
-    remove_man<them>(g, square, code_of(them, pawn), keys);
+    remove_piece<them>(g, square, code_of(them, pawn), keys);
 }
 
 /// A pawn turns into a piece on the square that it has come to.
 template <Side S> void promote(Game& g, Move move, PositionKeys& keys) {
-    const PositionKeys pawn_numbers = zobrist_numbers[move.to][code_of(S, pawn)];
     pawns_of<S>(g) ^= bit_mask(move.to);
     board_of<S>(g, man_of(move.kind)) ^= bit_mask(move.to);
     g.cells[move.to] = static_cast<PieceCode>(move.kind);
-    toggle_pawn_keys(g, pawn_numbers);
-    keys ^= pawn_numbers ^ zobrist_numbers[move.to][move.kind];
+    toggle_pawn_keys(g, zobrist_numbers[move.to][code_of(S, pawn)]);
+    keys ^= promoted_piece<S>(move.to, move.kind);
     add_material<S>(g, piece_values[move.kind] - pawn_value);
 }
 
@@ -144,8 +199,7 @@ template <Side S> void finish_pawn_move(Game& g, Move move, PositionKeys& keys) 
         case kind_capture: break;
         case kind_double_step: set_enpassant<S>(g, move.from + up<S>, keys); break;
         case kind_en_passant: capture_pawn_en_passant<S>(g, move.to, keys); break;
-        default:
-            if (is_promotion(move.kind)) promote<S>(g, move, keys);
+        default: promote<S>(g, move, keys);
     }
 }
 
@@ -159,7 +213,7 @@ static_assert(offsetof(UndoRecord, captured) == saved_bytes && offsetof(Game, zo
 
 template <Side S> void put_back_en_passant(Game& g, int target) {
     constexpr Side them = other(S);
-    const int square = target - up<S>;
+    const int square = victim_of_en_passant<S>(target);
     pieces_of<them>(g) ^= bit_mask(square);
     pawns_of<them>(g) ^= bit_mask(square);
     toggle_occupied(g, square);
@@ -174,13 +228,13 @@ template <Side S> void make_for(Game& g, Move move) {
     const int to = move.to;
     const int mover = g.cells[from];
     const int captured = g.cells[to];
+    assert(from != to && is_code_of(S, mover) && !is_code_of(S, captured) && captured != code_of(them, king));
     const Bitboard squares = bit_mask(from) | bit_mask(to);
-    const PositionKeys moved = zobrist_numbers[from][mover] ^ zobrist_numbers[to][mover];
-    PositionKeys keys = keys_of(g) ^ moved ^ in_both(zobrist_side_number);
+    const PositionKeys moved = moved_piece(from, to, mover);
+    PositionKeys keys = keys_of_next_turn(g) ^ moved;
 
-    clear_enpassant(g, keys);
-    g.ep_side = -1;
-    g.turn ^= 1U;
+    g.enpassant = 0;
+    g.turn = other(g.turn);
     if (g.fifty < fifty_ceiling) ++g.fifty;
     pieces_of<S>(g) ^= squares;
     board_of<S>(g, man_of(mover)) ^= squares;
@@ -191,8 +245,8 @@ template <Side S> void make_for(Game& g, Move move) {
         toggle_occupied(g, to);
     } else {
         g.fifty = 0;
-        remove_man<them>(g, to, captured, keys);
-        lose_rights<them>(g, rights_of[man_of(captured)], keys);
+        remove_piece<them>(g, to, captured, keys);
+        lose_rights<them>(g, captured, keys);
     }
 
     if (man_of(mover) == pawn) {
@@ -200,7 +254,7 @@ template <Side S> void make_for(Game& g, Move move) {
         toggle_pawn_keys(g, moved);
         finish_pawn_move<S>(g, move, keys);
     } else {
-        lose_rights<S>(g, rights_of[man_of(mover)], keys);
+        lose_rights<S>(g, mover, keys);
         if (man_of(mover) == king) {
             king_square_of<S>(g) = to;
             if (is_castling(move.kind)) castle_rook<S>(g, move.kind, keys);
@@ -216,6 +270,7 @@ template <Side S> void unmake_for(Game& g, Move move, const UndoRecord& undo) {
     const Bitboard squares = bit_mask(from) | bit_mask(to);
     const int captured = undo.captured;
     int mover = g.cells[to];
+    assert(is_code_of(S, mover) && g.cells[from] == no_piece);
 
     std::memcpy(&g, &undo, saved_bytes);
     if (is_promotion(move.kind)) {
@@ -249,122 +304,103 @@ template void make_for<Side::black>(Game& g, Move move);
 template void unmake_for<Side::white>(Game& g, Move move, const UndoRecord& undo);
 template void unmake_for<Side::black>(Game& g, Move move, const UndoRecord& undo);
 
-void fill_undo(const Game* game, Move move, UndoRecord* undo) {
-    std::memcpy(undo, game, saved_bytes);
-    undo->captured = game->cells[move.to];
+void fill_undo(const Game& game, Move move, UndoRecord& undo) {
+    save_undo(game, undo);
+    undo.captured = game.cells[move.to];
 }
 
-UndoRecord* save_undo(const Game* game, Move move, int slot) {
-    UndoRecord* undo = &undo_stack[slot];
-    fill_undo(game, move, undo);
-    return undo;
-}
+void save_undo(const Game& game, UndoRecord& undo) { std::memcpy(&undo, &game, saved_bytes); }
 
-UndoRecord* save_undo(const Game* game, int slot) {
-    UndoRecord* undo = &undo_stack[slot];
-    std::memcpy(undo, game, saved_bytes);
-    return undo;
-}
-
-void make_move(Game* game, Move move) {
-    if (piece_colour(game->cells[move.from]) == 0) {
-        make_for<Side::white>(*game, move);
+void make_move(Game& game, Move move) {
+    if (side_of(game.cells[move.from]) == Side::white) {
+        make_for<Side::white>(game, move);
     } else {
-        make_for<Side::black>(*game, move);
+        make_for<Side::black>(game, move);
     }
 }
 
-void unmake_move(Game* game, Move move, const UndoRecord* undo) {
-    if (piece_colour(game->cells[move.to]) == 0) {
-        unmake_for<Side::white>(*game, move, *undo);
+void unmake_move(Game& game, Move move, const UndoRecord& undo) {
+    if (side_of(game.cells[move.to]) == Side::white) {
+        unmake_for<Side::white>(game, move, undo);
     } else {
-        unmake_for<Side::black>(*game, move, *undo);
+        unmake_for<Side::black>(game, move, undo);
     }
 }
 
-void push_keys(Game* game) {
-    game->draw_hash[game->draw_hash_count] = keys_of(*game);
-    ++game->draw_hash_count;
+void push_keys(Game& game) {
+    assert(game.draw_hash_count < draw_hash_slots);
+    game.draw_hash[game.draw_hash_count] = keys_of(game);
+    ++game.draw_hash_count;
 }
 
-void pop_keys(Game* game) { --game->draw_hash_count; }
+void pop_keys(Game& game) {
+    assert(game.draw_hash_count > 0);
+    --game.draw_hash_count;
+}
 
-void reset_draw_hash(Game* game) {
-    game->draw_hash_count = 0;
+void reset_draw_hash(Game& game) {
+    game.draw_hash_count = 0;
     push_keys(game);
 }
 
-void make_and_push(Game* game, Move move) {
+void make_and_push(Game& game, Move move) {
     make_move(game, move);
     push_keys(game);
 }
 
-void retract_move(Game* game, Move move, const UndoRecord* undo) {
+void retract_move(Game& game, Move move, const UndoRecord& undo) {
     pop_keys(game);
     unmake_move(game, move, undo);
 }
 
-void add_game_move(Game* game, Move move) {
-    if (record_is_full(*game)) return;
-    game->game_moves[game->move_counter] = move;
-    ++game->move_counter;
+void add_game_move(Game& game, Move move) {
+    if (record_is_full(game)) return;
+    game.game_moves[game.move_counter] = move;
+    ++game.move_counter;
 }
 
-bool play_move(Move move, Game* game) {
-    if (record_is_full(*game)) return false;
+bool play_move(Game& game, Move move) {
+    if (record_is_full(game)) return false;
     make_and_push(game, move);
     add_game_move(game, move);
     return true;
 }
 
-bool make_if_legal(Game* game, Move move, int ply, const UndoRecord* undo) {
-    search_stack[ply].captured = game->cells[move.to];
-    const Side mover = side_to_move(*game);
-    make_move(game, move);
-    const bool illegal = mover == Side::white ? white_in_check(game) : black_in_check(game);
-    if (illegal) unmake_move(game, move, undo);
-    return !illegal;
-}
-
-template <Side S> bool make_if_legal(Game& game, Move move, int ply, const Restraints& restraints, UndoRecord& undo) {
+template <Side S> bool make_if_legal(Game& game, Move move, const Pins& pins, UndoRecord& undo) {
+    if (!is_legal_under<S>(game, pins, move)) return false;
     undo.captured = game.cells[move.to];
-    search_stack[ply].captured = undo.captured;
-    if (!is_legal_under<S>(restraints, game, move)) return false;
     make_for<S>(game, move);
     return true;
 }
 
-template bool make_if_legal<Side::white>(Game& game, Move move, int ply, const Restraints& restraints,
-                                         UndoRecord& undo);
-template bool make_if_legal<Side::black>(Game& game, Move move, int ply, const Restraints& restraints,
-                                         UndoRecord& undo);
+template bool make_if_legal<Side::white>(Game& game, Move move, const Pins& pins, UndoRecord& undo);
+template bool make_if_legal<Side::black>(Game& game, Move move, const Pins& pins, UndoRecord& undo);
 
-bool make_if_legal(Game* game, Move move, int ply, const Restraints& restraints, UndoRecord* undo) {
-    return game->turn == 0 ? make_if_legal<Side::white>(*game, move, ply, restraints, *undo)
-                           : make_if_legal<Side::black>(*game, move, ply, restraints, *undo);
+bool make_if_legal(Game& game, Move move, const Pins& pins, UndoRecord& undo) {
+    return game.turn == Side::white ? make_if_legal<Side::white>(game, move, pins, undo)
+                                    : make_if_legal<Side::black>(game, move, pins, undo);
 }
 
-void make_null(Game* game, int ply, UndoRecord* undo) {
-    game->turn ^= 1U;
-    search_stack[ply].captured = no_piece;
-    undo->zobrist_key = game->zobrist_key;
-    undo->zobrist_lock = game->zobrist_lock;
-    undo->enpassant = game->enpassant;
-    undo->ep_side = game->ep_side;
-    PositionKeys keys = keys_of(*game) ^ in_both(zobrist_side_number) ^ in_both(zobrist_null_number);
-    clear_enpassant(*game, keys);
-    set_keys(*game, keys);
-    null_move_at[ply] = 1;
+void make_null(Game& game, UndoRecord& undo) {
+    undo.zobrist_key = game.zobrist_key;
+    undo.zobrist_lock = game.zobrist_lock;
+    undo.enpassant = game.enpassant;
+    set_keys(game, keys_of_next_turn(game) ^ in_both(zobrist_null_number));
+    game.enpassant = 0;
+    game.turn = other(game.turn);
     push_keys(game);
 }
 
-void unmake_null(Game* game, const UndoRecord* undo) {
-    game->turn ^= 1U;
-    game->zobrist_key = undo->zobrist_key;
-    game->zobrist_lock = undo->zobrist_lock;
-    game->enpassant = undo->enpassant;
-    game->ep_side = undo->ep_side;
+void unmake_null(Game& game, const UndoRecord& undo) {
+    game.turn = other(game.turn);
+    game.zobrist_key = undo.zobrist_key;
+    game.zobrist_lock = undo.zobrist_lock;
+    game.enpassant = undo.enpassant;
     pop_keys(game);
+}
+
+PositionKeys child_keys(const Game& game, Move move) {
+    return game.turn == Side::white ? child_keys_of<Side::white>(game, move) : child_keys_of<Side::black>(game, move);
 }
 
 }  // namespace varn

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "board/game.h"
-#include "board/restraints.h"
+#include "board/pins.h"
 
 namespace varn {
 
@@ -23,63 +23,48 @@ struct UndoRecord {
     std::int32_t w_material;
     std::int32_t b_material;
     std::uint8_t fifty;
-    std::uint8_t turn;
-    std::int16_t ep_side;
-    PieceCode captured;  // on the move's target before it, -1 for an empty square, en passant included
+    Side turn;
+    Side ep_side;
+    alignas(8) PieceCode captured;  // on the move's target before it, -1 for an empty square, en passant included
 };
-
-/// The move made at a ply and the code that stood on its target, -1 for none, en passant and a null move.
-struct SearchPly {
-    Move move;
-    std::int32_t captured;
-};
-
-// What the line of the running search leaves at each ply. Written by make below and by the search; owned by whichever
-// thread searches. Only the first has a slot behind the plies.
-extern Table<UndoRecord, ply_slots + 1> undo_stack;
-extern Table<SearchPly, ply_slots> search_stack;
-extern Table<std::uint8_t, ply_slots> null_move_at;  // 1 while a null move made at this ply is being searched
 
 /// Fills the record while the position before `move` still stands.
-void fill_undo(const Game* game, Move move, UndoRecord* undo);
-/// The same into `undo_stack[slot]`; gives that record.
-UndoRecord* save_undo(const Game* game, Move move, int slot);
-/// The same for whatever moves the position has: who makes one sets the captured man.
-UndoRecord* save_undo(const Game* game, int slot);
+void fill_undo(const Game& game, Move move, UndoRecord& undo);
+/// The same for whatever moves the position has: `make_if_legal` sets the captured piece.
+void save_undo(const Game& game, UndoRecord& undo);
 
-void make_move(Game* game, Move move);
-void unmake_move(Game* game, Move move, const UndoRecord* undo);
+void make_move(Game& game, Move move);
+void unmake_move(Game& game, Move move, const UndoRecord& undo);
 // The same for a mover that is known to be of side S.
 template <Side S> void make_for(Game& g, Move move);
 template <Side S> void unmake_for(Game& g, Move move, const UndoRecord& undo);
 
 /// The keys of the present position go to the end of `draw_hash`, or the last ones leave it.
-void push_keys(Game* game);
-void pop_keys(Game* game);
+void push_keys(Game& game);
+void pop_keys(Game& game);
 /// `draw_hash` holds the present position alone.
-void reset_draw_hash(Game* game);
+void reset_draw_hash(Game& game);
 
-void make_and_push(Game* game, Move move);
+void make_and_push(Game& game, Move move);
 /// The inverse of `make_and_push`.
-void retract_move(Game* game, Move move, const UndoRecord* undo);
+void retract_move(Game& game, Move move, const UndoRecord& undo);
 
 /// Appends to the moves of the game; a full record stays as it is.
-void add_game_move(Game* game, Move move);
+void add_game_move(Game& game, Move move);
 /// A move of the real game: made, its keys pushed, recorded. Returns false, with nothing changed, on a full record.
-bool play_move(Move move, Game* game);
+bool play_move(Game& game, Move move);
 
-/// Makes the move unless it leaves the mover's own king attacked; returns whether it stands. Leaves the captured code
-/// in `search_stack[ply]` and pushes no keys. `undo` must have been filled.
-bool make_if_legal(Game* game, Move move, int ply, const UndoRecord* undo);
-
-/// The same for a move of side S under its restraints. `undo` may have been filled for any move of the position: the
-/// captured man is set here.
-template <Side S> bool make_if_legal(Game& game, Move move, int ply, const Restraints& restraints, UndoRecord& undo);
+/// Makes a pseudo-legal move of side S unless it leaves its own king attacked; returns whether it stands. Pushes no
+/// keys. `pins` are the position's; `undo` was saved for any of its moves, and gets the captured piece.
+template <Side S> bool make_if_legal(Game& game, Move move, const Pins& pins, UndoRecord& undo);
 /// The same for the side to move.
-bool make_if_legal(Game* game, Move move, int ply, const Restraints& restraints, UndoRecord* undo);
+bool make_if_legal(Game& game, Move move, const Pins& pins, UndoRecord& undo);
 
-/// Passes the turn: clears the en-passant square, pushes the keys, and marks `ply` in `null_move_at`.
-void make_null(Game* game, int ply, UndoRecord* undo);
-void unmake_null(Game* game, const UndoRecord* undo);
+/// Passes the turn: clears the en-passant square and pushes the keys. Fills what `unmake_null` needs of `undo`.
+void make_null(Game& game, UndoRecord& undo);
+void unmake_null(Game& game, const UndoRecord& undo);
+
+/// Both keys of the position after a pseudo-legal move, as make would leave them; changes nothing.
+PositionKeys child_keys(const Game& game, Move move);
 
 }  // namespace varn

@@ -4,8 +4,6 @@
 
 namespace varn {
 
-Table<MoveList, ply_slots + 1> move_lists;
-
 namespace {
 
 // The stages write at a cursor and hand it on: counting in the list itself would take a load and a store a move.
@@ -73,7 +71,7 @@ template <Side S> Move* put_pawn_captures(const Game& g, Move* out, Bitboard tar
 
 template <Side S> Move* put_en_passant(const Game& g, Move* out) {
     const Bitboard target = g.enpassant & own_rank_mask<S>(6);
-    if (target == 0 || g.ep_side != turn_of<S>) return out;
+    if (target == 0 || g.ep_side != S) return out;
     const int to = first_one(target);
     Bitboard pawns = pawn_attacks<other(S)>[to] & pawns_of<S>(g);
     while (pawns != 0) out = put_move(out, pop_first(pawns), to, kind_en_passant);
@@ -146,59 +144,51 @@ template <Side S> Move* put_all(const Game& g, Move* out) {
 }
 
 /// A stage as its callers know it: it appends to a list.
-template <Move* stage(const Game& g, Move* out)> void append(const Game* game, MoveList* list) {
-    const Move* end = stage(*game, list->moves.begin() + list->count);
-    list->count = static_cast<std::int32_t>(end - list->moves.begin());
-}
-
-MoveList* empty_list(int slot) {
-    move_lists[slot].count = 0;
-    return &move_lists[slot];
+template <Move* stage(const Game& g, Move* out)> void append(const Game& game, MoveList& list) {
+    const Move* end = stage(game, list.moves.begin() + list.count);
+    list.count = static_cast<std::int32_t>(end - list.moves.begin());
 }
 
 }  // namespace
 
-void add_white_captures(const Game* game, MoveList* list) { append<put_captures<Side::white>>(game, list); }
-void add_black_captures(const Game* game, MoveList* list) { append<put_captures<Side::black>>(game, list); }
-void add_white_promotions(const Game* game, MoveList* list) { append<put_promotions<Side::white>>(game, list); }
-void add_black_promotions(const Game* game, MoveList* list) { append<put_promotions<Side::black>>(game, list); }
-void add_quiets_white(const Game* game, MoveList* list) { append<put_quiets<Side::white>>(game, list); }
-void add_quiets_black(const Game* game, MoveList* list) { append<put_quiets<Side::black>>(game, list); }
-void add_all_white(const Game* game, MoveList* list) { append<put_all<Side::white>>(game, list); }
-void add_all_black(const Game* game, MoveList* list) { append<put_all<Side::black>>(game, list); }
+void add_white_captures(const Game& game, MoveList& list) { append<put_captures<Side::white>>(game, list); }
+void add_black_captures(const Game& game, MoveList& list) { append<put_captures<Side::black>>(game, list); }
+void add_white_promotions(const Game& game, MoveList& list) { append<put_promotions<Side::white>>(game, list); }
+void add_black_promotions(const Game& game, MoveList& list) { append<put_promotions<Side::black>>(game, list); }
+void add_quiets_white(const Game& game, MoveList& list) { append<put_quiets<Side::white>>(game, list); }
+void add_quiets_black(const Game& game, MoveList& list) { append<put_quiets<Side::black>>(game, list); }
+void add_all_white(const Game& game, MoveList& list) { append<put_all<Side::white>>(game, list); }
+void add_all_black(const Game& game, MoveList& list) { append<put_all<Side::black>>(game, list); }
 
-void add_captures(const Game* game, MoveList* list) {
-    game->turn == 0 ? add_white_captures(game, list) : add_black_captures(game, list);
+void add_captures(const Game& game, MoveList& list) {
+    game.turn == Side::white ? add_white_captures(game, list) : add_black_captures(game, list);
 }
 
-void add_promotions(const Game* game, MoveList* list) {
-    game->turn == 0 ? add_white_promotions(game, list) : add_black_promotions(game, list);
+void add_promotions(const Game& game, MoveList& list) {
+    game.turn == Side::white ? add_white_promotions(game, list) : add_black_promotions(game, list);
 }
 
-void add_quiets(const Game* game, MoveList* list) {
-    game->turn == 0 ? add_quiets_white(game, list) : add_quiets_black(game, list);
+void add_quiets(const Game& game, MoveList& list) {
+    game.turn == Side::white ? add_quiets_white(game, list) : add_quiets_black(game, list);
 }
 
-void add_all(const Game* game, MoveList* list) {
-    game->turn == 0 ? add_all_white(game, list) : add_all_black(game, list);
+void add_all(const Game& game, MoveList& list) {
+    game.turn == Side::white ? add_all_white(game, list) : add_all_black(game, list);
 }
 
-MoveList* generate_captures(const Game* game, int slot) {
-    MoveList* list = empty_list(slot);
+void generate_captures(const Game& game, MoveList& list) {
+    list.count = 0;
     add_captures(game, list);
-    return list;
 }
 
-MoveList* generate_noisy(const Game* game, int slot) {
-    MoveList* list = generate_captures(game, slot);
+void generate_noisy(const Game& game, MoveList& list) {
+    generate_captures(game, list);
     add_promotions(game, list);
-    return list;
 }
 
-MoveList* generate_all(const Game* game, int slot) {
-    MoveList* list = empty_list(slot);
+void generate_all(const Game& game, MoveList& list) {
+    list.count = 0;
     add_all(game, list);
-    return list;
 }
 
 }  // namespace varn

@@ -1,13 +1,13 @@
 #include "board/notation.h"
 
+#include <algorithm>
 #include <cctype>
 
 #include "board/attacks.h"
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/movegen.h"
-#include "board/output.h"
-#include "board/report.h"
+#include "board/status.h"
 
 namespace varn {
 
@@ -52,28 +52,21 @@ template <Side S> bool is_double_step(int from, int to) {
 
 std::uint8_t pawn_move_kind(const Game& g, int from, int to, std::uint8_t kind) {
     if (to >= square_count) return kind;
-    const bool white = piece_colour(g.cells[from]) == 0;
+    const bool white = side_of(g.cells[from]) == Side::white;
     if (white ? is_double_step<Side::white>(from, to) : is_double_step<Side::black>(from, to)) return kind_double_step;
     const bool onto_enpassant = g.cells[to] == no_piece && (bit_mask(to) & g.enpassant) != 0;
     return onto_enpassant && file_of(from) != file_of(to) ? kind_en_passant : kind;
 }
 
-/// Whether another man of the mover's kind can legally go to the same square.
-bool is_ambiguous(Game* game, Move move) {
-    MoveList list;
-    list.count = 0;
-    add_all(game, &list);
-    for (int i = 0; i < list.count; ++i) {
-        const Move rival = list.moves[i];
-        if (rival.to == move.to && rival.from != move.from &&
-            same_mover(game->cells[rival.from], game->cells[move.from]) && is_legal(game, rival)) {
-            return true;
-        }
-    }
-    return false;
+/// Whether another piece of the mover's kind can legally go to the same square.
+bool is_ambiguous(const Game& game, Move move) {
+    return std::ranges::any_of(legal_moves(game), [&](Move rival) {
+        return rival.to == move.to && rival.from != move.from &&
+               same_mover(game.cells[rival.from], game.cells[move.from]);
+    });
 }
 
-/// Whether another man of the mover's kind stands on the line, whether or not it can reach the target.
+/// Whether another piece of the mover's kind stands on the line, whether or not it can reach the target.
 bool rival_on_line(const Game& g, int from, Bitboard line) {
     Bitboard men = occupied(g) & line & not_bit(from);
     while (men != 0) {
@@ -82,23 +75,20 @@ bool rival_on_line(const Game& g, int from, Bitboard line) {
     return false;
 }
 
-std::string disambiguation(Game* game, Move move) {
+std::string disambiguation(const Game& game, Move move) {
     if (!is_ambiguous(game, move)) return "";
     std::string name = square_text(move.from);
-    if (!rival_on_line(*game, move.from, file_masks[file_of(move.from)])) return name.substr(0, 1);
-    if (!rival_on_line(*game, move.from, rank_masks[rank_of(move.from)])) return name.substr(1, 1);
+    if (!rival_on_line(game, move.from, file_masks[file_of(move.from)])) return name.substr(0, 1);
+    if (!rival_on_line(game, move.from, rank_masks[rank_of(move.from)])) return name.substr(1, 1);
     return name;
 }
 
-std::string check_sign(Move move, Game* game) {
-    UndoRecord undo;
-    fill_undo(game, move, &undo);
-    make_move(game, move);
-    const int status = game_status_score(game);
-    const bool mated = status == mate_score || status == -mate_score;
-    const char* sign = mated ? "#" : (in_check(game) ? "+" : "");
-    unmake_move(game, move, &undo);
-    return sign;
+/// A mate on the hundredth ply of the fifty-move count is a draw, which gets no sign of mate.
+std::string check_sign(const Game& game, Move move) {
+    Game after = game;
+    make_move(after, move);
+    if (status_of(after, {GameStatus::fifty_moves, GameStatus::mate}) == GameStatus::mate) return "#";
+    return in_check(after) ? "+" : "";
 }
 
 }  // namespace
@@ -106,7 +96,7 @@ std::string check_sign(Move move, Game* game) {
 char piece_letter(int code) {
     constexpr std::string_view letters = "KQBNRRRP";
     const char letter = letters[static_cast<std::size_t>(man_of(code))];
-    return piece_colour(code) == 0 ? letter : lower(letter);
+    return side_of(code) == Side::white ? letter : lower(letter);
 }
 
 std::string square_text(int square) {
@@ -121,13 +111,12 @@ int square_from_text(std::string_view text) {
     return raw_square(letter, digit);
 }
 
-Move parse_move(std::string_view text, const Game* game) {
-    const Game& g = *game;
+Move parse_move(const Game& g, std::string_view text) {
     Move move = {raw_square(char_at(text, 0), char_at(text, 1)), raw_square(char_at(text, 2), char_at(text, 3)),
                  kind_quiet};
     if (code_on(g, move.to) != no_piece) move.kind = kind_capture;
     const char fifth = char_at(text, 4);
-    if (fifth != '\n' && fifth != '\0') move.kind = promotion_kind(fifth, side_to_move(g));
+    if (fifth != '\n' && fifth != '\0') move.kind = promotion_kind(fifth, g.turn);
 
     const int mover = code_on(g, move.from);
     if (mover == no_piece) return move;
@@ -142,26 +131,27 @@ std::string move_text(Move move) {
     return text;
 }
 
-void print_move(Move move) { say_text(move_text(move)); }
-
-std::string san_text(Move move, Game* game) {
+std::string san_text(const Game& g, Move move) {
     if (move.kind == kind_kingside_castling) return "O-O";
     if (is_castling(move.kind)) return "O-O-O";
 
-    const Game& g = *game;
     const Man mover = man_of(g.cells[move.from]);
     std::string text;
     if (mover != pawn) text += piece_letter(mover);
-    text += disambiguation(game, move);
+    text += disambiguation(g, move);
     if (g.cells[move.to] != no_piece || move.kind == kind_en_passant) {
         if (text.empty()) text += square_text(move.from)[0];
         text += 'x';
     }
     text += square_text(move.to);
     if (is_promotion(move.kind)) text += piece_letter(man_of(move.kind));
-    return text + check_sign(move, game);
+    return text + check_sign(g, move);
 }
 
-void print_san(Move move, Game* game) { say("%5s", san_text(move, game).c_str()); }
+std::string san_column(const Game& game, Move move) {
+    constexpr std::size_t columns = 5;
+    const std::string text = san_text(game, move);
+    return std::string(columns - std::min(columns, text.size()), ' ') + text;
+}
 
 }  // namespace varn

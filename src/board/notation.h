@@ -9,7 +9,7 @@
 
 namespace varn {
 
-/// "K", "Q", "R", "B", "N", "P" for white men, the same in lower case for black ones; all rooks look alike.
+/// "K", "Q", "R", "B", "N", "P" for white pieces, the same in lower case for black ones; all rooks look alike.
 char piece_letter(int code);
 
 /// "a1" to "h8"; "??" for any number outside 0..63.
@@ -21,15 +21,14 @@ int square_from_text(std::string_view text);
 /// The move that the text names on this board, with the kind that the generator would give it. Reads no more than five
 /// characters and never past the text. The squares of the result may lie outside the board, and the move need not be
 /// possible: `is_valid_move` tells.
-Move parse_move(std::string_view text, const Game* game);
+Move parse_move(const Game& game, std::string_view text);
 
+/// Coordinate form.
 std::string move_text(Move move);
-/// Prints `move_text`, with no newline.
-void print_move(Move move);
 
-/// Short algebraic form of a legal move, 7 characters at most; `game` stands before the move and is the same on return.
-std::string san_text(Move move, Game* game);
-/// Prints `san_text` right-aligned in 5 columns, with no newline.
-void print_san(Move move, Game* game);
+/// Short algebraic form of a legal move, 7 characters at most; `game` stands before the move.
+std::string san_text(const Game& game, Move move);
+/// The same right-aligned in 5 columns, as lines of moves are printed.
+std::string san_column(const Game& game, Move move);
 
 }  // namespace varn

@@ -1,11 +1,8 @@
 #include "board/position.h"
 
-#include <cstdlib>
-
-#include "board/make.h"
+#include "board/game_sides.h"
+#include "board/geometry.h"
 #include "board/notation.h"
-#include "board/output.h"
-#include "board/zobrist.h"
 
 namespace varn {
 
@@ -38,11 +35,6 @@ private:
     std::string_view rest_;
 };
 
-[[noreturn]] void refuse_board() {
-    say_text("error: unrecognised character in EPD string.\n");
-    std::exit(1);
-}
-
 template <Side S> void place_man(Game& g, Man man, int square) {
     pieces_of<S>(g) ^= bit_mask(square);
     board_of<S>(g, man) ^= bit_mask(square);
@@ -52,43 +44,48 @@ template <Side S> void place_man(Game& g, Man man, int square) {
     g.material += sign_of<S> * piece_values[man];
 }
 
-void place_piece(Game& g, char letter, int square) {
+/// Whether the letter is a piece's; then it stands on the square.
+bool place_piece(Game& g, char letter, int square) {
     for (const Man man : {king, queen, bishop, knight, plain_rook, pawn}) {
-        if (letter == piece_letter(code_of(Side::white, man))) return place_man<Side::white>(g, man, square);
-        if (letter == piece_letter(code_of(Side::black, man))) return place_man<Side::black>(g, man, square);
+        if (letter == piece_letter(code_of(Side::white, man))) {
+            place_man<Side::white>(g, man, square);
+            return true;
+        }
+        if (letter == piece_letter(code_of(Side::black, man))) {
+            place_man<Side::black>(g, man, square);
+            return true;
+        }
     }
-    refuse_board();
+    return false;
 }
 
-/// Row lengths aren't tested: the field ends when all squares are used up.
-void read_board(Game& g, FieldReader& reader) {
+/// Row lengths aren't tested: the field ends when all squares are used up. Returns false at a foreign character.
+bool read_board(Game& g, FieldReader& reader) {
     int square = square_count - 1;
     while (square >= 0) {
         const char c = reader.next();
         if (c >= '0' && c <= '9') {
             square -= c - '0';
         } else if (c != '/') {
-            place_piece(g, c, square);
+            if (!place_piece(g, c, square)) return false;
             --square;
         }
     }
     reader.skip_field();
     reader.skip_blank();
+    return true;
 }
 
-void read_side(Game& g, FieldReader& reader) {
+/// Returns whether the field names a side.
+bool read_side(Game& g, FieldReader& reader) {
     const char c = reader.peek();
-    if (c == 'w') {
-        g.turn = 0;
-    } else if (c == 'b') {
-        g.turn = 1;
-    } else {
-        say_text("error: unrecognised character in side to move field.\n");
-    }
+    const bool is_known = c == 'w' || c == 'b';
+    if (is_known) g.turn = c == 'w' ? Side::white : Side::black;
     // A field that is empty because of a second blank leaves that blank to the castling field, which is then empty too.
-    if (c == ' ') return;
+    if (c == ' ') return is_known;
     reader.skip_field();
     reader.skip_blank();
+    return is_known;
 }
 
 /// Gives the right, and the rook the code that carries it, where king and rook stand on their squares.
@@ -114,21 +111,15 @@ void read_castling(Game& g, FieldReader& reader) {
     reader.skip_blank();
 }
 
-void read_enpassant(const FieldReader& reader) {
-    if (reader.at_field_end() || reader.peek() == '-') return;
-    say_text("enpassant not supported in EPD format yet.\n");
-}
-
 /// An empty board that keeps what the text may leave open: whose turn it is, and squares for the kings.
 void wipe(Game& g) {
-    const std::uint8_t turn = g.turn;
+    const Side turn = g.turn;
     const int wking_sqr = g.wking_sqr;
     const int bking_sqr = g.bking_sqr;
     g = Game{};
     g.turn = turn;
     g.wking_sqr = wking_sqr;
     g.bking_sqr = bking_sqr;
-    g.ep_side = -1;
     for (auto& cell : g.cells) cell = no_piece;
 }
 
@@ -159,11 +150,11 @@ template <Side S> std::string castling_text(const Game& g) {
     return text;
 }
 
-/// Every man of the side stands on the boards as `cells` has it, and every board bit in `cells`.
+/// Every piece of the side stands on the boards as `cells` has it, and every board bit in `cells`.
 template <Side S> bool side_is_consistent(const Game& g) {
     for (int square = 0; square < square_count; ++square) {
         const int code = g.cells[square];
-        const bool ours = piece_colour(code) == static_cast<int>(turn_of<S>);
+        const bool ours = is_code_of(S, code);
         const Bitboard bit = bit_mask(square);
         if (ours != ((pieces_of<S>(g) & bit) != 0)) return false;
         for (const Man man : {king, queen, bishop, knight, plain_rook, pawn}) {
@@ -177,27 +168,23 @@ template <Side S> bool side_is_consistent(const Game& g) {
 
 }  // namespace
 
-void set_position(Game* game, std::string_view text, KeepTables keep) {
+PositionRemarks set_position(Game& game, std::string_view text) {
+    PositionRemarks remarks;
     FieldReader reader(text);
-    wipe(*game);
-    read_board(*game, reader);
-    read_side(*game, reader);
-    read_castling(*game, reader);
-    read_enpassant(reader);
-    game->men = game->w_pieces | game->b_pieces;
-    game->r90 = rotate_90(occupied(*game));
-    game->r45f = rotate_45f(occupied(*game));
-    game->r45b = rotate_45b(occupied(*game));
-    rehash(game);
-    reset_hooks.position_set(keep);
-    reset_draw_hash(game);
+    wipe(game);
+    remarks.foreign_piece = !read_board(game, reader);
+    if (remarks.foreign_piece) return remarks;
+    remarks.foreign_side = !read_side(game, reader);
+    read_castling(game, reader);
+    remarks.foreign_enpassant = !reader.at_field_end() && reader.peek() != '-';
+    complete_record(game);
+    return remarks;
 }
 
-std::string position_text(const Game* game) {
-    const Game& g = *game;
+std::string position_text(const Game& g) {
     std::string text;
     for (int rank = 8; rank >= 1; --rank) text += row_text(g, rank) + (rank > 1 ? '/' : ' ');
-    text += g.turn == 0 ? "w " : "b ";
+    text += g.turn == Side::white ? "w " : "b ";
     const std::string rights = castling_text<Side::white>(g) + castling_text<Side::black>(g);
     text += rights.empty() ? "-" : rights;
     text += ' ';
@@ -205,21 +192,8 @@ std::string position_text(const Game* game) {
     return text;
 }
 
-void print_position_text(const Game* game) {
-    if (is_consistent(game)) {
-        say("EPD string is: %s\n", position_text(game).c_str());
-    } else {
-        say_text("error: cannot generate EPD string since game is corrupt.\n");
-    }
-}
-
-bool is_consistent(const Game* game) {
-    return side_is_consistent<Side::white>(*game) && side_is_consistent<Side::black>(*game);
-}
-
-bool is_playable(const Game* game) {
-    const Bitboard pawns = game->w_pawns | game->b_pawns;
-    return popcount(game->w_king) == 1 && popcount(game->b_king) == 1 && (pawns & (rank_masks[1] | rank_masks[8])) == 0;
+bool is_consistent(const Game& game) {
+    return side_is_consistent<Side::white>(game) && side_is_consistent<Side::black>(game);
 }
 
 }  // namespace varn

@@ -3,7 +3,6 @@
 #include <string>
 
 #include "board/legality.h"
-#include "board/movegen.h"
 #include "board/notation.h"
 
 namespace varn {
@@ -107,14 +106,10 @@ bool fits(const Description& wanted, const Game& g, Move move) {
 }
 
 /// The one legal move of the position that passes the test.
-template <typename Test> std::optional<Move> only_legal_move(Game* game, Test passes) {
-    MoveList list;
-    list.count = 0;
-    add_all(game, &list);
+template <typename Test> std::optional<Move> only_legal_move(const Game& game, Test passes) {
     std::optional<Move> found;
-    for (int i = 0; i < list.count; ++i) {
-        const Move move = list.moves[i];
-        if (!passes(move) || !is_legal(game, move)) continue;
+    for (const Move move : legal_moves(game)) {
+        if (!passes(move)) continue;
         if (found) return std::nullopt;
         found = move;
     }
@@ -123,13 +118,13 @@ template <typename Test> std::optional<Move> only_legal_move(Game* game, Test pa
 
 }  // namespace
 
-std::optional<Move> read_san(std::string_view text, Game* game) {
+std::optional<Move> read_san(const Game& game, std::string_view text) {
     text = bare_text(text);
     const std::uint8_t castling = castling_kind(text);
     if (castling != kind_invalid) return only_legal_move(game, [=](Move move) { return move.kind == castling; });
     const auto wanted = describe(text);
     if (!wanted) return std::nullopt;
-    return only_legal_move(game, [&](Move move) { return fits(*wanted, *game, move); });
+    return only_legal_move(game, [&](Move move) { return fits(*wanted, game, move); });
 }
 
 }  // namespace varn

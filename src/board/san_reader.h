@@ -13,8 +13,7 @@ namespace varn {
 /// Reads algebraic text with as much or as little of the from-square as leaves one move ("Nf3", "Nbd2", "Ng1-f3",
 /// "g1f3"), castling with letters or zeros, and promotions however they are set off ("e8Q", "e8=Q", "e8(Q)", "e7e8q").
 /// A "P" before a pawn's move, "e.p." behind it, a missing sign of capture, and signs of check, mate and praise, right
-/// or wrong, make no difference. Men are told from files by their capital letters. The game must be playable and is the
-/// same on return.
-std::optional<Move> read_san(std::string_view text, Game* game);
+/// or wrong, make no difference. Pieces are told from files by their capital letters. The game must be playable.
+std::optional<Move> read_san(const Game& game, std::string_view text);
 
 }  // namespace varn

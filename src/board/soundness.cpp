@@ -1,5 +1,6 @@
 #include "board/soundness.h"
 
+#include "board/game_sides.h"
 #include "board/geometry.h"
 
 namespace varn {
@@ -21,7 +22,7 @@ template <Side S> bool double_step_is_sound(const Game& g, Move move) {
 }
 
 template <Side S> bool en_passant_is_sound(const Game& g, Move move) {
-    return g.ep_side == turn_of<S> && (g.enpassant & bit_mask(move.to)) != 0;
+    return g.ep_side == S && (g.enpassant & bit_mask(move.to)) != 0;
 }
 
 template <Side S> bool pawn_move_is_sound(const Game& g, Move move) {
@@ -31,7 +32,7 @@ template <Side S> bool pawn_move_is_sound(const Game& g, Move move) {
     switch (move.kind) {
         case kind_double_step: return double_step_is_sound<S>(g, move);
         case kind_en_passant: return en_passant_is_sound<S>(g, move);
-        default: return true;
+        default: return move.kind == kind_quiet || move.kind == kind_capture;
     }
 }
 
@@ -46,13 +47,11 @@ template <Side S> bool is_sound(const Game& g, Move move) {
 
 }  // namespace
 
-bool keeps_record_sound(const Game* game, Move move) {
+bool keeps_record_sound(const Game& game, Move move) {
     if (move.from >= square_count || move.to >= square_count || move.kind == kind_invalid) return false;
-    switch (piece_colour(game->cells[move.from])) {
-        case 0: return is_sound<Side::white>(*game, move);
-        case 1: return is_sound<Side::black>(*game, move);
-        default: return false;
-    }
+    const int mover = game.cells[move.from];
+    if (mover == no_piece) return false;
+    return side_of(mover) == Side::white ? is_sound<Side::white>(game, move) : is_sound<Side::black>(game, move);
 }
 
 }  // namespace varn

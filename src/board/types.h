@@ -1,17 +1,19 @@
-// The vocabulary of the whole engine: squares, bitboards, piece codes, moves and lists of moves.
+// The vocabulary of the whole engine: squares, bitboards, sides, piece codes and what the pieces are worth.
 // Everything here is a plain value; nothing here knows a position.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace varn {
 
-/// A fixed array, indexed by whatever integer the engine counts with. Plain data: copied and compared as a whole.
+/// A fixed array, indexed by whatever integer or enumeration the engine counts with. Plain data: copied and compared as
+/// a whole.
 template <typename T, int N> struct Table {
     T slots[N];
 
-    constexpr T& operator[](auto index) { return slots[index]; }
-    constexpr const T& operator[](auto index) const { return slots[index]; }
+    constexpr T& operator[](auto index) { return slots[static_cast<std::ptrdiff_t>(index)]; }
+    constexpr const T& operator[](auto index) const { return slots[static_cast<std::ptrdiff_t>(index)]; }
     constexpr T* begin() { return slots; }
     constexpr T* end() { return slots + N; }
     constexpr const T* begin() const { return slots; }
@@ -54,8 +56,8 @@ constexpr int mirrored(int square) { return square ^ 56; }
 enum class Side : std::uint8_t { white, black };
 constexpr Side other(Side side) { return side == Side::white ? Side::black : Side::white; }
 
-/// A man as its own side sees it. A rook that can still castle carries its wing in its kind, and keeps that kind for
-/// life: moving or capturing it costs the right, if the right still stands.
+/// A piece or pawn as its own side sees it. A rook that can still castle carries its wing in its kind, and keeps that
+/// kind for life: moving or capturing it costs the right, if the right still stands.
 enum Man : std::int8_t { king, queen, bishop, knight, kingside_rook, queenside_rook, plain_rook, pawn };
 
 /// What stands on a square: -1 for nothing, a `Man` for white, the same plus 8 for black.
@@ -65,8 +67,10 @@ inline constexpr int piece_code_count = 16;
 
 constexpr PieceCode code_of(Side side, Man man) { return static_cast<PieceCode>(man + (side == Side::black ? 8 : 0)); }
 constexpr Man man_of(int code) { return static_cast<Man>(code & 7); }
-/// -1 for an empty square, 0 for a white man, 1 for a black one.
-constexpr int piece_colour(int code) { return code == no_piece ? -1 : (code >= 0 && code <= 7 ? 0 : 1); }
+/// The owner of the piece that the code names, which must not be `no_piece`.
+constexpr Side side_of(int code) { return code < 8 ? Side::white : Side::black; }
+/// Whether the code names a piece of this side; an empty square's doesn't.
+constexpr bool is_code_of(Side side, int code) { return code != no_piece && side_of(code) == side; }
 constexpr bool is_rook(Man man) { return man == kingside_rook || man == queenside_rook || man == plain_rook; }
 constexpr bool is_white_rook(int code) { return code >= 4 && code <= 6; }
 constexpr bool is_black_rook(int code) { return code >= 12 && code <= 14; }
@@ -74,46 +78,6 @@ constexpr bool is_black_rook(int code) { return code >= 12 && code <= 14; }
 constexpr bool same_mover(int a, int b) {
     return a == b || (is_white_rook(a) && is_white_rook(b)) || (is_black_rook(a) && is_black_rook(b));
 }
-
-/// One move. The absence of a move is a null `Move*`, never a value of the record.
-struct Move {
-    std::uint8_t from;
-    std::uint8_t to;
-    std::uint8_t kind;
-
-    friend constexpr bool operator==(const Move&, const Move&) = default;
-};
-static_assert(sizeof(Move) == 3);
-
-// Kinds of a move. A promotion's kind is the code of the new piece, also when it captures.
-inline constexpr std::uint8_t kind_quiet = 0;
-inline constexpr std::uint8_t kind_double_step = 0x11;
-inline constexpr std::uint8_t kind_en_passant = 0x12;
-inline constexpr std::uint8_t kind_capture = 0x20;
-inline constexpr std::uint8_t kind_kingside_castling = 0x41;
-inline constexpr std::uint8_t kind_queenside_castling = 0x42;
-/// Fits no move that a generator makes.
-inline constexpr std::uint8_t kind_invalid = 0xFF;
-
-constexpr bool is_castling(int kind) { return kind > 0x40; }
-constexpr bool is_promotion(int kind) {
-    const int man = kind & 7;
-    return kind <= 14 && (man == queen || man == bishop || man == knight || man == plain_rook);
-}
-
-/// Fixed-capacity list that all generators fill. `scores` belongs to whoever orders the moves.
-struct MoveList {
-    static constexpr int capacity = 1000;
-    Table<std::int32_t, capacity> scores;
-    Table<Move, capacity> moves;
-    std::int32_t count;
-};
-
-/// Slots of every array that a search indexes by ply: plies 0 to 499.
-inline constexpr int ply_slots = 500;
-inline constexpr int last_ply = ply_slots - 1;
-/// The slot of `move_lists` and `undo_stack` behind the plies, for work outside the tree.
-inline constexpr int scratch_slot = ply_slots;
 
 // Values of the men in centipawns, shared by the material counts, the exchange evaluator and the move ordering. They
 // are independent of the evaluation's weights.

@@ -1,6 +1,6 @@
 #include "board/zobrist.h"
 
-#include "board/random.h"
+#include "base/random.h"
 
 namespace varn {
 
@@ -44,24 +44,24 @@ PositionKeys keys_over(const Game& game, Bitboard men) {
 
 PositionKeys position_keys(const Game& game) {
     PositionKeys keys = keys_over(game, occupied(game));
-    if (game.turn == 1) keys ^= in_both(zobrist_side_number);
+    if (game.turn == Side::black) keys ^= in_both(zobrist_side_number);
     if (game.enpassant != 0) keys ^= in_both(zobrist_ep_numbers[first_one(game.enpassant)]);
     return keys;
 }
 
 PositionKeys pawn_keys(const Game& game) {
     PositionKeys keys = keys_over(game, game.w_pawns | game.b_pawns);
-    if (game.turn == 1) keys ^= in_both(zobrist_side_number);
+    if (game.turn == Side::black) keys ^= in_both(zobrist_side_number);
     return keys;
 }
 
-void rehash(Game* game) {
-    const PositionKeys position = position_keys(*game);
-    game->zobrist_key = position.key;
-    game->zobrist_lock = position.lock;
-    const PositionKeys pawns = pawn_keys(*game);
-    game->pawn_key = pawns.key;
-    game->pawn_lock = pawns.lock;
+void rehash(Game& game) {
+    const PositionKeys position = position_keys(game);
+    game.zobrist_key = position.key;
+    game.zobrist_lock = position.lock;
+    const PositionKeys pawns = pawn_keys(game);
+    game.pawn_key = pawns.key;
+    game.pawn_lock = pawns.lock;
 }
 
 }  // namespace varn

@@ -2,6 +2,7 @@
 // The numbers are drawn once, before any game exists, and never change after; they differ from run to run.
 #pragma once
 
+#include "board/game.h"
 #include "board/geometry.h"
 
 namespace varn {
@@ -34,6 +35,6 @@ PositionKeys position_keys(const Game& game);
 PositionKeys pawn_keys(const Game& game);
 
 /// Sets the four hashes of the game to these from-scratch values.
-void rehash(Game* game);
+void rehash(Game& game);
 
 }  // namespace varn

@@ -2,15 +2,10 @@
 
 #include "board/attacks.h"
 #include "eval/king_safety.h"
-#include "eval/pawns.h"
 #include "eval/phase.h"
 #include "eval/tables.h"
 
 namespace varn {
-
-std::int32_t root_material = 0;
-std::int32_t w_trade_flag = 0;
-std::int32_t b_trade_flag = 0;
 
 namespace {
 
@@ -53,10 +48,10 @@ template <Side S> int half_open_files(const Game& g) {
 /// Two bishops, whatever the colours of their squares.
 template <Side S> int bishop_pair(const Game& g) { return has_at_least(bishops_of<S>(g), 2) ? bishop_pair_bonus : 0; }
 
-/// Who stands ahead likes every exchange.
-template <Side S> int trades(const Game& g) {
-    const bool men_have_gone = total_material(g) < root_material;
-    return men_have_gone && choose<S>(w_trade_flag, b_trade_flag) != 0 ? trade_when_ahead : 0;
+/// The side ahead gains by every exchange.
+template <Side S> int trades(const Game& g, const EvalContext& context) {
+    const bool material_has_gone = total_material(g) < context.root_material;
+    return material_has_gone && choose<S>(context.w_trade_flag, context.b_trade_flag) ? trade_when_ahead : 0;
 }
 
 template <Side S> int seventh_rank(const Game& g) {
@@ -115,7 +110,7 @@ template <Side S> int rook_placement(const Game& g) {
     int score = 0;
     for (Bitboard left = rooks_of<S>(g); left != 0;) {
         const int square = pop_first(left);
-        score += rook_squares<S>[square] + rook_mobility(square, &g) +
+        score += rook_squares<S>[square] + rook_mobility(g, square) +
                  king_tropism(plain_rook, square, king_square_of<other(S)>(g));
     }
     return score;
@@ -125,7 +120,7 @@ template <Side S> int bishop_placement(const Game& g) {
     int score = 0;
     for (Bitboard left = bishops_of<S>(g); left != 0;) {
         const int square = pop_first(left);
-        score += bishop_squares<S>[square] + bishop_mobility(square, &g) +
+        score += bishop_squares<S>[square] + bishop_mobility(g, square) +
                  king_tropism(bishop, square, king_square_of<other(S)>(g));
     }
     return score;
@@ -168,11 +163,11 @@ template <Side S> int placement(const Game& g) {
 
 }  // namespace
 
-// A rook feels the lack of squares, above all along its rank, more than it enjoys having them.
-int rook_mobility(int square, const Game* game) {
-    const Bitboard empty = ~occupied(*game);
-    const Bitboard along_rank = rank_reach(*game, square) & empty;
-    const Bitboard along_file = file_reach(*game, square) & empty;
+// A rook suffers more from lacking squares, above all along its rank, than it gains from having them.
+int rook_mobility(const Game& game, int square) {
+    const Bitboard empty = ~occupied(game);
+    const Bitboard along_rank = rank_reach(game, square) & empty;
+    const Bitboard along_file = file_reach(game, square) & empty;
     const int free_squares = popcount(along_rank | along_file);
     int score = free_squares;
     if (along_rank == 0) score += free_rank_missing;
@@ -181,13 +176,13 @@ int rook_mobility(int square, const Game* game) {
     return score;
 }
 
-int bishop_mobility(int square, const Game* game) {
-    return free_diagonal_square * popcount(bishop_reach(*game, square) & ~occupied(*game));
+int bishop_mobility(const Game& game, int square) {
+    return free_diagonal_square * popcount(bishop_reach(game, square) & ~occupied(game));
 }
 
-int knight_mobility(int square, const Game* game) {
-    return piece_colour(game->cells[square]) == 0 ? knight_targets<Side::white>(*game, square)
-                                                  : knight_targets<Side::black>(*game, square);
+int knight_mobility(const Game& game, int square) {
+    return side_of(game.cells[square]) == Side::white ? knight_targets<Side::white>(game, square)
+                                                      : knight_targets<Side::black>(game, square);
 }
 
 // Queens and rooks count twice.
@@ -195,28 +190,27 @@ int king_tropism(int code, int square, int king_square) {
     return (7 - square_distance[king_square][square]) * (piece_values[code] / 500 + 1);
 }
 
-int piece_placement(const Game* game) {
-    return placement<Side::white>(*game) - placement<Side::black>(*game) + pawn_placement(game);
+int piece_placement(const Game& game) {
+    return placement<Side::white>(game) - placement<Side::black>(game) + pawn_placement(game);
 }
 
-int evaluate(const Game* game, int, int, int) {
+int evaluate(const Game& g, EvalContext& context) {
     constexpr Side white = Side::white;
     constexpr Side black = Side::black;
-    const Game& g = *game;
-    const PawnScores pawns = score_pawns(game);
+    const PawnScores pawns = score_pawns(context.pawns, g);
     int s = g.material + placement<white>(g) - placement<black>(g) + pawns.placement + pawns.terms;
     s += open_files<white>(g) - open_files<black>(g);
     s += open_files_beside_king<white>(g) - open_files_beside_king<black>(g);
     s += half_open_files<white>(g) - half_open_files<black>(g);
     s += bishop_pair<white>(g) - bishop_pair<black>(g);
-    s += trades<white>(g) - trades<black>(g);
+    s += trades<white>(g, context) - trades<black>(g, context);
     s += seventh_rank<white>(g) - seventh_rank<black>(g);
     s += undeveloped_minors<white>(g) - undeveloped_minors<black>(g);
     s += early_queen<white>(g) - early_queen<black>(g);
     s += queen_against_rooks<white>(g) - queen_against_rooks<black>(g);
     if (kings_are_safe(g)) return s;
 
-    const int safety = king_shelter(game) + king_attack(game);
+    const int safety = king_shelter(g) + king_attack(g);
     s += queen_in_attack<white>(g, safety) - queen_in_attack<black>(g, -safety);
     return s + safety;
 }

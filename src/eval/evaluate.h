@@ -5,27 +5,31 @@
 #pragma once
 
 #include "board/game.h"
+#include "eval/pawns.h"
 
 namespace varn {
 
-// Written by the search: at its start, and between its iterations.
-extern std::int32_t root_material;  // of both sides together, at the root
-extern std::int32_t w_trade_flag;   // 1: white, to move at the root, stood clearly ahead in the last finished iteration
-extern std::int32_t b_trade_flag;   // 1: the same for black
+/// What the evaluation knows beside the position. The search owns one, and writes all but the table at its start and
+/// between its iterations.
+struct EvalContext {
+    PawnTable pawns;                 // must be allocated
+    std::int32_t root_material = 0;  // of both sides together, at the root
+    bool w_trade_flag = false;       // white, to move at the root, stood clearly ahead in the last finished iteration
+    bool b_trade_flag = false;       // the same for black
+};
 
-/// The score of the position. Needs the pawn hash table. It doesn't depend on the ply or the window, which a search
-/// tells it nevertheless.
-int evaluate(const Game* game, int ply, int alpha, int beta);
+/// The score of the position.
+int evaluate(const Game& game, EvalContext& context);
 
-/// The part of it that comes from where the men stand: square tables, mobility, closeness to the enemy king.
-int piece_placement(const Game* game);
+/// The part of it that comes from where the pieces stand: square tables, mobility, closeness to the enemy king.
+int piece_placement(const Game& game);
 
-// For a man of either colour on the square, the better the greater.
-int rook_mobility(int square, const Game* game);
-int bishop_mobility(int square, const Game* game);
-int knight_mobility(int square, const Game* game);
+// For a piece of either colour on the square, the better the greater.
+int rook_mobility(const Game& game, int square);
+int bishop_mobility(const Game& game, int square);
+int knight_mobility(const Game& game, int square);
 
-/// For being close to the enemy king, from the man's own point of view.
+/// For being close to the enemy king, from the piece's own point of view.
 int king_tropism(int code, int square, int king_square);
 
 }  // namespace varn

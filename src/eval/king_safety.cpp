@@ -92,7 +92,7 @@ constexpr Table<std::int32_t, 35> attack_eval_weights = {{
 template <Side S> int danger(const Game& g, Bitboard region) {
     int count = 0;
     while (region != 0) {
-        const int control = sign_of<S> * square_control(&g, pop_first(region));
+        const int control = sign_of<S> * square_control(g, pop_first(region));
         count += (control > 0 ? 1 : 0) + (control > 1000 ? 1 : 0) + (control > 3000 ? 1 : 0);
     }
     return count;
@@ -100,28 +100,28 @@ template <Side S> int danger(const Game& g, Bitboard region) {
 
 }  // namespace
 
-int king_shelter(const Game* game) { return shelter<Side::white>(*game) - shelter<Side::black>(*game); }
+int king_shelter(const Game& game) { return shelter<Side::white>(game) - shelter<Side::black>(game); }
 
-int king_attack(const Game* game) { return attack<Side::white>(*game) - attack<Side::black>(*game); }
+int king_attack(const Game& game) { return attack<Side::white>(game) - attack<Side::black>(game); }
 
 // The attackers may come in any order: who joins in behind a man hangs on the board alone. A king may come only where
 // no enemy is left to capture it; of two kings neither can, and counting both comes to the same.
-int square_control(const Game* game, int square) {
+int square_control(const Game& game, int square) {
     int balance = 0;
     for (Bitboard attackers = attackers_of(game, square); attackers != 0;) {
         const int from = pop_first(attackers);
-        const int code = game->cells[from];
-        balance += piece_colour(code) == 0 ? control_weights[man_of(code)] : -control_weights[man_of(code)];
+        const int code = game.cells[from];
+        balance += side_of(code) == Side::white ? control_weights[man_of(code)] : -control_weights[man_of(code)];
         if (man_of(code) != king) attackers = add_xray(game, from, square, attackers);
     }
     return balance;
 }
 
-int attack_eval(const Game* game) {
-    const int attack_on_black = danger<Side::white>(*game, b_king_region[game->bking_sqr]);
+int attack_eval(const Game& game) {
+    const int attack_on_black = danger<Side::white>(game, b_king_region[game.bking_sqr]);
     // White's king is granted three points of danger, and black's none: the one score here that doesn't mirror.
     constexpr int granted_to_white = 3;
-    int attack_on_white = danger<Side::black>(*game, w_king_region[game->wking_sqr]);
+    int attack_on_white = danger<Side::black>(game, w_king_region[game.wking_sqr]);
     if (attack_on_white > granted_to_white) attack_on_white -= granted_to_white;
     return attack_eval_weights[attack_on_black] - attack_eval_weights[attack_on_white];
 }

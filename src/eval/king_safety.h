@@ -10,16 +10,16 @@ namespace varn {
 
 /// The pawns before a king on its castled square; a king elsewhere has no shelter to judge, and neither has one whose
 /// enemy has few men left.
-int king_shelter(const Game* game);
+int king_shelter(const Game& game);
 
 /// The men standing near the enemy king, whatever they attack there.
-int king_attack(const Game* game);
+int king_attack(const Game& game);
 
 /// Who controls a square of the board: the attackers of both sides, those behind others included, each by its weight:
 /// the cheaper the man, the more its control counts. Positive for white.
-int square_control(const Game* game, int square);
+int square_control(const Game& game, int square);
 
 /// The balance of the squares round both kings that the enemy controls.
-int attack_eval(const Game* game);
+int attack_eval(const Game& game);
 
 }  // namespace varn

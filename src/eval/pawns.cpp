@@ -1,17 +1,13 @@
 #include "eval/pawns.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cassert>
 #include <limits>
 
-#include "board/divisor.h"
-#include "board/memory.h"
-#include "board/output.h"
+#include "board/game_sides.h"
 #include "eval/tables.h"
 
 namespace varn {
-
-std::int32_t phash_bytes = 1048576;
 
 namespace {
 
@@ -24,15 +20,10 @@ constexpr int passed_pawn = 10;
 constexpr int rook_behind_passed_pawn = 30;
 constexpr int enemy_rook_before_passed_pawn = -30;
 
-// --- The pawn hash table ------------------------------------------------------------------------------------------
-
-/// Slots written under another generation than the table's count as empty, so that clearing is one increment. Fresh
-/// memory holds generation 0, which is never the table's.
-ZeroedBlock<PawnEntry> pawn_hash_table;
-Divisor pawn_hash_slots = divisor(1);
-std::uint16_t pawn_hash_generation = 1;
-
-PawnEntry& pawn_slot(const Game& g) { return pawn_hash_table[remainder(g.pawn_key, pawn_hash_slots)]; }
+PawnEntry& pawn_slot(const PawnTable& table, const Game& g) {
+    assert(table.entries != nullptr);
+    return table.entries[remainder(g.pawn_key, table.slots)];
+}
 
 // --- Terms, each from the side's own point of view ----------------------------------------------------------------
 
@@ -115,60 +106,56 @@ PawnScores score_known_pawns(const Game& g, const PawnEntry& entry) {
     return {entry.structure + passed_score(g, w_passed, b_passed), entry.placement};
 }
 
-PawnScores score_new_pawns(const Game& g) {
+PawnScores score_new_pawns(PawnTable& table, const Game& g) {
     const Bitboard w_passed = passed_pawns<Side::white>(g);
     const Bitboard b_passed = passed_pawns<Side::black>(g);
-    pawn_hash_store(&g, structure<Side::white>(g) - structure<Side::black>(g), files_of(w_passed), files_of(b_passed));
-    const PawnEntry& entry = pawn_slot(g);
+    pawn_hash_store(table, g, structure<Side::white>(g) - structure<Side::black>(g), files_of(w_passed),
+                    files_of(b_passed));
+    const PawnEntry& entry = pawn_slot(table, g);
     return {entry.structure + passed_score(g, w_passed, b_passed), entry.placement};
 }
 
 }  // namespace
 
-void pawn_hash_allocate() {
-    if (pawn_hash_table != nullptr) return;
-    if (phash_bytes > 0) {
-        const std::uint64_t bytes = static_cast<std::uint64_t>(phash_bytes);
-        pawn_hash_slots = divisor(std::max<std::uint64_t>(1, bytes / sizeof(PawnEntry)));
-        pawn_hash_table = zeroed_block<PawnEntry>(pawn_hash_slots.value);
-    }
-    if (pawn_hash_table == nullptr) {
-        say("error:  cannot allocate %d bytes for pawn hash tables.\n", phash_bytes);
-        std::exit(1);
-    }
+bool pawn_hash_allocate(PawnTable& table, std::int32_t bytes) {
+    if (table.entries != nullptr) return true;
+    if (bytes <= 0) return false;
+    table.slots = divisor(std::max<std::uint64_t>(1, static_cast<std::uint64_t>(bytes) / sizeof(PawnEntry)));
+    table.entries = zeroed_block<PawnEntry>(table.slots.value);
+    return table.entries != nullptr;
 }
 
-void pawn_hash_clear() {
-    if (pawn_hash_generation < std::numeric_limits<std::uint16_t>::max()) {
-        ++pawn_hash_generation;
+void pawn_hash_clear(PawnTable& table) {
+    if (table.generation < std::numeric_limits<std::uint16_t>::max()) {
+        ++table.generation;
         return;
     }
     // The stamps have run out: wipe for real and start over.
-    std::fill_n(pawn_hash_table.get(), pawn_hash_slots.value, PawnEntry{});
-    pawn_hash_generation = 1;
+    std::fill_n(table.entries.get(), table.slots.value, PawnEntry{});
+    table.generation = 1;
 }
 
-const PawnEntry* pawn_hash_probe(const Game* game) {
-    const PawnEntry& entry = pawn_slot(*game);
-    return entry.generation == pawn_hash_generation && entry.lock == game->pawn_lock ? &entry : nullptr;
+const PawnEntry* pawn_hash_probe(const PawnTable& table, const Game& game) {
+    const PawnEntry& entry = pawn_slot(table, game);
+    return entry.generation == table.generation && entry.lock == game.pawn_lock ? &entry : nullptr;
 }
 
-void pawn_hash_store(const Game* game, int structure, std::uint8_t w_passed, std::uint8_t b_passed) {
-    pawn_slot(*game) = {static_cast<std::int16_t>(structure),
-                        static_cast<std::int16_t>(pawn_placement(game)),
-                        w_passed,
-                        b_passed,
-                        pawn_hash_generation,
-                        game->pawn_lock};
+void pawn_hash_store(PawnTable& table, const Game& game, int structure, std::uint8_t w_passed, std::uint8_t b_passed) {
+    pawn_slot(table, game) = {static_cast<std::int16_t>(structure),
+                              static_cast<std::int16_t>(pawn_placement(game)),
+                              w_passed,
+                              b_passed,
+                              table.generation,
+                              game.pawn_lock};
 }
 
-PawnScores score_pawns(const Game* game) {
-    const PawnEntry* known = pawn_hash_probe(game);
-    return known != nullptr ? score_known_pawns(*game, *known) : score_new_pawns(*game);
+PawnScores score_pawns(PawnTable& table, const Game& game) {
+    const PawnEntry* known = pawn_hash_probe(table, game);
+    return known != nullptr ? score_known_pawns(game, *known) : score_new_pawns(table, game);
 }
 
-int pawn_terms(const Game* game) { return score_pawns(game).terms; }
+int pawn_terms(PawnTable& table, const Game& game) { return score_pawns(table, game).terms; }
 
-int pawn_placement(const Game* game) { return squares_score<Side::white>(*game) - squares_score<Side::black>(*game); }
+int pawn_placement(const Game& game) { return squares_score<Side::white>(game) - squares_score<Side::black>(game); }
 
 }  // namespace varn

@@ -2,7 +2,7 @@
 // in all of these sums, kings don't.
 #pragma once
 
-#include "board/side.h"
+#include "board/game_sides.h"
 
 namespace varn {
 

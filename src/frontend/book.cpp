@@ -1,16 +1,13 @@
 #include "frontend/book.h"
 
-#include <chrono>
 #include <cstdio>
 #include <string_view>
 #include <vector>
 
-#include "board/file.h"
+#include "base/file.h"
+#include "base/output.h"
 #include "board/legality.h"
 #include "board/notation.h"
-#include "board/output.h"
-#include "board/random.h"
-#include "search/settings.h"
 
 namespace varn {
 
@@ -20,7 +17,6 @@ constexpr int last_book_ply = 20;       // moves with a greater number in the ga
 constexpr std::size_t move_length = 4;  // characters of a move in a row
 
 std::vector<std::string> book_lines;  // without their line ends
-RandomSource book_random(0);
 
 /// The next row of the file, its line end taken off; none at the end of the file.
 std::optional<std::string> read_row(std::FILE* file) {
@@ -45,28 +41,18 @@ bool is_candidate(std::string_view row, std::string_view text) {
 }
 
 /// One of the rows that go on from the text, each as likely as the others; null where there is none.
-const std::string* draw_row(std::string_view text) {
+const std::string* draw_row(std::string_view text, RandomSource& random) {
     std::vector<const std::string*> candidates;
     for (const std::string& row : book_lines) {
         if (is_candidate(row, text)) candidates.push_back(&row);
     }
-    return candidates.empty() ? nullptr : candidates[book_random.below(candidates.size())];
-}
-
-std::optional<Move> find_move(Game* game) {
-    const auto text = text_of_game(*game);
-    if (!text) return std::nullopt;
-    const std::string* row = draw_row(*text);
-    if (row == nullptr) return std::nullopt;
-    const Move move = parse_move(std::string_view(*row).substr(text->size(), move_length), game);
-    return is_valid_move(game, move) ? std::optional(move) : std::nullopt;
+    return candidates.empty() ? nullptr : candidates[random.below(candidates.size())];
 }
 
 }  // namespace
 
 void load_book(const char* file_name) {
     book_lines.clear();
-    book_random = RandomSource(static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()));
     const File file = open_for_reading(file_name);
     if (file == nullptr) return;
     while (auto row = read_row(file.get())) {
@@ -82,10 +68,13 @@ int book_line_count() { return static_cast<int>(book_lines.size()); }
 
 const std::string& book_line(int row) { return book_lines[static_cast<std::size_t>(row)]; }
 
-std::optional<Move> book_move(Game* game) {
-    const auto move = find_move(game);
-    if (!move) book_enabled = 0;
-    return move;
+std::optional<Move> book_move(const Game& game, RandomSource& random) {
+    const auto text = text_of_game(game);
+    if (!text) return std::nullopt;
+    const std::string* row = draw_row(*text, random);
+    if (row == nullptr) return std::nullopt;
+    const Move move = parse_move(game, std::string_view(*row).substr(text->size(), move_length));
+    return is_valid_move(game, move) ? std::optional(move) : std::nullopt;
 }
 
 }  // namespace varn

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "base/random.h"
 #include "board/game.h"
 
 namespace varn {
@@ -15,7 +16,7 @@ inline constexpr int book_capacity = 10000;  // rows
 inline constexpr int book_row_length = 99;   // characters; a longer line becomes two rows
 
 /// Reads the file, if it is there, in place of what was loaded before. Rows beyond the capacity are left out, with a
-/// line that says so. Seeds the choice among candidates from the clock.
+/// line that says so. Called before any search, and never again: the rows are the process's.
 void load_book(const char* file_name = "book.dat");
 
 /// Rows in use.
@@ -25,9 +26,8 @@ int book_line_count();
 /// them.
 const std::string& book_line(int row);
 
-/// A move that some row has after the moves of the game, drawn at random by the number of rows; none, with
-/// `book_enabled` cleared, where no row fits, the drawn row ends here or its move can't be played, or more than 21
-/// moves were played.
-std::optional<Move> book_move(Game* game);
+/// A move that some row has after the moves of the game, drawn at random by the number of rows; none where no row fits,
+/// the drawn row ends here or its move can't be played, or more than 21 moves were played.
+std::optional<Move> book_move(const Game& game, RandomSource& random);
 
 }  // namespace varn

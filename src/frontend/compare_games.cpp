@@ -2,9 +2,9 @@
 
 #include <cstdlib>
 
-#include "board/output.h"
+#include "base/output.h"
 #include "board/position.h"
-#include "board/report.h"
+#include "frontend/game_report.h"
 
 namespace varn {
 
@@ -50,24 +50,21 @@ int count_differences(const Game& a, const Game& b) {
     found += differs(a.b_castle, b.b_castle, "the black castling rights do not match");
     found += differs(a.cells, b.cells, "cell array does not match!\n");
     found += differs(a.fifty, b.fifty, "fifty move counter doesn't match!\n");
-    found += differs(is_consistent(&a), true, "cell array doesnt match bitboards: g\n");
-    found += differs(is_consistent(&b), true, "cell array doesnt match bitboards: h\n");
+    found += differs(is_consistent(a), true, "cell array doesnt match bitboards: g\n");
+    found += differs(is_consistent(b), true, "cell array doesnt match bitboards: h\n");
     return found;
 }
 
 }  // namespace
 
-void compare_games(const Game* a, const Game* b) {
-    if (count_differences(*a, *b) == 0) return;
-    // Copies, because the report tries moves to tell how the game stands.
-    Game first = *a;
-    Game second = *b;
+void compare_games(const Game& a, const Game& b) {
+    if (count_differences(a, b) == 0) return;
     say_text("GAMES NOT EQUAL!!!\n");
-    print_board(&first, WhenOver::go_on);
-    print_cells(&first);
+    print_board(a, WhenOver::go_on);
+    print_cells(a);
     say_text("--------------------------\n");
-    print_board(&second, WhenOver::go_on);
-    print_cells(&second);
+    print_board(b, WhenOver::go_on);
+    print_cells(b);
     std::exit(1);
 }
 

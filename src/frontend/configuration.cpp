@@ -1,55 +1,49 @@
 #include "frontend/configuration.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <string_view>
 
-#include "board/file.h"
-#include "board/output.h"
-#include "eval/pawns.h"
+#include "base/file.h"
 #include "frontend/numbers.h"
-#include "search/settings.h"
 
 namespace varn {
 
-std::int32_t pondering_enabled = 1;
-
 namespace {
+
+enum class Zero : bool { keeps_default, is_value };
 
 struct Setting {
     std::string_view key;  // with the blank behind it
-    std::int32_t* value;
-    bool zero_counts;  // where 0 is a value; elsewhere it leaves what was there
+    std::int32_t& value;
+    Zero zero;
 };
 
-constexpr Setting settings[] = {
-    {"hash ", &hash_bits, false},
-    {"qhash ", &qhash_bytes, false},
-    {"phash ", &phash_bytes, false},
-    {"pondering ", &pondering_enabled, true},
-};
-
-void read_setting(std::string_view line) {
+void read_setting(Configuration& configuration, std::string_view line) {
+    const Setting settings[] = {
+        {"hash ", configuration.tables.hash_bits, Zero::keeps_default},
+        {"qhash ", configuration.tables.qhash_bytes, Zero::keeps_default},
+        {"phash ", configuration.tables.phash_bytes, Zero::keeps_default},
+        {"pondering ", configuration.pondering_enabled, Zero::is_value},
+    };
     for (const Setting& setting : settings) {
         if (!line.starts_with(setting.key)) continue;
         line.remove_prefix(setting.key.size());
         const auto number = take_number(line);
-        if (number && (*number != 0 || setting.zero_counts)) *setting.value = *number;
+        if (number && (*number != 0 || setting.zero == Zero::is_value)) setting.value = *number;
         return;
     }
 }
 
 }  // namespace
 
-void read_configuration() {
+std::optional<Configuration> read_configuration() {
     const File file = open_for_reading("varn.ini");
-    if (file == nullptr) {
-        say_text("error:  varn.ini cannot be found.\n");
-        std::exit(1);
-    }
+    if (file == nullptr) return std::nullopt;
+    Configuration configuration;
     // A longer line goes on as a line of its own.
     char line[100];
-    while (std::fgets(line, sizeof line, file.get()) != nullptr) read_setting(line);
+    while (std::fgets(line, sizeof line, file.get()) != nullptr) read_setting(configuration, line);
+    return configuration;
 }
 
 }  // namespace varn

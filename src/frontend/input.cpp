@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "board/file.h"
+#include "base/file.h"
 
 namespace varn {
 

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <limits>
 
+#include "frontend/command_line.h"
+
 namespace varn {
 
 namespace {
-
-constexpr std::string_view blanks = " \t\n\v\f\r";
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
@@ -16,7 +16,7 @@ bool is_digit(char c) { return c >= '0' && c <= '9'; }
 std::optional<std::int32_t> take_number(std::string_view& text) {
     constexpr std::int64_t lowest = std::numeric_limits<std::int32_t>::min();
     constexpr std::int64_t highest = std::numeric_limits<std::int32_t>::max();
-    std::string_view rest = text.substr(std::min(text.find_first_not_of(blanks), text.size()));
+    std::string_view rest = without_leading_blanks(text);
     const bool negative = rest.starts_with('-');
     if (negative || rest.starts_with('+')) rest.remove_prefix(1);
     if (rest.empty() || !is_digit(rest.front())) return std::nullopt;

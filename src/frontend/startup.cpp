@@ -4,13 +4,9 @@
 #include <cstdlib>
 #include <new>
 
-#include "board/output.h"
+#include "base/output.h"
 #include "board/zobrist.h"
 #include "frontend/book.h"
-#include "frontend/configuration.h"
-#include "frontend/take_back.h"
-#include "search/settings.h"
-#include "search/think.h"
 
 namespace varn {
 
@@ -22,23 +18,32 @@ namespace {
     std::_Exit(1);
 }
 
-}  // namespace
-
-void build_tables() {
+std::uint64_t clock_seed() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
-    draw_hash_numbers(static_cast<std::uint64_t>(std::chrono::nanoseconds(now).count()));
-    install_reset_hooks();
-    load_book();
-    book_hook = book_move;
+    return static_cast<std::uint64_t>(std::chrono::nanoseconds(now).count());
 }
 
-std::unique_ptr<Game> start_up() {
+}  // namespace
+
+void set_up_process() {
     std::set_new_handler(end_without_memory);
-    read_configuration();
-    build_tables();
-    auto game = new_game(true);
-    set_base_position(*game);
-    return game;
+    set_up_output();
+    draw_hash_numbers(clock_seed());
+}
+
+std::unique_ptr<Engine> start_up() {
+    auto engine = std::make_unique<Engine>();
+    const auto configuration = read_configuration();
+    if (!configuration) {
+        say_text("error:  varn.ini cannot be found.\n");
+        std::exit(1);
+    }
+    engine->configuration = *configuration;
+    engine->book_random = RandomSource(clock_seed());
+    load_book();
+    allocate_tables(*engine);
+    start_game(*engine);
+    return engine;
 }
 
 }  // namespace varn

@@ -3,17 +3,16 @@
 
 #include <memory>
 
-#include "board/game.h"
+#include "frontend/engine.h"
 
 namespace varn {
 
-/// Draws the hash numbers, which differ from run to run, and connects the rooms: after this games may exist. All tables
-/// else are built by the compiler.
-void build_tables();
+/// What every program of the engine begins with: output, what to do where memory runs out, and the hash numbers, which
+/// differ from run to run. After this games may exist; all other tables are built by the compiler.
+void set_up_process();
 
-/// Reads the settings, builds the tables, and sets up the first game, which allocates the hash tables at the sizes set.
-/// A missing settings file or too little memory ends the process with a message and status 1; too little memory does so
-/// later on, too.
-std::unique_ptr<Game> start_up();
+/// Reads the settings and the book, and sets up the first game with tables of the sizes set. A missing settings file or
+/// too little memory ends the process with a message and status 1.
+std::unique_ptr<Engine> start_up();
 
 }  // namespace varn

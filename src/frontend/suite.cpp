@@ -3,14 +3,10 @@
 #include <filesystem>
 #include <fstream>
 #include <optional>
-#include <sstream>
 
+#include "base/output.h"
 #include "board/notation.h"
-#include "board/output.h"
-#include "board/position.h"
-#include "board/report.h"
-#include "search/settings.h"
-#include "search/think.h"
+#include "frontend/game_report.h"
 
 namespace varn {
 
@@ -52,32 +48,41 @@ bool can_be_read(std::ifstream& suite) {
     return !suite.bad();
 }
 
+/// A run over a suite: the engine that plays it and whoever hears its searches.
+struct SuiteRun {
+    Engine& engine;
+    const SearchListener& listener;
+    Report& report;
+    Game& game;
+};
+
 /// The move that the engine gives for the position of a line; none, with the reason said, where it can't give one.
-std::optional<Move> move_for(const std::string& line, Game* game, Report& report) {
-    set_position(game, line, KeepTables::no);
-    if (!is_playable(game)) {
-        report.say_both(std::string(unplayable_text));
+std::optional<Move> move_for(SuiteRun& run, const std::string& line) {
+    print_remarks(set_position(run.game, line));
+    clear_for_position(*run.engine.search);
+    if (!is_playable(run.game)) {
+        run.report.say_both(std::string(unplayable_text));
         return std::nullopt;
     }
-    if (const Move* move = think(game)) return *move;
-    report.say_both(game_status_text(game));
-    return std::nullopt;
+    const auto move = choose_move(run.engine, run.game, run.listener);
+    if (!move) run.report.say_both(std::string(status_text(console_status(run.game), run.game.turn)));
+    return move;
 }
 
-bool solves(const std::string& line, Game* game, Report& report) {
-    const auto move = move_for(line, game, report);
-    return move && line.find(san_text(*move, game)) != std::string::npos;
+bool solves(SuiteRun& run, const std::string& line) {
+    const auto move = move_for(run, line);
+    return move && line.find(san_text(run.game, *move)) != std::string::npos;
 }
 
-void play_suite(std::istream& suite, Report& report) {
-    const auto game = new_game(false);
+void play_suite(SuiteRun& run, std::istream& suite) {
+    Report& report = run.report;
     int n = 0;
     int solved = 0;
     const auto score = [&] { return std::to_string(solved) + '/' + std::to_string(n) + " problems solved.\n\n"; };
     while (const auto line = next_line(suite)) {
         const std::string number = std::to_string(++n);
         report.say_both("\nTest position #" + number + ": " + *line);
-        if (solves(*line, game.get(), report)) {
+        if (solves(run, *line)) {
             ++solved;
             report.say_both("Test #" + number + ": Success!\n");
         } else {
@@ -90,8 +95,9 @@ void play_suite(std::istream& suite, Report& report) {
 
 }  // namespace
 
-void run_suite(const std::string& suite_name, const std::string& log_name) {
-    book_enabled = 0;
+void run_suite(Engine& engine, const std::string& suite_name, const std::string& log_name,
+               const SearchListener& listener) {
+    engine.book_enabled = false;
     std::error_code unknown;  // a file that isn't there is no other file either
     if (std::filesystem::equivalent(suite_name, log_name, unknown)) {
         say_text("error: the log would overwrite the test suite. cannot run test suite.\n");
@@ -103,20 +109,11 @@ void run_suite(const std::string& suite_name, const std::string& log_name) {
         say_text("error: unknown file error. cannot run test suite.\n");
         return;
     }
-    play_suite(suite, report);
+    const auto game = new_game();
+    SuiteRun run = {engine, listener, report, *game};
+    play_suite(run, suite);
     if (suite.bad()) say_text("error: the test suite could not be read to its end.\n");
     if (!report.close()) say_text("error: the log could not be written to its end.\n");
-}
-
-void run_test_suite(Console&, const CommandLine& line) {
-    std::istringstream words{std::string(line.whole)};
-    std::string command, suite_name, log_name, more;
-    if (!(words >> command >> suite_name >> log_name) || words >> more) {
-        ignore_line(line);
-        return;
-    }
-    say("running test suite: %s\n", suite_name.c_str());
-    run_suite(suite_name, log_name);
 }
 
 }  // namespace varn

@@ -7,16 +7,14 @@
 
 #include <string>
 
-#include "frontend/console.h"
+#include "frontend/engine.h"
 
 namespace varn {
 
 /// Plays the positions of a suite, each with the present time limit, and reports on standard output and in the log,
 /// which is created or overwritten. A position that can't be played, or in which the game is over, isn't solved, and
 /// the report says why. The book is off afterwards; no game but the run's own is touched.
-void run_suite(const std::string& suite_name, const std::string& log_name);
-
-/// The command: its first word, whichever it is, then the names of the suite and of the log.
-void run_test_suite(Console& console, const CommandLine& line);
+void run_suite(Engine& engine, const std::string& suite_name, const std::string& log_name,
+               const SearchListener& listener);
 
 }  // namespace varn

@@ -1,5 +1,4 @@
-// The clock of a game under the protocol: what a `level` line says, and how much of the time left a move may use.
-// What it keeps outlasts a game: until the next `level` the old control stands.
+// The clock of a game: how it is dealt out, and how much of the time left a move may use.
 #pragma once
 
 #include <cstdint>
@@ -7,16 +6,31 @@
 
 namespace varn {
 
+enum class TimeMode : std::uint8_t { none, moves_per_control, increment };
+
+/// What a front end knows of the game's clock. It outlasts a game: until the next `level` the old control stands.
+struct TimeControl {
+    TimeMode time_mode = TimeMode::none;
+    std::int32_t moves_per_control = 0;
+    std::int32_t turns_left = 0;
+    std::int64_t increment_ms = 0;
+};
+
 /// Reads the numbers behind the word of a `level` line: moves per control, base time in minutes, increment in seconds.
 /// With no moves per control it is an increment game. A number that can't be read ends the line, and counts as 0 with
 /// all behind it; without the first the line changes nothing.
-void set_level(std::string_view numbers);
+void set_level(TimeControl& control, std::string_view numbers);
 
-/// Sets `time_limit_ms` from the hundredths of a second left on the engine's clock, starts the clock, and prints the
-/// allocation in three lines. The limit in force may be lower than the one printed: it never plans past the clock.
-void allocate_time(std::int32_t centiseconds);
+/// What a move may use of the clock, in milliseconds.
+struct Allocation {
+    std::int64_t remaining_ms;  // what the clock holds, less what is held back for everything that isn't search
+    std::int32_t planned_ms;    // the move's share of it
+    std::int32_t limit_ms;      // what bounds the search: the share, but never past the clock
+};
+
+Allocation allocate_time(const TimeControl& control, std::int32_t centiseconds);
 
 /// The engine has answered a move: one less to go until the next control.
-void count_turn();
+void count_turn(TimeControl& control);
 
 }  // namespace varn

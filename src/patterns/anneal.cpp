@@ -5,23 +5,19 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <memory>
 #include <utility>
 
-#include "board/output.h"
-#include "patterns/pattern_files.h"
+#include "base/output.h"
 
 namespace varn {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using SteadyClock = std::chrono::steady_clock;
 
-// The boxes of the last run, which may be an hour's work.
-std::unique_ptr<PatternList> last_list;
-bool last_is_written = true;
-
-double seconds_since(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
+double seconds_since(SteadyClock::time_point start) {
+    return std::chrono::duration<double>(SteadyClock::now() - start).count();
+}
 
 void shuffle(std::vector<Pattern>& patterns, Choices& choices) {
     constexpr int swaps_per_pattern = 10;
@@ -36,14 +32,14 @@ void shuffle(std::vector<Pattern>& patterns, Choices& choices) {
 void anneal_with_progress(PatternList& list, std::uint64_t moves, Choices& choices, UniformState& acceptance) {
     constexpr std::uint64_t portion = 1 << 24;
     const bool is_watched = isatty(STDERR_FILENO) == 1;
-    const auto start = Clock::now();
+    const auto start = SteadyClock::now();
     auto last_told = start;
     for (std::uint64_t done = 0; done < moves;) {
         const std::uint64_t now = std::min(portion, moves - done);
         anneal(list, now, choices, acceptance);
         done += now;
         if (!is_watched || (seconds_since(last_told) < 1 && done < moves)) continue;
-        last_told = Clock::now();
+        last_told = SteadyClock::now();
         const auto million = [](double number) { return number / 1e6; };
         static_cast<void>(std::fprintf(stderr, "\r%.0f of %.0f million moves, %u boxes, %.1f million moves/s ",
                                        million(static_cast<double>(done)), million(static_cast<double>(moves)),
@@ -53,9 +49,9 @@ void anneal_with_progress(PatternList& list, std::uint64_t moves, Choices& choic
 }
 
 /// Gives null, with a message, where there is nothing to anneal.
-std::unique_ptr<PatternList> anneal_file(Game* game, std::uint64_t moves) {
+std::unique_ptr<PatternList> anneal_file(Game& game, const PositionReader& position_read, std::uint64_t moves) {
     say_text("loading precomputed data in memory...\n");
-    auto positions = load_positions(positions_file_name, game);
+    auto positions = load_positions(positions_file_name, game, position_read);
     if (!positions) {
         say("error: cannot open %s.\n", positions_file_name);
         return nullptr;
@@ -99,12 +95,9 @@ void anneal(PatternList& list, std::uint64_t moves, Choices& choices, UniformSta
     }
 }
 
-const PatternList* anneal_kpk(Game* game, std::uint64_t moves) {
-    if (last_is_written) last_list = anneal_file(game, moves);
-    last_is_written = last_list == nullptr || dump_patterns(patterns_file_name, *last_list);
-    return last_list.get();
+void anneal_kpk(AnnealRun& run, Game& game, const PositionReader& position_read, std::uint64_t moves) {
+    if (run.is_written) run.list = anneal_file(game, position_read, moves);
+    run.is_written = run.list == nullptr || dump_patterns(patterns_file_name, *run.list);
 }
-
-bool patterns_are_unwritten() { return !last_is_written; }
 
 }  // namespace varn

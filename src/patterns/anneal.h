@@ -2,8 +2,9 @@
 // cover and make the boxes fewer.
 #pragma once
 
-#include "board/game.h"
-#include "patterns/pattern_list.h"
+#include <memory>
+
+#include "patterns/pattern_files.h"
 
 namespace varn {
 
@@ -14,14 +15,18 @@ inline constexpr std::uint64_t kpk_moves = 100'000'000'000;
 /// list must not be empty.
 void anneal(PatternList& list, std::uint64_t moves, Choices& choices, UniformState& acceptance);
 
+/// The last run of the pattern tool: its boxes, which may be an hour's work.
+struct AnnealRun {
+    std::unique_ptr<PatternList> list;
+    bool is_written = true;  // false: the boxes couldn't be written, and the next call tries once more
+};
+
 /// The whole run: reads the file `kpkbb`, anneals the positions with result 0, writes `wkpk.eb`, and says how far it
-/// is. Gives the boxes, or null, with a message, where there is no file or no such position, or no room for the result.
-/// The game holds the last position read. A terminal on the error stream is shown the progress. The boxes stay until
-/// the next run.
+/// is. Leaves the boxes in `run`, or none, with a message, where there is no file or no such position, or no room for
+/// the result. The game holds the last position read; `position_read` is told of each. A terminal on the error stream
+/// is shown the progress.
 ///
 /// What couldn't be written isn't lost: the next call does nothing but to try once more to write it.
-const PatternList* anneal_kpk(Game* game, std::uint64_t moves = kpk_moves);
-/// Whether the last call has left boxes behind that it couldn't write.
-bool patterns_are_unwritten();
+void anneal_kpk(AnnealRun& run, Game& game, const PositionReader& position_read, std::uint64_t moves = kpk_moves);
 
 }  // namespace varn

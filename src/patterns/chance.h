@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "board/random.h"
+#include "base/random.h"
 #include "board/types.h"
 
 namespace varn {

@@ -1,7 +1,7 @@
 #include "patterns/kpk_placements.h"
 
+#include "base/output.h"
 #include "board/geometry.h"
-#include "board/output.h"
 #include "board/position.h"
 
 namespace varn {
@@ -58,12 +58,12 @@ std::string placement_text(Placement placement) {
     return text + " w - - 0 1";
 }
 
-void print_kpk_script(Game* game) {
+void print_kpk_script(Game& game) {
     constexpr std::size_t chunk = 1 << 16;  // far fewer writes than lines
     std::string script;
     for (const Placement placement : kpk_placements()) {
         const std::string text = placement_text(placement);
-        set_position(game, text, KeepTables::yes);
+        set_position(game, text);
         script += "setboard " + text + "\nepdshow\ngo\n";
         if (script.size() < chunk) continue;
         say_text(script);

@@ -23,6 +23,6 @@ std::string placement_text(Placement placement);
 
 /// Prints a script for a program that solves positions: three lines for every placement, which set it, show it and ask
 /// for a move. The game holds the last placement afterwards.
-void print_kpk_script(Game* game);
+void print_kpk_script(Game& game);
 
 }  // namespace varn

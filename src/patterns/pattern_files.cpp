@@ -5,9 +5,8 @@
 #include <cstdio>
 #include <string_view>
 
-#include "board/file.h"
-#include "board/output.h"
-#include "board/position.h"
+#include "base/file.h"
+#include "base/output.h"
 
 namespace varn {
 
@@ -25,13 +24,13 @@ Reading read_result(std::string_view text) {
     return error == std::errc() && number == 0 ? Reading::zero : Reading::other;
 }
 
-void read_line(std::string_view line, Game* game, std::vector<Pattern>& drawn) {
+void read_line(std::string_view line, Game& game, const PositionReader& position_read, std::vector<Pattern>& drawn) {
     const std::size_t tab = line.find('\t');
     if (tab == std::string_view::npos) return;
     const Reading result = read_result(line.substr(tab + 1));
     if (result == Reading::no_number) return;
-    set_position(game, line.substr(0, tab), KeepTables::yes);
-    if (result == Reading::zero) drawn.push_back({{game->w_king, game->w_pawns, game->b_king}});
+    position_read(set_position(game, line.substr(0, tab)));
+    if (result == Reading::zero) drawn.push_back({{game.w_king, game.w_pawns, game.b_king}});
 }
 
 std::string file_text(const PatternList& list) {
@@ -54,13 +53,13 @@ bool write_file(const std::string& file_name, std::string_view text) {
 
 }  // namespace
 
-std::optional<LoadedPositions> load_positions(const char* file_name, Game* game) {
+std::optional<LoadedPositions> load_positions(const char* file_name, Game& game, const PositionReader& position_read) {
     const File file = open_for_reading(file_name);
     if (file == nullptr) return std::nullopt;
     LoadedPositions positions;
     char line[80];
     for (; std::fgets(line, sizeof line, file.get()) != nullptr; ++positions.lines) {
-        read_line(line, game, positions.drawn);
+        read_line(line, game, position_read, positions.drawn);
     }
     return positions;
 }

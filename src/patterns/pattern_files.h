@@ -1,12 +1,13 @@
 // The files of the annealing: the solved positions that it reads and the boxes that it writes.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "board/game.h"
+#include "board/position.h"
 #include "patterns/pattern_list.h"
 
 namespace varn {
@@ -21,10 +22,13 @@ struct LoadedPositions {
     std::uint64_t lines = 0;     // of the file
 };
 
+/// Told of each position read what is wrong with its text; it may end the process.
+using PositionReader = std::function<void(const PositionRemarks&)>;
+
 /// Reads a file of lines of a position text, a tab and the position's result; nothing where it can't be opened. Lines
 /// without a tab or without a number behind it are skipped, and what goes beyond 79 characters is a line of its own.
-/// The game holds the last position read; what it says of a bad one, `set_position` tells.
-std::optional<LoadedPositions> load_positions(const char* file_name, Game* game);
+/// The game holds the last position read.
+std::optional<LoadedPositions> load_positions(const char* file_name, Game& game, const PositionReader& position_read);
 
 /// Writes a file that comes into being as a whole or not at all; returns whether it did.
 bool write_whole_file(const std::string& file_name, std::string_view text);

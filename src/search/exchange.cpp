@@ -3,15 +3,17 @@
 #include <algorithm>
 
 #include "board/attacks.h"
+#include "board/game_sides.h"
 
 namespace varn {
 
 namespace {
 
-/// The cheapest man of side S among the attackers, as a board; a king counts only while no enemy attacks the square.
+/// The cheapest piece of side S among the attackers, as a board; a king counts only while no enemy attacks the square.
 template <Side S> Bitboard cheapest_attacker(const Game& g, Bitboard attackers) {
-    for (const Bitboard men : {pawns_of<S>(g), knights_of<S>(g), bishops_of<S>(g), rooks_of<S>(g), queens_of<S>(g)}) {
-        if ((men & attackers) != 0) return men & attackers;
+    for (const Bitboard pieces :
+         {pawns_of<S>(g), knights_of<S>(g), bishops_of<S>(g), rooks_of<S>(g), queens_of<S>(g)}) {
+        if ((pieces & attackers) != 0) return pieces & attackers;
     }
     const bool defended = (pieces_of<other(S)>(g) & attackers) != 0;
     return defended ? 0 : king_of<S>(g) & attackers;
@@ -20,10 +22,10 @@ template <Side S> Bitboard cheapest_attacker(const Game& g, Bitboard attackers) 
 /// The attackers left when the man on `square` has captured: those behind it join in, but nothing joins behind a king.
 Bitboard without(const Game& g, Bitboard attackers, int square, int target) {
     attackers &= not_bit(square);
-    return man_of(g.cells[square]) == king ? attackers : add_xray(&g, square, target, attackers);
+    return man_of(g.cells[square]) == king ? attackers : add_xray(g, square, target, attackers);
 }
 
-/// What side S gains by capturing a man worth `prize` that stands on the target, if it wants to: nothing else ever.
+/// What side S gains by capturing a piece worth `prize` that stands on the target, if it wants to: nothing else ever.
 template <Side S> int gain_of_capturing(const Game& g, Bitboard attackers, int target, int prize) {
     const Bitboard cheapest = cheapest_attacker<S>(g, attackers);
     if (cheapest == 0) return 0;
@@ -35,16 +37,16 @@ template <Side S> int gain_of_capturing(const Game& g, Bitboard attackers, int t
 
 /// The first capture isn't optional.
 template <Side S> int gain_of(const Game& g, Move move) {
-    const Bitboard attackers = without(g, attackers_of(&g, move.to), move.from, move.to);
+    const Bitboard attackers = without(g, attackers_of(g, move.to), move.from, move.to);
     return piece_values[g.cells[move.to]] -
            gain_of_capturing<other(S)>(g, attackers, move.to, piece_values[g.cells[move.from]]);
 }
 
 }  // namespace
 
-int exchange_gain(const Game* game, Move move) {
+int exchange_gain(const Game& game, Move move) {
     if (move.kind == kind_en_passant) return 0;
-    return game->turn == 0 ? gain_of<Side::white>(*game, move) : gain_of<Side::black>(*game, move);
+    return game.turn == Side::white ? gain_of<Side::white>(game, move) : gain_of<Side::black>(game, move);
 }
 
 }  // namespace varn

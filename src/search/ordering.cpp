@@ -8,57 +8,67 @@
 
 namespace varn {
 
-Table<KillerSlot, killer_slots> killer_one;
-Table<KillerSlot, killer_slots> killer_two;
-Table<std::int32_t, killer_slots> killer_one_piece;
-Table<std::int32_t, killer_slots> killer_two_piece;
-Table<PerSquare<PerSquare<std::int32_t>>, 2> history;
-
-void history_update(const Game* game, Move move, int depth) {
+void history_update(History& history, const Game& game, Move move, int depth) {
     if (move.kind == kind_capture || move.kind == kind_en_passant || is_promotion(move.kind)) return;
     // Capped so that neither the weight nor the sum leaves the type: a score must never turn negative.
     constexpr int deepest_weight = 30;
     constexpr std::int32_t ceiling = std::numeric_limits<std::int32_t>::max();
     const std::int32_t weight = 1 << std::clamp(depth, 0, deepest_weight);
-    std::int32_t& entry = history[game->turn][move.from][move.to];
+    std::int32_t& entry = history[game.turn][move.from][move.to];
     entry = entry > ceiling - weight ? ceiling : entry + weight;
 }
 
-void clear_history() { history = {}; }
+void clear_history(History& history) { history = {}; }
 
-void killer_update(Move move, int line_ply, int piece, const Game* game) {
+void killer_update(Killers& killers, const Game& game, Move move, int line_ply) {
     if (move.kind != kind_quiet && move.kind != kind_double_step) return;
     const int i = killer_index(game, line_ply);
-    KillerSlot& one = killer_one[i];
-    KillerSlot& two = killer_two[i];
+    const int piece = game.cells[move.from];
+    KillerSlot& one = killers.killer_one[i];
+    KillerSlot& two = killers.killer_two[i];
     if (move == one.move) {
         ++one.count;
     } else if (move == two.move) {
         if (++two.count > one.count) {
             std::swap(one, two);
-            std::swap(killer_one_piece[i], killer_two_piece[i]);
+            std::swap(killers.killer_one_piece[i], killers.killer_two_piece[i]);
         }
     } else if (one.count < two.count) {
         one = {move, 0};
-        killer_one_piece[i] = piece;
+        killers.killer_one_piece[i] = piece;
     } else {
         two = {move, 0};
-        killer_two_piece[i] = piece;
+        killers.killer_two_piece[i] = piece;
     }
 }
 
-void clear_killer_counts() {
-    for (auto& slot : killer_one) slot.count = 0;
-    for (auto& slot : killer_two) slot.count = 0;
+void clear_killer_counts(Killers& killers) {
+    for (auto& slot : killers.killer_one) slot.count = 0;
+    for (auto& slot : killers.killer_two) slot.count = 0;
 }
 
-void score_quiets(const Game* game, MoveList* list) {
-    const auto& of_side = history[game->turn];
-    for (int i = 0; i < list->count; ++i) list->scores[i] = of_side[list->moves[i].from][list->moves[i].to];
+void score_quiets(MoveList& list, const Game& game, const History& history) {
+    const auto& of_side = history[game.turn];
+    for (int i = 0; i < list.count; ++i) list.scores[i] = of_side[list.moves[i].from][list.moves[i].to];
 }
 
-void score_captures(const Game* game, MoveList* list) {
-    for (int i = 0; i < list->count; ++i) list->scores[i] = exchange_gain(game, list->moves[i]);
+void score_captures(MoveList& list, const Game& game) {
+    for (int i = 0; i < list.count; ++i) list.scores[i] = exchange_gain(game, list.moves[i]);
+}
+
+// Branchless: which move is best can't be predicted. Score and place are compared as one number, the score in front,
+// and the earlier place counting for more.
+void pick_best(MoveList& list, int index) {
+    constexpr int passed_over = -9999;
+    constexpr int place_range = 1024;
+    static_assert(place_range > MoveList::capacity);
+    const auto ranked = [](std::int64_t score, int place) { return score * place_range + (place_range - 1 - place); };
+    std::int64_t best = ranked(passed_over, 0);
+    for (int i = index; i < list.count; ++i) best = std::max(best, ranked(list.scores[i], i));
+    if (best == ranked(passed_over, 0)) return;
+    const auto place = static_cast<int>(place_range - 1 - (best & (place_range - 1)));
+    std::swap(list.scores[place], list.scores[index]);
+    std::swap(list.moves[place], list.moves[index]);
 }
 
 }  // namespace varn

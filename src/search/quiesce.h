@@ -3,21 +3,26 @@
 // treatment of checks.
 #pragma once
 
-#include "search/search.h"
+#include "board/pins.h"
+#include "search/record.h"
 
 namespace varn {
 
-/// The score for the side to move, or `abort_score` when the clock stopped the search at this very entry.
-int quiesce(Game* game, int alpha, int beta, SearchFrame frame);
+/// The score for the side to move, or `abort_score` when the clock stopped the search at this very entry. `ply` indexes
+/// the per-ply arrays, `line_ply` counts the real moves from the root.
+int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply);
 
 /// The static value of the position for the side to move: the end of the game, or material alone where much of it is on
-/// the board and the difference is clear, or else the evaluation. Of the frame only `line_ply` matters.
-int static_score(Game* game, const SearchFrame& frame, int alpha, int beta);
-/// The same under the restraints of the side to move.
-int static_score(Game* game, const Restraints& restraints, const SearchFrame& frame, int alpha, int beta);
+/// the board and the difference is clear, or else the evaluation.
+int static_score(Search& s, const Game& game, int line_ply);
+/// The same where the pins of the side to move are known.
+int static_score(Search& s, const Game& game, const Pins& pins, int line_ply);
 
-/// Swaps the entry with the highest score from `index` on to `index`, the first of equals winning. Scores of -9999 or
-/// less are passed over.
-void pick_best(MoveList* list, int index);
+inline constexpr int game_goes_on = -1;
+/// The score of a finished game from white's point of view, or `game_goes_on`; a mate scores less the farther it is
+/// from the root.
+int node_status(const Game& game, int line_ply);
+/// The same where the pins of the side to move are known.
+int node_status(const Game& game, const Pins& pins, int line_ply);
 
 }  // namespace varn

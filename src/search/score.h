@@ -1,10 +1,9 @@
 // What a score means: centipawns for the side to move, with mates at the ends of the range.
 #pragma once
 
-#include "board/report.h"
-
 namespace varn {
 
+inline constexpr int mate_score = 9999;
 inline constexpr int no_score = -99990;      // of a node that has searched nothing yet
 inline constexpr int abort_score = 1000000;  // of a stopped search: passed up the line, never a position's value
 inline constexpr int full_window = 19998;    // of either sign: the root's window without expectations

@@ -1,32 +1,23 @@
 #include "search/search.h"
 
 #include <algorithm>
-#include <optional>
+#include <cassert>
 
 #include "board/attacks.h"
-#include "search/clock.h"
-#include "search/draws.h"
-#include "search/ordering.h"
+#include "board/draws.h"
+#include "board/game_sides.h"
+#include "search/node.h"
 #include "search/picker.h"
 #include "search/quiesce.h"
-#include "search/settings.h"
-#include "search/think.h"
-#include "search/transposition.h"
 
 namespace varn {
 
-PvLine main_pv;
-std::int32_t iteration_depth;
-
 namespace {
-
-Table<std::uint8_t, ply_slots> in_check_at;  // whether the side to move at a ply is in check
-PvLine null_pv;                              // what nobody reads: the line below a null move
-Table<PvLine, ply_slots + 2> iid_pvs;        // the lines of the internal searches, by ply
 
 /// One node on its way through its steps. `alpha` and `depth` change as it goes.
 struct Node {
-    Game* game;
+    Search& s;
+    Game& game;
     int alpha;
     int beta;
     int depth;
@@ -37,27 +28,23 @@ struct Node {
 };
 
 /// Extends by one ply for a check, or for a capture that takes back about what was taken, a knight at least.
-bool extend_for_check_or_recapture(Node& node) {
-    if (in_check_at[node.ply] != 0) {
-        ++node.frame.check_extensions;
-        return true;
-    }
+bool extend_for_check_or_recapture(const Node& node) {
+    const Search& s = node.s;
+    if (s.in_check_at[node.ply] != 0) return true;
     if (node.ply < 2) return false;
-    const int taken = search_stack[node.ply - 2].captured;
-    const int taken_back = search_stack[node.ply - 1].captured;
+    const int taken = s.search_stack[node.ply - 2].captured;
+    const int taken_back = s.search_stack[node.ply - 1].captured;
     if (taken == no_piece || taken_back == no_piece || piece_values[taken] < knight_value) return false;
     constexpr int even = 49;  // less than half a pawn of difference
     const int difference = signed_piece_values[taken] + signed_piece_values[taken_back];
-    if (difference < -even || difference > even) return false;
-    ++node.frame.recapture_extensions;
-    return true;
+    return difference >= -even && difference <= even;
 }
 
 /// Whether the line would drop into quiescence right after a pawn came to the seventh rank, for the first time.
 bool extend_for_pawn_on_seventh(Node& node) {
     if (node.depth != 0 || node.ply == 0 || node.frame.pawn_extensions != 0) return false;
-    const int to = search_stack[node.ply - 1].move.to;
-    const int code = node.game->cells[to];
+    const int to = node.s.search_stack[node.ply - 1].move.to;
+    const int code = node.game.cells[to];
     const bool on_seventh = (code == code_of(Side::white, pawn) && rank_of(to) == 7) ||
                             (code == code_of(Side::black, pawn) && rank_of(to) == 2);
     if (on_seventh) ++node.frame.pawn_extensions;
@@ -65,7 +52,7 @@ bool extend_for_pawn_on_seventh(Node& node) {
 }
 
 void extend(Node& node) {
-    if (node.frame.total_extensions > 2 * iteration_depth) return;
+    if (node.frame.total_extensions > 2 * node.s.iteration_depth) return;
     if (extend_for_check_or_recapture(node) || extend_for_pawn_on_seventh(node)) {
         ++node.depth;
         ++node.frame.total_extensions;
@@ -82,7 +69,7 @@ int score_from_table(const Node& node, const HashEntry& entry) {
 /// The table's answer where it ends the node. An exact score inside the window doesn't, so that a main line is always
 /// searched out, but like an upper bound inside the window it bars the null move.
 std::optional<int> answer_from_table(Node& node) {
-    const HashEntry* entry = hash_probe(node.game, node.depth);
+    const HashEntry* entry = hash_probe(node.s.tables.transposition_table, node.game, node.depth);
     if (entry == nullptr) return std::nullopt;
     const int score = score_from_table(node, *entry);
     const bool low = score <= node.alpha;
@@ -104,45 +91,47 @@ std::optional<int> answer_from_table(Node& node) {
 
 /// Whether the position is the one that the main line has at this distance from the root.
 bool on_main_line(const Node& node) {
-    return main_pv.keys[node.line_ply] == node.game->zobrist_key &&
-           main_pv.locks[node.line_ply] == node.game->zobrist_lock;
+    const PvLine& line = node.s.main_pv;
+    return line.keys[node.line_ply] == node.game.zobrist_key && line.locks[node.line_ply] == node.game.zobrist_lock;
 }
 
-/// Against zugzwang: each side has more than a bishop, and someone has a piece.
-bool enough_men(const Game& g) {
+/// Against zugzwang: each side has more than a bishop, and there is a piece on the board.
+bool enough_material(const Game& g) {
     const Bitboard pawns_and_kings = g.w_pawns | g.b_pawns | g.w_king | g.b_king;
     return g.w_material > bishop_value && g.b_material > bishop_value && pawns_and_kings != occupied(g);
 }
 
 /// Passing must be promising, and safe to try: no check, not twice in a row, not on the main line, material enough.
 bool null_move_allowed(const Node& node) {
-    constexpr int hope = 100;
-    const Game& g = *node.game;
-    const int balance = g.turn == 0 ? g.material : -g.material;
-    return balance + hope >= node.beta && node.beta < mate_score && node.null_allowed && !on_main_line(node) &&
-           node.ply > 0 && node.depth >= 2 && null_move_at[node.ply - 1] == 0 && in_check_at[node.ply] == 0 &&
-           enough_men(g);
+    constexpr int margin = 100;
+    const Search& s = node.s;
+    return balance_for_side_to_move(node.game) + margin >= node.beta && node.beta < mate_score && node.null_allowed &&
+           !on_main_line(node) && node.ply > 0 && node.depth >= 2 && s.null_move_at[node.ply - 1] == 0 &&
+           s.in_check_at[node.ply] == 0 && enough_material(node.game);
 }
 
 /// The score after passing, searched two plies less deep than a move would be. A pass isn't a move of the line, so that
 /// mates below count real moves only.
 int null_move_value(const Node& node) {
     constexpr int reduction = 3;
+    Search& s = node.s;
     SearchFrame frame = node.frame;
     --frame.line_ply;
     const int depth = node.depth - reduction;
-    UndoRecord* undo = &undo_stack[node.ply];
-    make_null(node.game, node.ply, undo);
-    const int value = depth > 0 ? -search(node.game, -node.beta, 1 - node.beta, depth, frame, &null_pv)
-                                : -quiesce(node.game, -node.beta, 1 - node.beta, frame);
+    UndoRecord& undo = s.undo_stack[node.ply];
+    s.search_stack[node.ply].captured = no_piece;
+    s.null_move_at[node.ply] = 1;
+    make_null(node.game, undo);
+    const int value = depth > 0 ? -search(s, node.game, -node.beta, 1 - node.beta, depth, frame, s.null_pv)
+                                : -quiesce(s, node.game, -node.beta, 1 - node.beta, frame.ply, frame.line_ply);
     unmake_null(node.game, undo);
     return value;
 }
 
 /// The first move that raised alpha set the line to beat: later ones get a window of width zero first.
-int child_value(const Node& node, bool raised_alpha, PvLine* line) {
+int child_value(const Node& node, bool raised_alpha, PvLine& line) {
     const auto search_child = [&](int lower, int upper) {
-        return -search(node.game, -upper, -lower, node.depth - 1, node.frame, line);
+        return -search(node.s, node.game, -upper, -lower, node.depth - 1, node.frame, line);
     };
     if (!raised_alpha) return search_child(node.alpha, node.beta);
     const int value = search_child(node.alpha, node.alpha + 1);
@@ -150,15 +139,15 @@ int child_value(const Node& node, bool raised_alpha, PvLine* line) {
 }
 
 /// The line becomes the move and what the child left behind it.
-void extend_line(PvLine* line, const Game& g, Move move, const PvLine& tail) {
-    line->moves[0] = move;
-    line->keys[0] = g.zobrist_key;
-    line->locks[0] = g.zobrist_lock;
+void extend_line(PvLine& line, const Game& g, Move move, const PvLine& tail) {
+    line.moves[0] = move;
+    line.keys[0] = g.zobrist_key;
+    line.locks[0] = g.zobrist_lock;
     const int copied = std::min(tail.length, ply_slots - 1);
-    std::copy_n(tail.moves.begin(), copied, line->moves.begin() + 1);
-    std::copy_n(tail.keys.begin(), copied, line->keys.begin() + 1);
-    std::copy_n(tail.locks.begin(), copied, line->locks.begin() + 1);
-    line->length = copied + 1;
+    std::copy_n(tail.moves.begin(), copied, line.moves.begin() + 1);
+    std::copy_n(tail.keys.begin(), copied, line.keys.begin() + 1);
+    std::copy_n(tail.locks.begin(), copied, line.locks.begin() + 1);
+    line.length = copied + 1;
 }
 
 /// Mate, stalemate or a draw by rule, exact at any depth; or the static score, where no move is left for another
@@ -166,90 +155,101 @@ void extend_line(PvLine* line, const Game& g, Move move, const PvLine& tail) {
 int score_without_moves(const Node& node) {
     int score = node_status(node.game, node.line_ply);
     if (score == game_goes_on) {
-        score = static_score(node.game, node.frame, node.alpha, node.beta);
-    } else if (node.game->turn == 1) {
+        score = static_score(node.s, node.game, node.line_ply + 1);
+    } else if (node.game.turn == Side::black) {
         score = -score;
     }
-    hash_store(node.game, node.depth, nullptr, score, bound_exact);
+    hash_store(node.s.tables.transposition_table, node.game, node.depth, std::nullopt, score, bound_exact);
     return score;
 }
 
-int search_moves(Node& node, PvLine* pv) {
-    Game* game = node.game;
-    PvLine local;
-    local.length = 0;
+/// A line that improved at the root is told at once.
+void tell_improved_line(const Node& node, int score) {
+    const Search& s = node.s;
+    if (s.listener == nullptr || !s.listener->line_improved) return;
+    s.listener->line_improved({node.game, s.main_pv, s.iteration_depth, score, s.nodes, s.quiescent_nodes, 0});
+}
+
+int search_moves(Node& node, PvLine& pv) {
+    Search& s = node.s;
+    Game& game = node.game;
+    TranspositionTable& table = s.tables.transposition_table;
+    PvLine& line = s.lines[node.ply];
     int best_score = no_score;
     std::optional<Move> best_move;
     std::uint8_t bound = bound_upper;
 
-    const auto next = [&node] {
-        return next_move(node.game, node.ply, node.alpha, node.beta, node.depth, node.line_ply);
-    };
-    const Move* made = next();
-    if (made == nullptr) return score_without_moves(node);
-    for (; made != nullptr; made = next()) {
+    const auto first = first_move(s, game, node.ply, node.alpha, node.beta, node.depth);
+    Picker picker = make_picker(s, node.ply, node.line_ply, node.beta, node.depth, first);
+    line.length = 0;
+    std::optional<Move> made = next_move(s, game, picker);
+    if (!made) return score_without_moves(node);
+    for (; made; made = next_move(s, game, picker)) {
         const Move move = *made;
-        const int value = child_value(node, best_move.has_value(), &local);
+        const int value = child_value(node, best_move.has_value(), line);
         best_score = std::max(best_score, value);
-        retract_move(game, move, &undo_stack[node.ply]);
+        retract_move(game, move, s.undo_stack[node.ply]);
         // Before any use of the value, so that a child cut short by the clock changes nothing.
-        if (!clock_ok()) return abort_score;
+        if (!clock_ok(s)) return abort_score;
         if (value <= node.alpha) continue;
 
         node.alpha = value;
         bound = bound_exact;
         best_move = move;
-        extend_line(pv, *game, move, local);
-        if (node.ply == 0 && post_thinking == 1) print_search_line(game, iteration_depth, 0, value);
-        history_update(game, move, node.depth);
+        extend_line(pv, game, move, line);
+        if (node.ply == 0) tell_improved_line(node, value);
+        history_update(s.history, game, move, node.depth);
         if (value >= node.beta) {
-            killer_update(move, node.line_ply, game->cells[move.from], game);
-            hash_store(game, node.depth, &move, value, bound_lower);
+            killer_update(s.killers, game, move, node.line_ply);
+            hash_store(table, game, node.depth, move, value, bound_lower);
             return value;
         }
     }
-    hash_store(game, node.depth, best_move ? &*best_move : nullptr, best_score, bound);
+    hash_store(table, game, node.depth, best_move, best_score, bound);
     return best_score;
 }
 
 }  // namespace
 
-int search(Game* game, int alpha, int beta, int depth, SearchFrame frame, PvLine* pv) {
-    ++nodes;
-    if (!clock_ok()) return abort_score;
+int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame frame, PvLine& pv) {
+    ++s.nodes;
+    if (!clock_ok(s)) return abort_score;
     // The root is never a draw: a move is wanted.
     if (frame.line_ply != 0 && draw_by_rule(game)) return 0;
-    if (frame.ply >= last_ply) return static_score(game, frame, alpha, beta);
+    if (frame.ply >= last_ply) return static_score(s, game, frame.line_ply);
 
-    Node node = {game, alpha, beta, depth, frame.ply, frame.line_ply, frame};
-    in_check_at[node.ply] = in_check(game) ? 1 : 0;
+    Node node = {s, game, alpha, beta, depth, frame.ply, frame.line_ply, frame};
+    s.in_check_at[node.ply] = in_check(game) ? 1 : 0;
     extend(node);
     if (const auto known = answer_from_table(node)) return *known;
 
     ++node.frame.ply;
     ++node.frame.line_ply;
     if (node.depth <= 0) {
-        pv->length = 0;
-        return quiesce(game, alpha, beta, node.frame);
+        pv.length = 0;
+        return quiesce(s, game, alpha, beta, node.frame.ply, node.frame.line_ply);
     }
     if (null_move_allowed(node) && null_move_value(node) >= beta) return beta;
-
-    start_picking(node.ply);
-    null_move_at[node.ply] = 0;
+    s.null_move_at[node.ply] = 0;
     return search_moves(node, pv);
 }
 
-const Move* iterative_deepening_move(Game* game, int ply, int alpha, int beta, int depth) {
+std::optional<Move> first_move(Search& s, Game& game, int ply, int alpha, int beta, int depth) {
     constexpr int shallowest = 3;
     constexpr int reduction = 2;
-    if (depth < shallowest || alpha + 1 == beta) return nullptr;
-    PvLine& line = iid_pvs[ply];
+    if (depth == 0) return std::nullopt;
+    // One ply less than the node itself asked for: an entry too shallow to answer the node can still give its move.
+    const HashEntry* entry = hash_probe(s.tables.transposition_table, game, depth - 1);
+    if (entry != nullptr && entry->has_move != 0) return entry->move;
+    if (depth < shallowest || alpha + 1 == beta) return std::nullopt;
+
+    PvLine& line = s.iid_pvs[ply];
     line.length = 0;
     SearchFrame frame = root_frame;
     frame.ply = ply + 1;
     frame.line_ply = static_cast<std::uint8_t>(ply + 1);
-    search(game, alpha, beta, depth - reduction, frame, &line);
-    return line.length != 0 ? &line.moves[0] : nullptr;
+    search(s, game, alpha, beta, depth - reduction, frame, line);
+    return line.length != 0 ? std::optional(line.moves[0]) : std::nullopt;
 }
 
 }  // namespace varn

@@ -1,16 +1,9 @@
 #include "search/transposition.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <limits>
-#include <memory>
-#include <string>
 
-#include "board/divisor.h"
-#include "board/memory.h"
-#include "board/output.h"
-#include "board/zobrist.h"
-#include "search/settings.h"
+#include "board/make.h"
 
 namespace varn {
 
@@ -24,19 +17,6 @@ constexpr std::int32_t etc_bonus = 1000000;  // above any history score that the
 /// What an entry counts for in the settings and in the report. It takes less, but equal settings mean equal numbers of
 /// entries for good, and so equal searches.
 constexpr std::uint64_t reckoned_bytes = 40;
-
-/// A block of slots. A slot written under another generation than the table's counts as empty, so that clearing is one
-/// increment; fresh memory holds generation 0, which is never the table's.
-template <typename Entry> struct HashTable {
-    ZeroedBlock<Entry> slots;
-    Divisor entries = divisor(1);
-    std::uint16_t generation = 1;
-
-    Entry& slot(std::uint64_t key) { return slots[remainder(key, entries)]; }
-};
-
-HashTable<HashEntry> transposition_table;
-HashTable<QhashEntry> quiescence_table;
 
 template <typename Entry> void clear(HashTable<Entry>& table) {
     if (table.generation < std::numeric_limits<std::uint16_t>::max()) {
@@ -66,17 +46,11 @@ template <typename Entry> void make_real(const HashTable<Entry>& table) {
     make_real(table.slots.get(), table.entries.value * sizeof(Entry));
 }
 
-[[noreturn]] void refuse(const char* message) {
-    say_text(message);
-    std::exit(1);
-}
-
 /// The slot of a key, emptied first if what it holds was cleared away.
-HashEntry& live_slot(std::uint64_t key) {
-    HashTable<HashEntry>& table = transposition_table;
+HashEntry& live_slot(const TranspositionTable& table, std::uint64_t key) {
     HashEntry& entry = table.slot(key);
     if (entry.generation != table.generation) {
-        entry = {0, 0, empty_score, 0, {0, 0, 0}, 0, empty_depth, empty_bound, table.generation};
+        entry = {0, empty_score, 0, {0, 0, 0}, 0, empty_depth, empty_bound, table.generation};
     }
     return entry;
 }
@@ -89,8 +63,8 @@ void take_credit(HashEntry& entry) {
     if (entry.credit > std::numeric_limits<std::int32_t>::min()) --entry.credit;
 }
 
-HashEntry* probe(PositionKeys keys, int depth) {
-    HashEntry& entry = live_slot(keys.key);
+HashEntry* probe(const TranspositionTable& table, PositionKeys keys, int depth) {
+    HashEntry& entry = live_slot(table, keys.key);
     if (entry.depth < depth || entry.lock != keys.lock) {
         take_credit(entry);
         return nullptr;
@@ -99,107 +73,41 @@ HashEntry* probe(PositionKeys keys, int depth) {
     return &entry;
 }
 
-/// Both keys at once, as make changes them.
-struct KeyDelta {
-    PositionKeys keys;
-
-    void toggle(std::uint64_t number) { keys ^= in_both(number); }
-    void toggle_man(int square, int code) { keys ^= zobrist_numbers[square][code]; }
-    void move_man(int from, int to, int code) {
-        toggle_man(from, code);
-        toggle_man(to, code);
-    }
-    /// Toggles the numbers of those of the rights that side S still has.
-    template <Side S> void lose_rights(const Game& g, std::uint32_t rights) {
-        const std::uint32_t lost = castle_of<S>(g) & rights;
-        if ((lost & kingside_right) != 0) toggle(kingside_number<S>());
-        if ((lost & queenside_right) != 0) toggle(queenside_number<S>());
-    }
-};
-
-/// The rights that go with a man of this kind when it moves or is captured.
-constexpr std::uint32_t rights_of(Man man) {
-    switch (man) {
-        case king: return kingside_right | queenside_right;
-        case kingside_rook: return kingside_right;
-        case queenside_rook: return queenside_right;
-        default: return 0;
-    }
-}
-
-template <Side S> PositionKeys child_keys_of(const Game& g, Move move) {
-    constexpr Side them = other(S);
-    const int mover = g.cells[move.from];
-    const int captured = g.cells[move.to];
-    KeyDelta delta = {keys_of(g)};
-    delta.toggle(zobrist_side_number);
-    if (g.enpassant != 0) delta.toggle(zobrist_ep_numbers[first_one(g.enpassant)]);
-    delta.lose_rights<S>(g, rights_of(man_of(mover)));
-    if (captured != no_piece) {
-        delta.toggle_man(move.to, captured);
-        if (man_of(captured) != king) delta.lose_rights<them>(g, rights_of(man_of(captured)));
-    }
-
-    if (is_promotion(move.kind)) {
-        delta.toggle_man(move.from, mover);
-        delta.toggle_man(move.to, move.kind);
-        return delta.keys;
-    }
-    delta.move_man(move.from, move.to, mover);
-    switch (move.kind) {
-        case kind_double_step: {
-            const int passed = move.from + up<S>;
-            if ((pawn_attacks<S>[passed] & pawns_of<them>(g)) != 0) delta.toggle(zobrist_ep_numbers[passed]);
-            break;
-        }
-        case kind_en_passant: delta.toggle_man(move.to - up<S>, code_of(them, pawn)); break;
-        case kind_kingside_castling:
-            delta.move_man(own_square<S>(h1), own_square<S>(f1), code_of(S, kingside_rook));
-            break;
-        case kind_queenside_castling:
-            delta.move_man(own_square<S>(a1), own_square<S>(d1), code_of(S, queenside_rook));
-            break;
-        default: break;
-    }
-    return delta.keys;
-}
-
 }  // namespace
 
-void hash_allocate(int bits) {
-    const bool in_range = bits >= 1 && bits <= 30;
-    if (!in_range || !allocate(transposition_table, (std::uint64_t{1} << bits) - 1)) {
-        refuse("Cannot allocate enough memory for transposition hash tables.\n");
-    }
+bool hash_allocate(TranspositionTable& table, int bits) {
+    return bits >= 1 && bits <= 30 && allocate(table, (std::uint64_t{1} << bits) - 1);
 }
 
-void qhash_allocate() {
-    const std::uint64_t bytes = qhash_bytes > 0 ? static_cast<std::uint64_t>(qhash_bytes) : 0;
-    const std::uint64_t entries = std::max<std::uint64_t>(1, bytes / reckoned_bytes);
-    if (bytes == 0 || !allocate(quiescence_table, entries)) refuse("error: out of memory.\n");
+bool qhash_allocate(QuiescenceTable& table, std::int32_t bytes) {
+    if (bytes <= 0) return false;
+    return allocate(table, std::max<std::uint64_t>(1, static_cast<std::uint64_t>(bytes) / reckoned_bytes));
 }
 
-void make_tables_real() {
-    make_real(transposition_table);
-    make_real(quiescence_table);
+void make_tables_real(const HashTables& tables) {
+    make_real(tables.transposition_table);
+    make_real(tables.quiescence_table);
 }
 
-void hash_clear() { clear(transposition_table); }
-void qhash_clear() { clear(quiescence_table); }
+void hash_clear(TranspositionTable& table) { clear(table); }
+void qhash_clear(QuiescenceTable& table) { clear(table); }
 
-void prefetch_child(const Game* game, Move move) {
+void prefetch_child(const HashTables& tables, const Game& game, Move move) {
     const std::uint64_t key = child_keys(game, move).key;
-    prefetch(transposition_table.slot(key));
-    prefetch(quiescence_table.slot(key));
+    prefetch(tables.transposition_table.slot(key));
+    prefetch(tables.quiescence_table.slot(key));
 }
 
-void prefetch_qhash(const Game* game) { prefetch(quiescence_table.slot(game->zobrist_key)); }
+void prefetch_qhash(const QuiescenceTable& table, const Game& game) { prefetch(table.slot(game.zobrist_key)); }
 
-HashEntry* hash_probe(const Game* game, int depth) { return probe(keys_of(*game), depth); }
+HashEntry* hash_probe(TranspositionTable& table, const Game& game, int depth) {
+    return probe(table, keys_of(game), depth);
+}
 
-void hash_store(const Game* game, int depth, const Move* move, int score, std::uint8_t bound) {
-    HashEntry& entry = live_slot(game->zobrist_key);
-    if (entry.lock != game->zobrist_lock) {
+void hash_store(TranspositionTable& table, const Game& game, int depth, std::optional<Move> move, int score,
+                std::uint8_t bound) {
+    HashEntry& entry = live_slot(table, game.zobrist_key);
+    if (entry.lock != game.zobrist_lock) {
         if (entry.credit > 0) {
             take_credit(entry);
             return;
@@ -208,59 +116,48 @@ void hash_store(const Game* game, int depth, const Move* move, int score, std::u
     }
     if (is_mate_score(score)) score += score > 0 ? depth : -depth;
     entry.score = score;
-    entry.has_move = move != nullptr ? 1 : 0;
-    if (move != nullptr) entry.move = *move;
-    entry.lock = game->zobrist_lock;
-    entry.key = game->zobrist_key;
+    entry.has_move = move ? 1 : 0;
+    if (move) entry.move = *move;
+    entry.lock = game.zobrist_lock;
     entry.depth = static_cast<std::int8_t>(depth);
     entry.bound = bound;
 }
 
-QhashEntry* qhash_probe(const Game* game) {
-    QhashEntry& entry = quiescence_table.slot(game->zobrist_key);
-    const bool known = entry.generation == quiescence_table.generation && entry.lock == game->zobrist_lock;
+const QhashEntry* qhash_probe(const QuiescenceTable& table, const Game& game) {
+    const QhashEntry& entry = table.slot(game.zobrist_key);
+    const bool known = entry.generation == table.generation && entry.lock == game.zobrist_lock;
     return known ? &entry : nullptr;
 }
 
-void qhash_store(const Game* game, int line_ply, int score, std::uint8_t bound) {
-    QhashEntry& entry = quiescence_table.slot(game->zobrist_key);
-    entry.generation = quiescence_table.generation;
-    entry.lock = game->zobrist_lock;
-    entry.score = score;
-    entry.bound = bound;
-    entry.depth = static_cast<std::int8_t>(line_ply);
+void qhash_store(QuiescenceTable& table, const Game& game, int score, std::uint8_t bound) {
+    table.slot(game.zobrist_key) = {game.zobrist_lock, score, bound, table.generation};
 }
 
-PositionKeys child_keys(const Game* game, Move move) {
-    return game->turn == 0 ? child_keys_of<Side::white>(*game, move) : child_keys_of<Side::black>(*game, move);
-}
-
-bool enhanced_transposition(const Game* game, MoveList* list, int wanted_depth, int beta) {
+bool enhanced_transposition(TranspositionTable& table, const Game& game, MoveList& list, int wanted_depth, int beta) {
     Table<PositionKeys, MoveList::capacity> keys;
-    for (int i = 0; i < list->count; ++i) {
-        list->scores[i] = 0;
-        keys[i] = child_keys(game, list->moves[i]);
-        prefetch(transposition_table.slot(keys[i].key));
+    for (int i = 0; i < list.count; ++i) {
+        list.scores[i] = 0;
+        keys[i] = child_keys(game, list.moves[i]);
+        prefetch(table.slot(keys[i].key));
     }
-    for (int i = 0; i < list->count; ++i) {
-        const HashEntry* child = probe(keys[i], wanted_depth);
+    for (int i = 0; i < list.count; ++i) {
+        const HashEntry* child = probe(table, keys[i], wanted_depth);
         if (child != nullptr && child->bound != bound_upper && -child->score >= beta) {
-            list->scores[i] = etc_bonus;
+            list.scores[i] = etc_bonus;
             return true;
         }
     }
     return false;
 }
 
-void print_hash_stats() {
-    const HashTable<HashEntry>& table = transposition_table;
+std::string hash_stats_text(const TranspositionTable& table) {
     std::uint64_t used = 0;
     for (std::uint64_t i = 0; i < table.entries.value; ++i) {
         if (table.slots[i].generation == table.generation && table.slots[i].lock != 0) ++used;
     }
     const std::uint64_t all = std::max<std::uint64_t>(1, table.entries.value);
-    say("Transposition table usage: %d%%\n", static_cast<int>(used * 100 / all));
-    say("Transposition table size (bytes): %s\n", std::to_string(table.entries.value * reckoned_bytes).c_str());
+    return "Transposition table usage: " + std::to_string(used * 100 / all) +
+           "%\nTransposition table size (bytes): " + std::to_string(table.entries.value * reckoned_bytes) + '\n';
 }
 
 }  // namespace varn

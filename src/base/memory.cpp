@@ -1,0 +1,55 @@
+#include "base/memory.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace varn {
+
+namespace {
+
+/// Whether the machine has that much memory at all, in use or not. The system itself promises more than it has, and the
+/// process would end without a word when it comes to be touched.
+bool fits_in_memory(std::uint64_t bytes) {
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long page_bytes = sysconf(_SC_PAGE_SIZE);
+    if (pages < 0 || page_bytes < 0) return true;  // the machine doesn't tell: let the allocation decide
+    return bytes <= static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(page_bytes);
+}
+
+/// Asks for pages as large as the system has. A table is read all over, and with small pages nearly every look into it
+/// waits for the page's own entry to be found first. Where the system refuses, nothing is lost but time.
+void prefer_large_pages([[maybe_unused]] void* block, [[maybe_unused]] std::uint64_t bytes) {
+#ifdef MADV_HUGEPAGE
+    const auto page_bytes = static_cast<std::uintptr_t>(sysconf(_SC_PAGE_SIZE));
+    const auto start = reinterpret_cast<std::uintptr_t>(block);
+    const std::uintptr_t first_page = (start + page_bytes - 1) / page_bytes * page_bytes;
+    if (first_page >= start + bytes) return;
+    madvise(static_cast<char*>(block) + (first_page - start), start + bytes - first_page, MADV_HUGEPAGE);
+#endif
+}
+
+/// Blocks from this size on are made real when they are allocated. While a page comes into being the search waits: with
+/// a small table that is over after a few moments, with a large one the first moves of a game would have no time left.
+constexpr std::uint64_t lazy_bytes = 256 << 20;
+
+}  // namespace
+
+void* zeroed_bytes(std::uint64_t bytes) {
+    if (!fits_in_memory(bytes)) return nullptr;
+    void* block = std::calloc(1, bytes);
+    if (block == nullptr) return nullptr;
+    prefer_large_pages(block, bytes);
+    if (bytes >= lazy_bytes) make_real(block, bytes);
+    return block;
+}
+
+void make_real(void* block, std::uint64_t bytes) {
+    const auto page_bytes = static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE));
+    auto* first = static_cast<volatile char*>(block);
+    for (std::uint64_t offset = 0; offset < bytes; offset += page_bytes) {
+        const char kept = first[offset];
+        first[offset] = kept;
+    }
+}
+
+}  // namespace varn

@@ -1,7 +1,0 @@
-#include "board/reset.h"
-
-namespace varn {
-
-ResetHooks reset_hooks = {[] {}, [] {}, [](KeepTables) {}};
-
-}  // namespace varn

@@ -1,0 +1,30 @@
+#include "console/pattern_commands.h"
+
+#include "base/output.h"
+#include "patterns/kpk_placements.h"
+
+namespace varn {
+
+// A game whose position was read from text has no book.
+
+void print_placements(Console& console, const CommandLine&) {
+    print_kpk_script(*console.engine.game);
+    console.engine.book_enabled = false;
+    set_base_position(console.engine);
+}
+
+void anneal_placements(Console& console, const CommandLine&) {
+    Engine& engine = console.engine;
+    bool was_read = false;
+    anneal_kpk(console.patterns, *engine.game, [&](const PositionRemarks& remarks) {
+        print_remarks(remarks);
+        was_read = true;
+    });
+    if (!console.patterns.is_written) say_text("the patterns are kept: kpkbb tries again to write them.\n");
+    // Where no position was read the game goes on, and can be taken back as before.
+    if (!was_read) return;
+    engine.book_enabled = false;
+    set_base_position(engine);
+}
+
+}  // namespace varn

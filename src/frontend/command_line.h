@@ -1,0 +1,31 @@
+// Lines of input as commands, for every front end: what fits a command, and what a blank is.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+namespace varn {
+
+/// What of a line a command's text must equal. Lines keep their newline.
+enum class Match : std::uint8_t { whole_line, beginning };
+
+constexpr bool fits(std::string_view line, std::string_view text, Match match) {
+    return match == Match::whole_line ? line == text : line.starts_with(text);
+}
+
+inline constexpr std::string_view blanks = " \t\n\v\f\r";
+
+constexpr std::string_view without_leading_blanks(std::string_view text) {
+    return text.substr(std::min(text.find_first_not_of(blanks), text.size()));
+}
+
+/// Takes the first word off the front of the text, blanks before it included; empty where there is none.
+constexpr std::string_view take_word(std::string_view& text) {
+    text = without_leading_blanks(text);
+    const std::string_view word = text.substr(0, text.find_first_of(blanks));
+    text.remove_prefix(word.size());
+    return word;
+}
+
+}  // namespace varn

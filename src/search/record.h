@@ -1,0 +1,106 @@
+// The record of a search: all that it reads and writes beside the game. Whoever searches owns one and hands it to every
+// function of the search; two of them can be at work side by side.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <optional>
+
+#include "board/make.h"
+#include "eval/evaluate.h"
+#include "search/clock.h"
+#include "search/ordering.h"
+#include "search/transposition.h"
+
+namespace varn {
+
+/// A line of moves with the keys of the position before each. Behind a tail that a child left there, moves may not
+/// follow.
+struct PvLine {
+    std::int32_t length;
+    Table<Move, ply_slots> moves;
+    Table<std::uint64_t, ply_slots> keys;
+    Table<std::uint64_t, ply_slots> locks;
+};
+
+/// What a search tells of itself while it runs.
+struct SearchReport {
+    const Game& game;  // the root
+    const PvLine& line;
+    int depth;
+    int score;  // for the side to move at the root
+    std::uint32_t nodes;
+    std::uint32_t quiescent_nodes;
+    std::uint32_t milliseconds;  // of the iteration; 0 while it is under way
+};
+
+/// Who listens to a search: called on the thread that searches. What is left empty isn't told.
+struct SearchListener {
+    std::function<void()> search_started;
+    std::function<void(const SearchReport&)> line_improved;  // alpha rose at the root
+    std::function<void(const SearchReport&)> iteration_finished;
+    std::function<void(double)> search_finished;  // nodes a second of the last finished iteration; 0 without one
+};
+
+/// The move made at a ply and the code that stood on its target, -1 for none, en passant and a null move.
+struct SearchPly {
+    Move move;
+    std::int32_t captured;
+};
+
+struct Search {
+    Clock clock;
+
+    // Entries of the search and of quiescence, and of quiescence alone, in this iteration.
+    std::uint32_t nodes = 0;
+    std::uint32_t quiescent_nodes = 0;
+    std::uint64_t search_nodes = 0;  // the first of these over all iterations, the unfinished one included
+
+    HashTables tables;
+    EvalContext eval;
+    Killers killers;
+    History history{};
+
+    std::int32_t iteration_depth = 0;
+    std::int32_t root_score = 0;         // of the last root search, kept from one `think` to the next
+    std::optional<Move> predicted_move;  // the reply that the last `think` expects
+    const SearchListener* listener = nullptr;
+    PvLine main_pv{};  // the line of the root: the best found so far, also in an unfinished iteration
+
+    // What the line of the search leaves at each ply.
+    Table<SearchPly, ply_slots> search_stack{};
+    Table<std::uint8_t, ply_slots> null_move_at{};  // 1 while a null move made at this ply is being searched
+    Table<std::uint8_t, ply_slots> in_check_at{};   // whether the side to move at this ply is in check
+    Table<UndoRecord, ply_slots> undo_stack;
+    // Not set before they are used: memory is real only as deep as the search has come.
+    Table<PvLine, ply_slots> lines;         // filled by the children of the node at this ply
+    Table<PvLine, ply_slots> iid_pvs;       // of the internal iterative deepening at this ply
+    PvLine null_pv;                         // below a null move; never read
+    Table<MoveList, ply_slots> move_lists;  // of quiescence
+    Table<MoveList, ply_slots> capture_lists, promotion_lists, quiet_lists;  // of the move picker
+};
+
+/// A search that has searched nothing yet. Its tables must be allocated before it is used.
+std::unique_ptr<Search> new_search();
+
+/// Sizes of the tables of a search.
+struct TableSizes {
+    std::int32_t hash_bits = 21;          // the transposition table has (1 << hash_bits) - 1 entries
+    std::int32_t qhash_bytes = 16777216;  // memory for the quiescence table
+    std::int32_t phash_bytes = 1048576;   // memory for the pawn hash table
+};
+
+enum class TableFault : std::uint8_t { none, transposition, quiescence, pawns };
+
+/// Allocates the tables and empties the first two; a pawn hash table that is there already keeps its size. Returns the
+/// first that couldn't be had.
+TableFault allocate_tables(Search& s, const TableSizes& sizes);
+
+/// A new game begins: the history and all tables are emptied.
+void clear_tables(Search& s);
+/// A position is set: the killers' counts go, too.
+void clear_for_position(Search& s);
+
+}  // namespace varn
