@@ -26,9 +26,10 @@ Move hand_out(Search& s, Game& game, const Picker& picker, Move move) {
 bool try_move(Search& s, Game& game, const Picker& picker, Move move) {
     UndoRecord& undo = s.undo_stack[picker.ply];
     save_undo(game, undo);
+    s.search_stack[picker.ply].captured = game.cells[move.to];
     if (!make_if_legal(game, move, picker.pins, undo)) return false;
     push_keys(game);
-    s.search_stack[picker.ply] = {move, undo.captured};
+    s.search_stack[picker.ply].move = move;
     return true;
 }
 

@@ -64,15 +64,16 @@ int static_score(Search& s, const Game& game, const Pins& pins, int line_ply) {
 }
 
 int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply) {
-    ++s.nodes;
+    const bool may_search = enter_node(s);
     ++s.quiescent_nodes;
     if (insufficient_material(game)) return 0;
-    if (!clock_ok(s)) return abort_score;
+    if (!may_search) return abort_score;
     QuiescenceTable& table = s.tables.quiescence_table;
     if (const QhashEntry* known = qhash_probe(table, game); known != nullptr && answers(*known, alpha, beta)) {
         return known->score;
     }
 
+    s.selective_depth = std::max(s.selective_depth, ply);
     const Pins pins = pins_of(game);
     const int stand = static_score(s, game, pins, line_ply);
     if (stand >= beta) {
@@ -100,6 +101,7 @@ int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply) {
         if (gain < 0 || gain + stand + delta_margin < alpha) break;
 
         const Move move = list.moves[i];
+        s.search_stack[ply].captured = game.cells[move.to];
         if (!make_if_legal(game, move, pins, undo)) continue;
         prefetch_qhash(table, game);
         const int value = -quiesce(s, game, -beta, -alpha, ply + 1, line_ply + 1);

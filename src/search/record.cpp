@@ -23,4 +23,10 @@ void clear_for_position(Search& s) {
     clear_tables(s);
 }
 
+void forget_all(Search& s) {
+    clear_tables(s);
+    s.killers = {};
+    s.root_score = 0;
+}
+
 }  // namespace varn

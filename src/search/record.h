@@ -7,6 +7,7 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "board/make.h"
 #include "eval/evaluate.h"
@@ -30,25 +31,36 @@ struct SearchReport {
     const Game& game;  // the root
     const PvLine& line;
     int depth;
-    int score;  // for the side to move at the root
-    std::uint32_t nodes;
+    int score;            // for the side to move at the root
+    std::uint32_t nodes;  // of the iteration, like the two numbers below
     std::uint32_t quiescent_nodes;
-    std::uint32_t milliseconds;  // of the iteration; 0 while it is under way
+    std::uint32_t milliseconds;  // 0 while it is under way
+    std::uint64_t search_nodes;  // of all iterations of the search
+    int selective_depth;         // the deepest ply that the search has come to
+    int line_number;             // 1 is the best line
+    bool fails_high;             // the score is a lower bound, and a search with a wider window follows
 };
 
 /// Who listens to a search: called on the thread that searches. What is left empty isn't told.
 struct SearchListener {
     std::function<void()> search_started;
-    std::function<void(const SearchReport&)> line_improved;  // alpha rose at the root
-    std::function<void(const SearchReport&)> iteration_finished;
+    std::function<void(const SearchReport&)> line_improved;       // alpha rose at the root
+    std::function<void(const SearchReport&)> iteration_finished;  // for each line that is asked for, the best first
+    std::function<void(Move, int)> root_move_started;             // and its number, from 1
     std::function<void(double)> search_finished;  // nodes a second of the last finished iteration; 0 without one
 };
 
-/// The move made at a ply and the code that stood on its target, -1 for none, en passant and a null move.
+/// The move made at a ply and the code that stood on its target, -1 for none, en passant and a null move. An internal
+/// search, at which its parent has made no move yet, finds what was tried last at the parent's ply, quiescence and
+/// illegal tries included: the extensions rest on it, and so the signature does.
 struct SearchPly {
     Move move;
     std::int32_t captured;
 };
+
+/// The time is read once in 16384 nodes.
+inline constexpr std::uint32_t usual_clock_interval = 0x3fff;
+inline constexpr std::uint32_t no_node_limit = std::numeric_limits<std::uint32_t>::max();
 
 struct Search {
     Clock clock;
@@ -56,7 +68,10 @@ struct Search {
     // Entries of the search and of quiescence, and of quiescence alone, in this iteration.
     std::uint32_t nodes = 0;
     std::uint32_t quiescent_nodes = 0;
-    std::uint64_t search_nodes = 0;  // the first of these over all iterations, the unfinished one included
+    std::uint64_t search_nodes = 0;               // the first of these over all iterations, the unfinished one included
+    std::uint32_t nodes_allowed = no_node_limit;  // in this iteration
+    std::uint32_t clock_interval_mask = usual_clock_interval;  // where `nodes` has no bit of it, the clock is looked at
+    std::int32_t selective_depth = 0;                          // the deepest ply of quiescence that was worked out
 
     HashTables tables;
     EvalContext eval;
@@ -67,7 +82,9 @@ struct Search {
     std::int32_t root_score = 0;         // of the last root search, kept from one `think` to the next
     std::optional<Move> predicted_move;  // the reply that the last `think` expects
     const SearchListener* listener = nullptr;
-    PvLine main_pv{};  // the line of the root: the best found so far, also in an unfinished iteration
+    std::int32_t line_number = 1;  // of the line that the root is searched for; 1 is the best
+    std::vector<Move> left_out;    // moves that the root passes over; none in an ordinary search
+    PvLine main_pv{};              // the line of the root: the best found so far, also in an unfinished iteration
 
     // What the line of the search leaves at each ply.
     Table<SearchPly, ply_slots> search_stack{};
@@ -102,5 +119,7 @@ TableFault allocate_tables(Search& s, const TableSizes& sizes);
 void clear_tables(Search& s);
 /// A position is set: the killers' counts go, too.
 void clear_for_position(Search& s);
+/// Nothing is left of earlier searches: the next one is as the first of the process.
+void forget_all(Search& s);
 
 }  // namespace varn

@@ -1,7 +1,6 @@
 #include "search/search.h"
 
 #include <algorithm>
-#include <cassert>
 
 #include "board/attacks.h"
 #include "board/draws.h"
@@ -13,6 +12,9 @@
 namespace varn {
 
 namespace {
+
+/// The root is a node like any other, but that its moves may be restricted and that it tells the listener.
+enum class Place : bool { root, inside };
 
 /// One node on its way through its steps. `alpha` and `depth` change as it goes.
 struct Node {
@@ -167,10 +169,20 @@ int score_without_moves(const Node& node) {
 void tell_improved_line(const Node& node, int score) {
     const Search& s = node.s;
     if (s.listener == nullptr || !s.listener->line_improved) return;
-    s.listener->line_improved({node.game, s.main_pv, s.iteration_depth, score, s.nodes, s.quiescent_nodes, 0});
+    s.listener->line_improved({node.game, s.main_pv, s.iteration_depth, score, s.nodes, s.quiescent_nodes, 0,
+                               s.search_nodes + s.nodes, s.selective_depth, s.line_number, score >= node.beta});
 }
 
-int search_moves(Node& node, PvLine& pv) {
+void tell_root_move(const Search& s, Move move, int number) {
+    if (s.listener != nullptr && s.listener->root_move_started) s.listener->root_move_started(move, number);
+}
+
+bool is_left_out(const Search& s, Move move) { return std::ranges::find(s.left_out, move) != s.left_out.end(); }
+
+/// What is known of a root without some of its moves is nothing for the table.
+bool table_applies(const Node& node) { return node.ply != 0 || node.s.left_out.empty(); }
+
+template <Place place> int search_moves(Node& node, PvLine& pv) {
     Search& s = node.s;
     Game& game = node.game;
     TranspositionTable& table = s.tables.transposition_table;
@@ -178,6 +190,7 @@ int search_moves(Node& node, PvLine& pv) {
     int best_score = no_score;
     std::optional<Move> best_move;
     std::uint8_t bound = bound_upper;
+    int move_number = 0;
 
     const auto first = first_move(s, game, node.ply, node.alpha, node.beta, node.depth);
     Picker picker = make_picker(s, node.ply, node.line_ply, node.beta, node.depth, first);
@@ -186,6 +199,13 @@ int search_moves(Node& node, PvLine& pv) {
     if (!made) return score_without_moves(node);
     for (; made; made = next_move(s, game, picker)) {
         const Move move = *made;
+        if constexpr (place == Place::root) {
+            if (is_left_out(s, move)) {
+                retract_move(game, move, s.undo_stack[node.ply]);
+                continue;
+            }
+            tell_root_move(s, move, ++move_number);
+        }
         const int value = child_value(node, best_move.has_value(), line);
         best_score = std::max(best_score, value);
         retract_move(game, move, s.undo_stack[node.ply]);
@@ -197,23 +217,22 @@ int search_moves(Node& node, PvLine& pv) {
         bound = bound_exact;
         best_move = move;
         extend_line(pv, game, move, line);
-        if (node.ply == 0) tell_improved_line(node, value);
+        if constexpr (place == Place::root) tell_improved_line(node, value);
         history_update(s.history, game, move, node.depth);
         if (value >= node.beta) {
             killer_update(s.killers, game, move, node.line_ply);
-            hash_store(table, game, node.depth, move, value, bound_lower);
+            if (table_applies(node)) hash_store(table, game, node.depth, move, value, bound_lower);
             return value;
         }
     }
-    hash_store(table, game, node.depth, best_move, best_score, bound);
+    if (table_applies(node)) hash_store(table, game, node.depth, best_move, best_score, bound);
     return best_score;
 }
 
 }  // namespace
 
 int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame frame, PvLine& pv) {
-    ++s.nodes;
-    if (!clock_ok(s)) return abort_score;
+    if (!enter_node(s)) return abort_score;
     // The root is never a draw: a move is wanted.
     if (frame.line_ply != 0 && draw_by_rule(game)) return 0;
     if (frame.ply >= last_ply) return static_score(s, game, frame.line_ply);
@@ -221,7 +240,9 @@ int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame fr
     Node node = {s, game, alpha, beta, depth, frame.ply, frame.line_ply, frame};
     s.in_check_at[node.ply] = in_check(game) ? 1 : 0;
     extend(node);
-    if (const auto known = answer_from_table(node)) return *known;
+    if (table_applies(node)) {
+        if (const auto known = answer_from_table(node)) return *known;
+    }
 
     ++node.frame.ply;
     ++node.frame.line_ply;
@@ -231,7 +252,7 @@ int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame fr
     }
     if (null_move_allowed(node) && null_move_value(node) >= beta) return beta;
     s.null_move_at[node.ply] = 0;
-    return search_moves(node, pv);
+    return node.ply == 0 ? search_moves<Place::root>(node, pv) : search_moves<Place::inside>(node, pv);
 }
 
 std::optional<Move> first_move(Search& s, Game& game, int ply, int alpha, int beta, int depth) {

@@ -1,6 +1,8 @@
 #include "search/think.h"
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 #include "board/legality.h"
 
@@ -10,6 +12,22 @@ namespace {
 
 constexpr int aspiration = 50;      // half the window round the last score
 constexpr int winning_score = 500;  // from here on trading pays
+
+/// One of the lines that a search is asked for; its number may change from one iteration to the next.
+struct RootLine {
+    PvLine pv;
+    int score;
+};
+
+/// A search from its start to its end.
+struct Deepening {
+    Search& s;
+    const Game& root;
+    const SearchLimits& limits;
+    std::vector<Move> barred;     // legal moves that no line may begin with
+    std::vector<RootLine> lines;  // the best first; as many as have been searched
+    std::size_t lines_wanted;
+};
 
 void start_afresh(Search& s, const Game& game) {
     clear_history(s.history);
@@ -22,21 +40,57 @@ void start_afresh(Search& s, const Game& game) {
     s.eval.w_trade_flag = false;
     s.eval.b_trade_flag = false;
     s.search_nodes = 0;
+    s.selective_depth = 0;
+}
+
+/// A search with a limit on its nodes looks at it at every node.
+void limit_nodes(Search& s, std::uint64_t limit) {
+    const std::uint64_t left = limit - std::min(limit, s.search_nodes);
+    s.nodes_allowed = static_cast<std::uint32_t>(std::min<std::uint64_t>(left, no_node_limit));
+    s.clock_interval_mask = s.nodes_allowed == no_node_limit ? usual_clock_interval : 0;
 }
 
 /// Nodes a second; an iteration faster than the clock's tick counts as one tick.
 double speed(std::uint32_t nodes, std::uint32_t milliseconds) { return nodes / (std::max(1U, milliseconds) * 0.001); }
 
-/// One iteration; returns whether it was finished.
-bool finish_iteration(Search& s, const Game& root, int depth) {
-    Game game = root;
+/// Searches the line of this number, without the first moves of the lines before it; returns whether it was finished.
+/// The first line is that of an ordinary search.
+bool search_line(Deepening& d, std::size_t number, int depth) {
+    Search& s = d.s;
+    Game game = d.root;
+    const bool known = number < d.lines.size();
+    s.left_out = d.barred;
+    for (std::size_t i = 0; i < number; ++i) s.left_out.push_back(d.lines[i].pv.moves[0]);
+    if (number > 0) s.main_pv = known ? d.lines[number].pv : PvLine{};
+    const int centre = number > 0 && known ? d.lines[number].score : s.root_score;
+    const int score = root_search(s, game, centre, depth);
+    if (number == 0) s.root_score = score;
+    if (score == abort_score) return false;
+    if (!known) d.lines.emplace_back();
+    d.lines[number] = {s.main_pv, score};
+    return true;
+}
+
+/// One iteration over all lines; returns whether it was finished. The line of an unfinished first search counts, too:
+/// it holds the best move found so far.
+bool finish_iteration(Deepening& d, int depth) {
+    Search& s = d.s;
     s.nodes = 0;
     s.quiescent_nodes = 0;
     s.iteration_depth = depth;
+    limit_nodes(s, d.limits.nodes);
     clear_killer_counts(s.killers);
-    s.root_score = root_search(s, game, s.root_score, depth);
+    bool finished = true;
+    for (std::size_t number = 0; finished && number < d.lines_wanted; ++number) {
+        s.line_number = static_cast<int>(number) + 1;
+        finished = search_line(d, number, depth);
+        if (number > 0) s.main_pv = d.lines[0].pv;
+    }
     s.search_nodes += s.nodes;
-    return s.root_score != abort_score;
+    s.left_out.clear();
+    if (finished) std::ranges::stable_sort(d.lines, std::greater{}, &RootLine::score);
+    if (finished && d.lines_wanted > 1) s.main_pv = d.lines[0].pv;
+    return finished;
 }
 
 void set_trade_flags(Search& s, Side turn) {
@@ -45,19 +99,30 @@ void set_trade_flags(Search& s, Side turn) {
     s.eval.b_trade_flag = winning && turn == Side::black;
 }
 
+void tell_lines(const Deepening& d, std::uint32_t milliseconds) {
+    const Search& s = d.s;
+    if (!s.listener->iteration_finished) return;
+    for (std::size_t i = 0; i < d.lines.size(); ++i) {
+        s.listener->iteration_finished({d.root, d.lines[i].pv, s.iteration_depth, d.lines[i].score, s.nodes,
+                                        s.quiescent_nodes, milliseconds, s.search_nodes, s.selective_depth,
+                                        static_cast<int>(i) + 1, false});
+    }
+}
+
+bool finds_mate_in(int score, int moves) { return moves > 0 && score <= mate_score && mate_score - score < 2 * moves; }
+
 /// Deepens until the clock or the last depth ends it; returns the speed of the last finished iteration.
-double deepen(Search& s, const Game& game, int last_depth) {
+double deepen(Deepening& d) {
+    Search& s = d.s;
     double nodes_per_second = 0;
-    for (int depth = 1; depth <= std::clamp(last_depth, 1, deepest_iteration); ++depth) {
+    for (int depth = 1; depth <= std::clamp(d.limits.depth, 1, deepest_iteration); ++depth) {
         const std::uint32_t started = clock_ms();
-        if (!finish_iteration(s, game, depth)) break;
-        set_trade_flags(s, game.turn);
+        if (!finish_iteration(d, depth)) break;
+        set_trade_flags(s, d.root.turn);
         const std::uint32_t milliseconds = clock_ms() - started;
         nodes_per_second = speed(s.nodes, milliseconds);
-        if (s.listener->iteration_finished) {
-            s.listener->iteration_finished(
-                {game, s.main_pv, depth, s.root_score, s.nodes, s.quiescent_nodes, milliseconds});
-        }
+        tell_lines(d, milliseconds);
+        if (finds_mate_in(d.lines[0].score, d.limits.mate)) break;
     }
     return nodes_per_second;
 }
@@ -70,19 +135,34 @@ std::optional<Move> expected_reply(const Search& s, const Game& game) {
     return is_valid_move(after, s.main_pv.moves[1]) ? std::optional(s.main_pv.moves[1]) : std::nullopt;
 }
 
+bool contains(const std::vector<Move>& moves, Move move) { return std::ranges::find(moves, move) != moves.end(); }
+
+/// The legal moves that the limits let the root have come to the front of the list; the others are returned.
+std::vector<Move> bar_moves(MoveList& legal, const std::vector<Move>& only) {
+    if (only.empty()) return {};
+    const auto first_barred = std::stable_partition(legal.moves.begin(), legal.moves.begin() + legal.count,
+                                                    [&](Move move) { return contains(only, move); });
+    const std::vector<Move> barred(first_barred, legal.moves.begin() + legal.count);
+    legal.count -= static_cast<std::int32_t>(barred.size());
+    return barred;
+}
+
 }  // namespace
 
 std::optional<Move> think(Search& s, const Game& game, const SearchLimits& limits, const SearchListener& listener) {
     s.predicted_move.reset();
-    const MoveList legal = legal_moves(game);
+    MoveList legal = legal_moves(game);
     if (legal.count == 0) return std::nullopt;
-    if (legal.count == 1) return legal.moves[0];
+    if (legal.count == 1 && !limits.search_forced) return legal.moves[0];
 
     if (listener.search_started) listener.search_started();
     start_afresh(s, game);
     if (!limits.clock_runs) start_clock(s.clock);
     s.listener = &listener;
-    const double nodes_per_second = deepen(s, game, limits.depth);
+    std::vector<Move> barred = bar_moves(legal, limits.only);
+    const auto lines = static_cast<std::size_t>(std::clamp(limits.lines, 1, legal.count));
+    Deepening deepening = {s, game, limits, std::move(barred), {}, lines};
+    const double nodes_per_second = deepen(deepening);
     s.listener = nullptr;
     if (listener.search_finished) listener.search_finished(nodes_per_second);
     s.predicted_move = expected_reply(s, game);

@@ -2,7 +2,9 @@
 // it, and tells its listener what it finds as it goes.
 #pragma once
 
+#include <limits>
 #include <optional>
+#include <vector>
 
 #include "search/search.h"
 
@@ -13,7 +15,12 @@ inline constexpr int deepest_iteration = 50;
 /// What bounds a search beside its clock.
 struct SearchLimits {
     int depth = deepest_iteration;  // the last iteration; a number outside 1..50 becomes the nearest in it
-    bool clock_runs = false;        // the caller has started the clock, to be able to stop it before the search begins
+    std::uint64_t nodes = std::numeric_limits<std::uint64_t>::max();
+    int mate = 0;                 // other than 0: ends with the iteration that finds a mate in so many moves
+    int lines = 1;                // so many best lines, each with a first move of its own
+    std::vector<Move> only = {};  // the root's moves are restricted to these legal ones; none: all of them
+    bool clock_runs = false;      // the caller has started the clock, to be able to stop it before the search begins
+    bool search_forced = false;   // also a position with one legal move is searched
 };
 
 /// The engine's move, or none where there is no legal one. A forced move comes at once, without a search. Leaves the
