@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include "folder.h"
-#include "frontend/book.h"
 #include "frontend/engine.h"
 #include "positions.h"
 #include "small_engine.h"
@@ -15,7 +14,6 @@ namespace {
 class EngineTest : public testing::Test {
 protected:
     EngineTest() { engine.ply_limit = 1; }
-    ~EngineTest() override { load_book("no such book"); }
 
     void play(std::string_view text) { play_move(*engine.game, parse_move(*engine.game, text)); }
 
@@ -64,7 +62,7 @@ TEST_F(EngineTest, TakesMovesAndPassesBack) {
 TEST_F(EngineTest, AsksTheBookUntilItHasNoMove) {
     const Folder folder;
     folder.write("book.dat", "a2a3a7a6\n");
-    load_book(folder.path_to("book.dat").c_str());
+    load_book(engine.book, folder.path_to("book.dat"), 1);
     int searches = 0;
     SearchListener listener;
     listener.search_started = [&] { ++searches; };
