@@ -7,12 +7,13 @@ import contextlib
 import os
 import pathlib
 import re
+import shutil
 import signal
 import subprocess
 import time
 
 from playing.process import CannotStart, Child, describe_status, find_command, start_program
-from playing.tool import set_up_engine, show_progress
+from playing.tool import find_engine, set_up_engine, show_progress
 
 # How Varn and xboard announce the end of a game.
 RESULT = re.compile(r"(1-0|0-1|1/2-1/2) \{.*\}")
@@ -35,7 +36,7 @@ import os, signal, subprocess
 reader, writer = os.pipe()
 if os.fork() == 0:
     os.setsid()
-    engine = subprocess.Popen("./varn")
+    engine = subprocess.Popen("./PROGRAM")
     os.write(writer, b"%d" % engine.pid)
     nothing = os.open("/dev/null", os.O_RDWR)
     os.dup2(nothing, 0)
@@ -80,8 +81,12 @@ def longest_move(tc):
 def set_up_side(arguments, folder):
     """A folder for one Varn, with a script that starts it and notes how it ended."""
     set_up_engine(arguments, folder, book=not arguments.no_book)
+    program = "varn"
+    if arguments.polyglot:
+        program = "varn-uci"
+        shutil.copy(find_engine(arguments.engine, program), folder / program)
     script = folder / "start"
-    script.write_text(ENGINE_SCRIPT)
+    script.write_text(ENGINE_SCRIPT.replace("PROGRAM", program))
     script.chmod(0o755)
 
 
@@ -144,6 +149,7 @@ def xboard_command(arguments, folder):
             # xboard checks every claim, and leaves it to the engines to make them.
             "-autoCallFlag", "true", "-testClaims", "true", "-checkMates", "false", "-trivialDraws", "false",
             "-materialDraws", "false",
+            *(["-fUCI"] if arguments.polyglot else []),
             "-fcp", "./start", "-fd", str(folder / "first"), "-firstPgnName", "Varn",
             "-scp", second, "-sd", str(folder / "second"), "-secondFeatures", features,
             "-secondPgnName", "Varn (2)" if arguments.opponent == "self" else arguments.opponent]
@@ -210,7 +216,8 @@ def score_text(games):
 
 def read_log(log):
     """What passed between xboard and each engine: (engine, direction, line)."""
-    pattern = re.compile(r"^\d+ ([<>])(first|second)\s*: (.*)$")
+    # Where the engine wants "usermove", xboard writes it and the move in two pieces, and its log shows both.
+    pattern = re.compile(r"^\d+ ([<>])(first|second)\s*: (?:usermove \d+ >\2\s*: )?(.*)$")
     lines = log.read_text(errors="replace").splitlines() if log.exists() else []
     return [(match[2], match[1], match[3]) for match in map(pattern.match, lines) if match]
 
@@ -287,6 +294,7 @@ def play_under_xboard(arguments, folder):
     games = read_games(folder / "games.pgn")
     faults += judge(arguments, folder, games)
     print("%-8s %-10s ponder %-3s book %-3s  %3d games  %-14s  %d faults  (%d s)" % (
-        arguments.opponent, arguments.tc, "on" if arguments.ponder else "off", "off" if arguments.no_book else "on",
+        arguments.opponent, arguments.tc, "on" if arguments.ponder else "off",
+        "off" if arguments.no_book or arguments.polyglot else "on",
         len(games), score_text(games), len(faults), time.monotonic() - started))
     return faults
