@@ -13,6 +13,7 @@
 #include "frontend/input.h"
 #include "frontend/numbers.h"
 #include "frontend/search_table.h"
+#include "frontend/version.h"
 
 namespace varn {
 
@@ -137,11 +138,8 @@ void time_left(Protocol& protocol, std::string_view arguments) {
 
 void tell_features(Protocol&, std::string_view arguments) {
     if (take_number(arguments).value_or(0) < 2) return;
-    say_text(
-        "feature analyse=0\n"
-        "feature setboard=0\n"
-        "feature myname=\"Varn 0.2\"\n"
-        "feature done=1\n");
+    say_text("feature analyse=0\nfeature setboard=0\nfeature myname=\"" + std::string(program_name) +
+             "\"\nfeature done=1\n");
 }
 
 // --- A move of the opponent and the answer --------------------------------------------------------------------------
