@@ -115,7 +115,8 @@ if fault == "status":
 FAULTS = {
     "illegal line": "an illegal move e4e5 in the line", "one line too many": "a line of number", "late": "in time",
     "same line": "two lines begin with the same move", "wild score": "a score out of range",
-    "false mate": "mates are not what the lines show", "illegal move": "an illegal move: bestmove a1a1", "other move": "the best line began with",
+    "false mate": "mates are not what the lines show",
+    "illegal move": "an illegal move: bestmove a1a1", "other move": "the best line began with",
     "illegal ponder": "an illegal move to ponder on", "crash": "SIGABRT", "error stream": "trouble",
     "silent": "no bestmove", "twice": "an unexpected line: bestmove", "late info": "an unexpected line: info",
     "deaf": "readyok", "searchmoves": "with another move than it may", "early": "bestmove too early",
