@@ -36,7 +36,33 @@ def parse_info(text):
     return parts
 
 
-def check_info(search):
+class Mates:
+    """How many scores told a mate, and those whose lines are too long for it or don't end in it.
+
+    A score that comes from the hash table may belong to another line than the one that is shown, so that a few don't
+    agree; many are a fault."""
+
+    def __init__(self):
+        self.told, self.missed, self.example = 0, 0, None
+
+    def note(self, info, text, position):
+        kind, number = info.get("score", ("cp", 0))
+        if kind != "mate" or number == 0 or "bound" in info:
+            return
+        self.told += 1
+        plies = 2 * number - 1 if number > 0 else -2 * number
+        ends_in_mate = position.in_check() and not position.has_legal_move()
+        if len(info["pv"]) > plies or len(info["pv"]) == plies and not ends_in_mate:
+            self.missed += 1
+            self.example = text
+
+    def faults(self):
+        if self.missed <= max(2, self.told // 100):
+            return []
+        return ["%d of %d mates are not what the lines show, such as %s" % (self.missed, self.told, self.example)]
+
+
+def check_info(search, mates):
     """All info lines of a search; gives the move with which its last best line begins, or nothing."""
     last, root = {"time": 0, "nodes": 0}, Node(search.position)
     group = {}  # the first moves of the last lines, by their number
@@ -47,7 +73,7 @@ def check_info(search):
             if "currmove" in info and info["currmove"] not in search.moves:
                 raise Fault("an illegal currmove")
             if "pv" in info:
-                check_line(search, root, info)
+                mates.note(info, text, check_line(search, root, info))
         except Fault as fault:
             raise Fault("%s: %s" % (fault, text)) from None
         if "pv" in info:
@@ -91,8 +117,7 @@ class Node:
 
 
 def check_line(search, root, info):
-    """A principal variation must be legal to its last move. How far it goes is its own affair: the distance of a mate
-    that the table knows is not that of the line."""
+    """A principal variation: legal to its last move. Gives the position behind it."""
     if search.moves and info["pv"][0] not in search.moves:
         raise Fault("the line begins with another move than it may")
     node = root
@@ -100,6 +125,7 @@ def check_line(search, root, info):
         node = node.follow(text)
         if node is None:
             raise Fault("an illegal move %s in the line" % text)
+    return node.position
 
 
 def parse_bestmove(search, best):

@@ -15,7 +15,7 @@ from playing.game import Game
 from playing.process import PATIENCE, CannotStart, Child, Fault
 from playing.self_play import Pair, random_opening
 from playing.tool import find_engine
-from playing.uci_lines import check_info, parse_bestmove
+from playing.uci_lines import Mates, check_info, parse_bestmove
 
 BASES = [0.03, 0.1, 0.3, 1]  # seconds
 INCREMENTS = [0, 0, 0.01, 0.05]
@@ -50,7 +50,7 @@ class Client:
         self.book = (arguments.data / "book.dat").resolve()
         engine = find_engine(arguments.engine, "varn-uci")
         self.child = Child([str(engine)], folder)
-        self.search, self.pings, self.multipv = None, [], 1
+        self.search, self.pings, self.multipv, self.mates = None, [], 1, Mates()
         try:
             self.options = self.shake_hands()
         except Fault as fault:
@@ -199,7 +199,7 @@ class Client:
         if over > self.margin:
             raise Fault("bestmove too late by %.0f ms in %s" % (1000 * over, search.go))
         try:
-            return parse_bestmove(search, check_info(search)), search.bestmove.at
+            return parse_bestmove(search, check_info(search, self.mates)), search.bestmove.at
         except Fault as fault:
             raise Fault("%s in %s of %s" % (fault, search.go, search.position.fen())) from None
 
@@ -322,4 +322,8 @@ class UciPair(Pair):
         for client in self.players:
             if client.search is None and not client.child.has_ended():
                 client.child.send("position startpos", "go infinite")
-        return super().end()
+            self.counts["mates told"] += client.mates.told
+            self.counts["mates that the line doesn't show"] += client.mates.missed
+        shown = ["%s engine of %s: %s" % (client.child.folder.name, self.folder.name, fault)
+                 for client in self.players for fault in client.mates.faults()]
+        return shown + super().end()
