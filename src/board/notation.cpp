@@ -125,6 +125,16 @@ Move parse_move(const Game& g, std::string_view text) {
     return move;
 }
 
+bool names_two_squares(std::string_view text) {
+    return square_from_text(text) >= 0 && text.size() >= 2 && square_from_text(text.substr(2)) >= 0;
+}
+
+std::optional<Move> read_move(const Game& game, std::string_view text) {
+    if ((text.size() != 4 && text.size() != 5) || !names_two_squares(text)) return std::nullopt;
+    const Move move = parse_move(game, text);
+    return is_valid_move(game, move) ? std::optional(move) : std::nullopt;
+}
+
 std::string move_text(Move move) {
     std::string text = square_text(move.from) + square_text(move.to);
     if (is_promotion(move.kind)) text += lower(piece_letter(move.kind));

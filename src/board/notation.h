@@ -2,6 +2,7 @@
 // short algebraic form ("Nf3", "exd5", "e8Q", "O-O") is the form of the principal variation and of test suites.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,6 +23,12 @@ int square_from_text(std::string_view text);
 /// characters and never past the text. The squares of the result may lie outside the board, and the move need not be
 /// possible: `is_valid_move` tells.
 Move parse_move(const Game& game, std::string_view text);
+
+/// Whether the first four characters name two squares of the board, the letters in either case.
+bool names_two_squares(std::string_view text);
+
+/// The legal move that the whole text names in coordinate form; none for any other text.
+std::optional<Move> read_move(const Game& game, std::string_view text);
 
 /// Coordinate form.
 std::string move_text(Move move);

@@ -21,11 +21,6 @@ namespace {
 bool is_letter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
 bool is_rank_digit(char c) { return c >= '1' && c <= '8'; }
 
-/// A letter beyond the board may come out as some square of it.
-bool names_squares(std::string_view line) {
-    return square_from_text(line) >= 0 && square_from_text(line.substr(2)) >= 0;
-}
-
 /// Without validation a person may play what the rules forbid, but nothing that would spoil the record.
 bool may_play(const Console& console, Move move) {
     const Game& game = *console.engine.game;
@@ -58,7 +53,8 @@ void type_move(Console& console, const CommandLine& line) {
     Game& game = *console.engine.game;
     if (refuse_unplayable(game)) return;
     const Move move = parse_move(game, line.whole);
-    if (!names_squares(line.whole) || !may_play(console, move)) {
+    // A letter beyond the board may come out as some square of it.
+    if (!names_two_squares(line.whole) || !may_play(console, move)) {
         say_text("invalid move.\n");
         return;
     }

@@ -28,4 +28,12 @@ constexpr std::string_view take_word(std::string_view& text) {
     return word;
 }
 
+/// Takes all that stands before the word off the front of the text, and the word; all of it where the word isn't there.
+constexpr std::string_view take_before(std::string_view& text, std::string_view word) {
+    const std::string_view whole = text;
+    std::string_view taken = take_word(text);
+    while (!taken.empty() && taken != word) taken = take_word(text);
+    return whole.substr(0, whole.size() - text.size() - taken.size());
+}
+
 }  // namespace varn

@@ -165,11 +165,8 @@ struct NameAndValue {
 
 NameAndValue split_arguments(std::string_view arguments) {
     if (take_word(arguments) != "name") return {};
-    std::string_view rest = arguments;
-    std::string_view word = take_word(rest);
-    while (!word.empty() && word != "value") word = take_word(rest);
-    const std::string_view name = arguments.substr(0, arguments.size() - rest.size() - word.size());
-    return {without_blanks_around(name), without_blanks_around(rest)};
+    const std::string_view name = take_before(arguments, "value");
+    return {without_blanks_around(name), without_blanks_around(arguments)};
 }
 
 }  // namespace

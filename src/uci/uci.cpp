@@ -20,12 +20,6 @@ namespace {
 
 // --- The game -------------------------------------------------------------------------------------------------------
 
-/// A text that names two squares of the board and perhaps a piece; whether that is a move, the position tells.
-bool is_move_shaped(std::string_view text) {
-    const bool has_length = text.size() == 4 || (text.size() == 5 && text[4] != '\n');
-    return has_length && square_from_text(text) >= 0 && square_from_text(text.substr(2)) >= 0;
-}
-
 /// Positions that no later one can repeat are dropped, so that no game is too long.
 void play_on(Uci& uci, Move move) {
     Game& game = *uci.game;
@@ -38,41 +32,23 @@ void play_on(Uci& uci, Move move) {
 /// Plays the moves of a `position` line up to the first that isn't legal.
 void play_moves(Uci& uci, std::string_view moves) {
     for (std::string_view word = take_word(moves); !word.empty(); word = take_word(moves)) {
-        const Move move = parse_move(*uci.game, word);
-        if (!is_move_shaped(word) || !is_valid_move(*uci.game, move)) {
-            say_info("illegal move: " + std::string(word));
-            return;
-        }
-        play_on(uci, move);
+        const auto move = read_move(*uci.game, word);
+        if (!move) return say_info("illegal move: " + std::string(word));
+        play_on(uci, *move);
     }
 }
 
 void set_position_command(Uci& uci, std::string_view arguments) {
-    constexpr std::string_view moves_word = "moves";
     const std::string_view kind = take_word(arguments);
-    std::string_view fen = start_fen;
-    std::string_view moves;
-    // The word "moves" ends the text of the position.
-    std::string_view rest = arguments;
-    std::string_view word = take_word(rest);
-    while (!word.empty() && word != moves_word) word = take_word(rest);
-    if (word == moves_word) moves = rest;
-    if (kind == "fen") {
-        fen = arguments.substr(0, arguments.size() - rest.size() - word.size());
-    } else if (kind != "startpos") {
-        say_info("a position is startpos or fen");
-        return;
-    }
-    FenReading reading = read_fen(fen);
-    if (reading.game == nullptr) {
-        say_info("position refused: " + reading.fault);
-        return;
-    }
+    const std::string_view text = take_before(arguments, "moves");
+    if (kind != "startpos" && kind != "fen") return say_info("a position is startpos or fen");
+    FenReading reading = read_fen(kind == "fen" ? text : start_fen);
+    if (reading.game == nullptr) return say_info("position refused: " + reading.fault);
     uci.game = std::move(reading.game);
     uci.first_move_number = reading.move_number;
     uci.plies_played = 0;
     uci.from_start = kind == "startpos";
-    play_moves(uci, moves);
+    play_moves(uci, arguments);
 }
 
 // --- Other commands -------------------------------------------------------------------------------------------------
