@@ -57,9 +57,10 @@ std::int32_t allocate_time(const GameClock& clock, std::int64_t overhead_ms) {
     const std::int64_t increment_ms = std::clamp<std::int64_t>(clock.increment_ms, 0, longest_ms);
     const std::int64_t usable_ms = std::max<std::int64_t>(0, time_ms - overhead_ms);
     const std::int64_t moves = clock.moves_to_go > 0 ? std::min(clock.moves_to_go, moves_planned) : moves_planned;
-    // A move never takes so much that the clock could not bear some moves more; the last one before the control may.
-    const std::int64_t highest_ms = clock.moves_to_go == 1 ? usable_ms * 9 / 10 : usable_ms / 3;
-    const std::int64_t share_ms = usable_ms / moves + increment_ms;
+    // A move never takes so much that the clock could not bear some moves more; the last one before the control may. A
+    // part of the increment is kept, so that a long game ends with something on the clock.
+    const std::int64_t highest_ms = clock.moves_to_go == 1 ? usable_ms * 4 / 5 : usable_ms / 4;
+    const std::int64_t share_ms = usable_ms / moves + increment_ms * 3 / 4;
     return limit(std::max<std::int64_t>(1, std::min(share_ms, highest_ms)));
 }
 

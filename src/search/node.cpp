@@ -7,7 +7,7 @@ bool look_at_limits(Search& s) {
         stop_clock(s.clock);
         return false;
     }
-    return (s.nodes & usual_clock_interval) != 0 || clock_ok_now(s.clock);
+    return (s.nodes & s.time_interval_mask) != 0 || clock_ok_now(s.clock);
 }
 
 }  // namespace varn

@@ -70,8 +70,10 @@ struct Search {
     std::uint32_t quiescent_nodes = 0;
     std::uint64_t search_nodes = 0;               // the first of these over all iterations, the unfinished one included
     std::uint32_t nodes_allowed = no_node_limit;  // in this iteration
-    std::uint32_t clock_interval_mask = usual_clock_interval;  // where `nodes` has no bit of it, the clock is looked at
-    std::int32_t selective_depth = 0;                          // the deepest ply of quiescence that was worked out
+    std::uint32_t clock_interval_mask =
+        usual_clock_interval;                                 // the limits are looked at where `nodes` has no bit of it
+    std::uint32_t time_interval_mask = usual_clock_interval;  // and of these, the time where it has no bit of this
+    std::int32_t selective_depth = 0;                         // the deepest ply of quiescence that was worked out
 
     HashTables tables;
     EvalContext eval;

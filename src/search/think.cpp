@@ -44,10 +44,11 @@ void start_afresh(Search& s, const Game& game) {
 }
 
 /// A search with a limit on its nodes looks at it at every node.
-void limit_nodes(Search& s, std::uint64_t limit) {
-    const std::uint64_t left = limit - std::min(limit, s.search_nodes);
+void set_limits(Search& s, const SearchLimits& limits) {
+    const std::uint64_t left = limits.nodes - std::min(limits.nodes, s.search_nodes);
     s.nodes_allowed = static_cast<std::uint32_t>(std::min<std::uint64_t>(left, no_node_limit));
-    s.clock_interval_mask = s.nodes_allowed == no_node_limit ? usual_clock_interval : 0;
+    s.time_interval_mask = limits.clock_interval;
+    s.clock_interval_mask = s.nodes_allowed == no_node_limit ? limits.clock_interval : 0;
 }
 
 /// Nodes a second; an iteration faster than the clock's tick counts as one tick.
@@ -78,7 +79,7 @@ bool finish_iteration(Deepening& d, int depth) {
     s.nodes = 0;
     s.quiescent_nodes = 0;
     s.iteration_depth = depth;
-    limit_nodes(s, d.limits.nodes);
+    set_limits(s, d.limits);
     clear_killer_counts(s.killers);
     bool finished = true;
     for (std::size_t number = 0; finished && number < d.lines_wanted; ++number) {

@@ -19,8 +19,9 @@ struct SearchLimits {
     int mate = 0;                 // other than 0: ends with the iteration that finds a mate in so many moves
     int lines = 1;                // so many best lines, each with a first move of its own
     std::vector<Move> only = {};  // the root's moves are restricted to these legal ones; none: all of them
-    bool clock_runs = false;      // the caller has started the clock, to be able to stop it before the search begins
-    bool search_forced = false;   // also a position with one legal move is searched
+    std::uint32_t clock_interval = usual_clock_interval;  // nodes between looks at the time, a power of two, less one
+    bool clock_runs = false;     // the caller has started the clock, to be able to stop it before the search begins
+    bool search_forced = false;  // also a position with one legal move is searched
 };
 
 /// The engine's move, or none where there is no legal one. A forced move comes at once, without a search. Leaves the

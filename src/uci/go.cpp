@@ -18,8 +18,10 @@ namespace varn {
 
 namespace {
 
-constexpr std::int32_t no_time_limit = -1;  // read without a sign
-constexpr std::uint32_t quiet_ms = 3000;    // before root moves are told one by one
+constexpr std::int32_t no_time_limit = -1;     // read without a sign
+constexpr std::int32_t short_budget_ms = 200;  // of less the milliseconds count
+constexpr std::uint32_t short_clock_interval = 0x3ff;
+constexpr std::uint32_t quiet_ms = 3000;  // before root moves are told one by one
 
 // --- The line -------------------------------------------------------------------------------------------------------
 
@@ -229,6 +231,9 @@ void go(Uci& uci, std::string_view arguments) {
     }
     job.game = *uci.game;
     job.limit_ms = budget_of(uci, job.limits);
+    if (job.limit_ms != no_time_limit && job.limit_ms < short_budget_ms) {
+        job.limits.search.clock_interval = short_clock_interval;
+    }
     job.is_pondering = job.limits.ponder;
     job.may_answer = !job.limits.ponder && !job.limits.infinite;
     job.is_count = false;
