@@ -158,7 +158,7 @@ TEST(Xboard, IsNotInterrupted) {
 
 TEST(Xboard, WithoutASecondThreadItEndsWithAMessage) {
     Partner partner;
-    partner.process().limit_memory(8U << 20U);  // half of what the thread asks for
+    partner.process().limit_memory(4U << 20U);  // half of what the thread asks for
     partner.process().send("sd 2\ne2e4\n");
     const Outcome outcome = partner.process().finish();
     EXPECT_TRUE(outcome.output.ends_with("i am going to try to ponder\nerror: cannot start new search thread\n"))
