@@ -125,6 +125,11 @@ void Process::limit_memory(std::size_t bytes) {
     if (prlimit(pid_, RLIMIT_AS, &limits, nullptr) != 0) refuse("prlimit");
 }
 
+void Process::limit_stack(std::size_t bytes) {
+    const rlimit limits = {bytes, bytes};
+    if (prlimit(pid_, RLIMIT_STACK, &limits, nullptr) != 0) refuse("prlimit");
+}
+
 std::string Process::read_until(std::string_view text, milliseconds timeout) {
     const Clock::time_point deadline = Clock::now() + timeout;
     std::size_t searched = 0;

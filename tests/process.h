@@ -68,6 +68,8 @@ public:
 
     /// From now on the engine gets no more memory than this beside what it has; an allocation beyond it fails.
     void limit_memory(std::size_t bytes);
+    /// The stack of its main thread grows no further than this.
+    void limit_stack(std::size_t bytes);
 
     /// The content of a file in the engine's folder; throws if there is none.
     std::string file(const std::string& name) const { return folder_.read(name); }

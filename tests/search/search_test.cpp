@@ -2,6 +2,10 @@
 #include "search_test.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <functional>
+#include <string_view>
 
 #include "search/quiesce.h"
 #include "search/search.h"
@@ -32,6 +36,37 @@ TEST_F(SearchNode, NothingIsWrittenBehindTheLastPly) {
         EXPECT_EQ(quiet == stand && searched == stand && s.nodes == 2, ply == 499) << ply;
         EXPECT_TRUE(same_game(*game, before));
     }
+}
+
+/// Runs the work on a thread with a stack of that size.
+void run_on_stack(std::size_t bytes, std::function<void()> work) {
+    const auto run = [](void* task) -> void* {
+        (*static_cast<std::function<void()>*>(task))();
+        return nullptr;
+    };
+    pthread_attr_t attributes;
+    pthread_t thread = {};
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, bytes), 0);
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+/// A depth that no search asks for goes down to the last ply by the internal searches alone.
+TEST_F(SearchNode, ALineToTheLastPlyFitsASmallStack) {
+    constexpr int depth = 2 * ply_slots;
+    const bool is_sanitized = !std::string_view(VARN_SANITIZERS).empty();
+    const auto game = game_from(middle_text);
+    const Game before = *game;
+    std::ranges::fill(s.in_check_at, std::uint8_t{7});
+    s.clock.time_limit_ms = 200;
+    start_clock(s.clock);
+    run_on_stack(is_sanitized ? 8U << 20U : 512U << 10U, [&] {
+        EXPECT_EQ(search(s, *game, -full_window, full_window, depth, root_frame, s.main_pv), abort_score);
+    });
+    EXPECT_NE(s.in_check_at[last_ply - 1], 7) << "the line wasn't that deep";
+    EXPECT_TRUE(same_game(*game, before));
 }
 
 TEST_F(SearchNode, NodeTakesTheAnswerOfTheTable) {

@@ -100,6 +100,11 @@ TEST(Xboard, SaysWhatItThinksOnRequest) {
     const std::string said = Partner().answer("new; sd 2; post; go; nopost; go");
     const std::string line = "  [12] +-?\\d+ +0 +\\d+      {0,3}[A-Za-h][^ \n]* [^\n]*\n", move = "move [a-h1-8]{4}\n";
     EXPECT_TRUE(std::regex_match(said, std::regex('(' + line + ")+" + move + move))) << said;
+    // The iteration's line comes last, with the score of the line that was found last.
+    constexpr std::size_t depth_and_score = 11;
+    const std::vector<std::string> lines = split(said.substr(0, said.find("move ")), "\n");
+    ASSERT_GE(lines.size(), 3U);
+    EXPECT_EQ(lines[lines.size() - 2].substr(0, depth_and_score), lines[lines.size() - 3].substr(0, depth_and_score));
 }
 
 TEST(Xboard, AnswersFromItsBookWithoutThinking) {
@@ -158,7 +163,7 @@ TEST(Xboard, IsNotInterrupted) {
 
 TEST(Xboard, WithoutASecondThreadItEndsWithAMessage) {
     Partner partner;
-    partner.process().limit_memory(8U << 20U);  // half of what the thread asks for
+    partner.process().limit_memory(4U << 20U);  // half of what the thread asks for
     partner.process().send("sd 2\ne2e4\n");
     const Outcome outcome = partner.process().finish();
     EXPECT_TRUE(outcome.output.ends_with("i am going to try to ponder\nerror: cannot start new search thread\n"))
