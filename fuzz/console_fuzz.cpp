@@ -3,12 +3,8 @@
 #include <cstdio>
 #include <string>
 
-#include "board/game.h"
-#include "frame.h"
 #include "console/console.h"
-#include "frontend/take_back.h"
-#include "search/clock.h"
-#include "search/settings.h"
+#include "frame.h"
 
 namespace {
 
@@ -49,15 +45,13 @@ void run_input(std::string_view input) {
     if (lines.empty()) return;
     std::FILE* terminal = stdin;
     stdin = fmemopen(lines.data(), lines.size(), "r");
-    varn::is_white_human = varn::human_move_validation = 1;
-    varn::is_black_human = 0;
     varn::run_to_exit(
         [](std::string_view) {
-            varn::Console console = {varn::new_game(false)};
-            varn::set_base_position(*console.game);
+            varn::Engine& engine = varn::fresh_engine();
+            varn::Console console = varn::start_console(engine);
             for (;;) {
-                varn::ply_limit = 1;
-                varn::time_limit_ms = 1;
+                engine.ply_limit = 1;
+                engine.search->clock.time_limit_ms = 1;
                 varn::console_step(console);
             }
         },

@@ -9,15 +9,13 @@
 #include <string>
 
 #include "frontend/startup.h"
-#include "search/clock.h"
-#include "search/settings.h"
 
 namespace {
 
 /// Thrown in place of an exit, while an input runs.
 struct EndOfProcess {};
 bool may_exit = true;
-bool is_started = false;
+std::unique_ptr<varn::Engine> engine;  // null before the start
 
 }  // namespace
 
@@ -36,13 +34,21 @@ void __wrap_exit(int status) {
 namespace varn {
 
 void start_engine() {
-    if (is_started) return;
-    is_started = true;
+    if (engine != nullptr) return;
     std::string folder = "/tmp/varn_fuzz_XXXXXX";
     if (mkdtemp(folder.data()) == nullptr || chdir(folder.c_str()) != 0) std::abort();
     if (std::freopen("/dev/null", "w", stdout) == nullptr) std::abort();
     write_file("varn.ini", "hash 10\nqhash 40000\nphash 16000\n");
-    start_up();
+    set_up_process();
+    engine = start_up();
+}
+
+Engine& fresh_engine() {
+    engine->book_enabled = false;
+    engine->ply_limit = deepest_iteration;
+    engine->search->predicted_move.reset();
+    start_game(*engine);
+    return *engine;
 }
 
 void run_to_exit(void (*action)(std::string_view), std::string_view input) {

@@ -1,11 +1,12 @@
 // The input of the pattern tool, and some moves of its annealing.
-#include "board/game.h"
 #include "frame.h"
+#include "frontend/engine.h"
 #include "patterns/anneal.h"
 
 void run_input(std::string_view input) {
     constexpr std::uint64_t few_moves = 2000;
     varn::write_file("kpkbb", input);
-    auto game = varn::new_game(false);
-    varn::anneal_kpk(game.get(), few_moves);
+    const auto game = varn::new_game();
+    varn::AnnealRun run;
+    varn::anneal_kpk(run, *game, varn::print_remarks, few_moves);
 }

@@ -4,13 +4,14 @@
 #include <vector>
 
 #include "board/attacks.h"
+#include "board/draws.h"
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/movegen.h"
 #include "board/position.h"
+#include "board/status.h"
 #include "board/zobrist.h"
 #include "frame.h"
-#include "search/transposition.h"
 
 namespace {
 
@@ -33,7 +34,6 @@ struct Step {
 
 /// The hashes carry the numbers of lost rights and of open null moves on top of the sum over the men.
 varn::PositionKeys expected_keys(const varn::Game& game, const varn::Game& base, int null_moves) {
-    varn::PositionKeys keys = varn::position_keys(game);
     const std::uint32_t w_lost = base.w_castle & ~game.w_castle;
     const std::uint32_t b_lost = base.b_castle & ~game.b_castle;
     std::uint64_t number = null_moves % 2 != 0 ? varn::zobrist_null_number : 0;
@@ -41,9 +41,7 @@ varn::PositionKeys expected_keys(const varn::Game& game, const varn::Game& base,
     if ((w_lost & varn::queenside_right) != 0) number ^= varn::w_queenside_number;
     if ((b_lost & varn::kingside_right) != 0) number ^= varn::b_kingside_number;
     if ((b_lost & varn::queenside_right) != 0) number ^= varn::b_queenside_number;
-    keys.key ^= number;
-    keys.lock ^= number;
-    return keys;
+    return varn::position_keys(game) ^ varn::in_both(number);
 }
 
 int material_of(const varn::Game& game, varn::Bitboard men) {
@@ -54,7 +52,7 @@ int material_of(const varn::Game& game, varn::Bitboard men) {
 
 void require_sound(const varn::Game& game, const varn::Game& base, int null_moves) {
     const varn::Bitboard men = varn::occupied(game);
-    require(varn::is_consistent(&game) && varn::is_playable(&game));
+    require(varn::is_consistent(game) && varn::is_playable(game));
     require(game.r90 == varn::rotate_90(men) && game.r45f == varn::rotate_45f(men) &&
             game.r45b == varn::rotate_45b(men));
     require(game.w_material == material_of(game, game.w_pieces) && game.b_material == material_of(game, game.b_pieces));
@@ -69,24 +67,28 @@ void require_sound(const varn::Game& game, const varn::Game& base, int null_move
     require(varn::PositionKeys{game.pawn_key, game.pawn_lock} == pawns);
 }
 
-void take_back(varn::Game& game, Step& step) {
+void take_back(varn::Game& game, const Step& step) {
     if (step.is_null) {
-        varn::unmake_null(game, &step.undo);
+        varn::unmake_null(game, step.undo);
     } else {
-        varn::retract_move(game, step.move, &step.undo);
+        varn::retract_move(game, step.move, step.undo);
     }
 }
 
-/// One move out of the legal ones, or none. Whatever can be made of the others is taken back at once.
+/// One move out of the pseudo-legal ones; false where there is none or the one chosen isn't legal. What is said of the
+/// move beforehand must come true.
 bool make_chosen(varn::Game& game, unsigned choice, Step& step) {
-    varn::MoveList& list = varn::generate_all(game, varn::scratch_slot);
-    if (list->count == 0) return false;
-    step.move = list->moves[choice % static_cast<unsigned>(list->count)];
+    varn::MoveList list;
+    varn::generate_all(game, list);
+    if (list.count == 0) return false;
+    step.move = list.moves[choice % static_cast<unsigned>(list.count)];
     const varn::PositionKeys child = varn::child_keys(game, step.move);
-    varn::fill_undo(game, step.move, &step.undo);
-    if (!varn::make_if_legal(game, step.move, 0, &step.undo)) return false;
-    require(varn::keys_of(*game) == child);
+    const bool is_draw = varn::draw_after_move(game, step.move);
+    varn::save_undo(game, step.undo);
+    if (!varn::make_if_legal(game, step.move, varn::pins_of(game), step.undo)) return false;
+    require(varn::keys_of(game) == child);
     varn::push_keys(game);
+    require(varn::draw_by_rule(game) == is_draw);
     return true;
 }
 
@@ -95,9 +97,9 @@ bool make_chosen(varn::Game& game, unsigned choice, Step& step) {
 void run_input(std::string_view input) {
     constexpr std::size_t longest_line = 450;
     if (input.empty()) return;
-    auto game = varn::new_game(false);
+    auto game = varn::new_game();
     const auto first = static_cast<unsigned char>(input[0]);
-    varn::set_position(game.get(), positions[first % std::size(positions)], varn::KeepTables::yes);
+    varn::set_position(*game, positions[first % std::size(positions)]);
     const auto base = std::make_unique<varn::Game>(*game);
     std::vector<Step> line;
     int null_moves = 0;
@@ -107,21 +109,21 @@ void run_input(std::string_view input) {
         if (choice < 24 || line.size() == longest_line) {
             if (line.empty()) continue;
             null_moves -= line.back().is_null ? 1 : 0;
-            take_back(game.get(), line.back());
+            take_back(*game, line.back());
             line.pop_back();
         } else if (choice < 32) {
-            if (varn::in_check(game.get())) continue;
+            if (varn::in_check(*game)) continue;
             step.is_null = true;
-            varn::make_null(game.get(), 0, &step.undo);
+            varn::make_null(*game, step.undo);
             ++null_moves;
             line.push_back(step);
-        } else if (make_chosen(game.get(), choice - 32U, step)) {
+        } else if (make_chosen(*game, choice - 32U, step)) {
             line.push_back(step);
         }
         require_sound(*game, *base, null_moves);
-        require(varn::has_legal_move(game.get()) || !line.empty());
+        require(varn::has_legal_move(*game) || !line.empty());
     }
-    for (; !line.empty(); line.pop_back()) take_back(game.get(), line.back());
+    for (; !line.empty(); line.pop_back()) take_back(*game, line.back());
     require(varn::keys_of(*game) == varn::keys_of(*base) && game->cells == base->cells);
     require(game->draw_hash_count == base->draw_hash_count && game->fifty == base->fifty);
 }

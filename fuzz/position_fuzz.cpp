@@ -6,6 +6,7 @@
 #include "board/movegen.h"
 #include "board/notation.h"
 #include "board/position.h"
+#include "board/status.h"
 #include "board/zobrist.h"
 #include "eval/evaluate.h"
 #include "frame.h"
@@ -19,21 +20,23 @@ void require(bool holds) {
 }  // namespace
 
 void run_input(std::string_view input) {
-    auto game = varn::new_game(false);
-    varn::set_position(game.get(), input, varn::KeepTables::no);
-    varn::evaluate(game.get(), 0, 0, 0);
-    if (!varn::is_playable(game.get())) return;
-    require(varn::is_consistent(game.get()));
+    const auto game = varn::new_game();
+    if (varn::set_position(*game, input).foreign_piece) return;
+    varn::EvalContext context;
+    require(varn::pawn_hash_allocate(context.pawns, 16));
+    varn::evaluate(*game, context);
+    if (!varn::is_playable(*game)) return;
+    require(varn::is_consistent(*game));
     require(varn::keys_of(*game) == varn::position_keys(*game));
-    const std::string text = varn::position_text(game.get());
-    auto again = varn::new_game(false);
-    varn::set_position(again.get(), text, varn::KeepTables::yes);
-    require(varn::position_text(again.get()) == text);
+    const std::string text = varn::position_text(*game);
+    const auto again = varn::new_game();
+    varn::set_position(*again, text);
+    require(varn::position_text(*again) == text);
 
-    const varn::MoveList& list = varn::generate_all(game.get(), varn::scratch_slot);
-    for (int i = 0; i < list->count; ++i) {
-        if (varn::is_legal(game.get(), list->moves[i])) varn::san_text(list->moves[i], game.get());
-        require(varn::parse_move(varn::move_text(list->moves[i]), game.get()) == list->moves[i]);
+    varn::MoveList list;
+    varn::generate_all(*game, list);
+    for (const varn::Move move : list) {
+        if (varn::is_legal(*game, move)) varn::san_text(*game, move);
+        require(varn::parse_move(*game, varn::move_text(move)) == move);
     }
-    require(varn::position_text(game.get()) == text);
 }

@@ -11,9 +11,9 @@
 #include <string_view>
 #include <vector>
 
-#include "xboard/xboard.h"
 #include "process.h"
 #include "tables.h"
+#include "xboard/xboard.h"
 
 namespace varn {
 
@@ -42,20 +42,18 @@ template <typename Play> void for_each_transcript(const std::string& name, Play 
 inline constexpr std::string_view features =
     "feature analyse=0\nfeature setboard=0\nfeature myname=\"Varn 0.2\"\nfeature done=1\n";
 
-/// What the protocol says at the end of a game, by `GameResult`.
-inline constexpr std::string_view result_texts[] = {
-    "",
-    "0-1 {Black mates}\n",
-    "1-0 {White mates}\n",
-    "1/2-1/2 {Draw by repetition}\n",
-    "1/2-1/2 {Stalemate}\n",
-    "1/2-1/2 {Draw by 50 move rule}\n",
-    "1/2-1/2 {Draw by insufficient materal}\n",
-    "1/2-1/2 {Draw by game length}\n",
-};
-
-inline std::string result_text(GameResult result) { return std::string(result_texts[static_cast<int>(result)]); }
-inline std::string result_text(Game& game) { return result_text(game_result(&game)); }
+/// What the protocol says of how a game stands.
+inline std::string result_text(const Game& game) {
+    switch (protocol_status(game)) {
+        case GameStatus::goes_on: return "";
+        case GameStatus::mate: return game.turn == Side::white ? "0-1 {Black mates}\n" : "1-0 {White mates}\n";
+        case GameStatus::stalemate: return "1/2-1/2 {Stalemate}\n";
+        case GameStatus::fifty_moves: return "1/2-1/2 {Draw by 50 move rule}\n";
+        case GameStatus::insufficient_material: return "1/2-1/2 {Draw by insufficient materal}\n";
+        case GameStatus::full_record: return "1/2-1/2 {Draw by game length}\n";
+        default: return "1/2-1/2 {Draw by repetition}\n";
+    }
+}
 
 /// The engine as a chess program meets it: first some lines at the console, then the protocol.
 class Partner {

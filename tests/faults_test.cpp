@@ -37,11 +37,11 @@ TEST(Faults, WithoutMemoryTheProcessEndsWithALine) {
     if (!std::string_view(VARN_SANITIZERS).empty()) GTEST_SKIP() << "a sanitizer has an allocator of its own";
     const Fault memory("memory");
     const std::pair<Files, std::string> cases[] = {
-        {{{"varn.ini", "hash 20"}}, "Cannot allocate enough memory for transposition hash tables.\n"},
-        {{{"varn.ini", "hash 9\nqhash 50000000"}}, "error: out of memory.\n"},
-        {{{"varn.ini", "hash 9\nqhash 40\nphash 5000000"}},
-         "error:  cannot allocate 5000000 bytes for pawn hash tables.\n"},
-        {{{"varn.ini", "hash 9\nqhash 40"}, {"suite", repeated(9'000'000, " ")}},
+        {{{"varn.ini", "hash 21"}}, "Cannot allocate enough memory for transposition hash tables.\n"},
+        {{{"varn.ini", "hash 9\nqhash 100000000"}}, "error: out of memory.\n"},
+        {{{"varn.ini", "hash 9\nqhash 40\nphash 50000000"}},
+         "error:  cannot allocate 50000000 bytes for pawn hash tables.\n"},
+        {{{"varn.ini", "hash 9\nqhash 40"}, {"suite", repeated(20'000'000, " ")}},
          "Varn> running test suite: suite\nerror: out of memory.\n"},
     };
     for (const auto& [files, output] : cases) {

@@ -5,16 +5,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/random.h"
 #include "board/legality.h"
 #include "board/make.h"
 #include "board/movegen.h"
+#include "board/notation.h"
 #include "board/position.h"
-#include "base/random.h"
+#include "board/status.h"
 #include "board/zobrist.h"
 #include "tables.h"
 
@@ -45,8 +48,8 @@ template <typename Act> std::string printed(Act act) {
 }
 
 inline std::unique_ptr<Game> game_from(std::string_view text) {
-    auto game = new_game(false);
-    set_position(game.get(), text, KeepTables::yes);
+    auto game = new_game();
+    set_position(*game, text);
     return game;
 }
 
@@ -80,7 +83,7 @@ inline std::string mirrored_text(std::string_view text) {
 
 /// What is kept beside the mailbox agrees with it. The hashes apart: they are exact only relative to their start.
 inline void expect_sound(const Game& game) {
-    EXPECT_TRUE(is_consistent(&game) && is_playable(&game));
+    EXPECT_TRUE(is_consistent(game) && is_playable(game));
     EXPECT_EQ(occupied(game), game.w_pieces | game.b_pieces);
     EXPECT_EQ(game.r90, rotate_90(occupied(game)));
     EXPECT_EQ(game.r45f, rotate_45f(occupied(game)));
@@ -93,19 +96,36 @@ inline void expect_sound(const Game& game) {
     EXPECT_EQ(game.b_material, material[1]);
     EXPECT_EQ(game.material, material[0] - material[1]);
     // The pawn just passed must be there to take.
-    const Bitboard pawns = game.ep_side == 0 ? game.b_pawns << 8 : game.w_pawns >> 8;
+    const Bitboard pawns = game.ep_side == Side::white ? game.b_pawns << 8 : game.w_pawns >> 8;
     EXPECT_EQ(game.enpassant & (occupied(game) | ~pawns), 0U);
 }
 
 inline std::vector<Move> moves_of(const MoveList& list) {
     return {list.moves.begin(), list.moves.begin() + list.count};
 }
-inline std::vector<Move> pseudo_legal_moves(const Game& game) { return moves_of(*generate_all(&game, scratch_slot)); }
+inline std::vector<Move> pseudo_legal_moves(const Game& game) {
+    MoveList list;
+    generate_all(game, list);
+    return moves_of(list);
+}
+inline std::vector<Move> pseudo_legal_captures(const Game& game) {
+    MoveList list;
+    generate_captures(game, list);
+    return moves_of(list);
+}
+inline std::vector<Move> every_legal_move(const Game& game) { return moves_of(legal_moves(game)); }
 
-inline std::vector<Move> legal_moves(Game& game) {
-    std::vector<Move> moves = pseudo_legal_moves(game);
-    std::erase_if(moves, [&](Move move) { return !is_legal(&game, move); });
-    return moves;
+inline std::unique_ptr<Game> after(const Game& game, Move move) {
+    auto child = std::make_unique<Game>(game);
+    make_move(*child, move);
+    return child;
+}
+
+/// A position and the moves played from it, in coordinate form.
+inline std::unique_ptr<Game> game_after(std::string_view text, std::initializer_list<const char*> moves) {
+    auto game = game_from(text);
+    for (const char* move : moves) play_move(*game, parse_move(*game, move));
+    return game;
 }
 
 /// One of the moves by chance; there must be one. En passant, castling, promotions and double steps have half of the
@@ -123,10 +143,27 @@ template <typename Visit> void visit_random_games(std::uint64_t seed, int plies,
         auto game = game_from(known.text);
         for (int ply = 0; ply <= plies; ++ply) {
             visit(*game);
-            const std::vector<Move> moves = legal_moves(*game);
-            if (moves.empty() || !play_move(random_move(random, moves), game.get())) break;
+            const std::vector<Move> moves = every_legal_move(*game);
+            if (moves.empty() || !play_move(*game, random_move(random, moves))) break;
         }
     }
+}
+
+/// A king a side and up to `men` others anywhere, the pawns where pawns can stand; no castling. Either king may be in
+/// check, also that of the side that has just moved.
+inline std::string random_position_text(RandomSource& random, unsigned men) {
+    std::string squares(square_count, '1');
+    const auto place = [&](char letter) {
+        const std::size_t square = random.next() % square_count;
+        const bool taken = squares[square] == 'K' || squares[square] == 'k';
+        const bool is_pawn = letter == 'P' || letter == 'p';
+        if (!taken && (!is_pawn || (square >= 8 && square < 56))) squares[square] = letter;
+        return !taken;
+    };
+    place('K');
+    while (!place('k')) continue;
+    for (unsigned i = 0; i < men; ++i) place("QRBNPPqrbnpp"[random.next() % 12]);
+    return squares + (random.next() % 2 == 0 ? " w - -" : " b - -");
 }
 
 /// The squares from `square` in steps of ranks and files, up to the edge or to the first one of `blockers`, included.

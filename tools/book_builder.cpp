@@ -61,7 +61,7 @@ void collect_rows(const BookNode& node, const std::string& moves, long fewest_ga
 BookCounts add_games(std::istream& pgn, const std::string& name, int plies, BookNode& root, std::ostream& complaints) {
     BookCounts counts;
     PgnReader reader(pgn);
-    Progress progress("games of " + name);
+    Progress progress("games of " + name, Result::to_file);
     while (const auto game = reader.next()) {
         progress.show(game->number);
         if (game->starts_from_position) {

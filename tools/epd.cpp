@@ -200,12 +200,14 @@ Conversion convert_epd_line(std::string_view epd) {
 }
 
 int convert_epd(std::istream& epd, std::ostream& suite, std::ostream& messages) {
-    Progress progress("lines");
+    Progress progress("lines", Result::to_standard_output);
     int refused = 0;
     std::string line;
     for (int number = 1; std::getline(epd, line); ++number) {
         progress.show(number);
-        if (std::ranges::all_of(line, is_blank)) continue;
+        std::string_view rest = line;
+        skip_blanks(rest);
+        if (rest.empty() || rest.starts_with('#')) continue;
         const Conversion conversion = convert_epd_line(line);
         const bool converted = conversion.refusal.empty();
         if (converted) suite << conversion.line << '\n';

@@ -24,8 +24,8 @@ struct Conversion {
 /// capture is refused, as no suite can hold it.
 Conversion convert_epd_line(std::string_view epd);
 
-/// Converts line by line, and says on `messages`, with the line's number, what it refuses or notes; blank lines count,
-/// but go nowhere. Returns how many lines it refused.
+/// Converts line by line, and says on `messages`, with the line's number, what it refuses or notes; blank lines and
+/// comments, which begin with "#", count but go nowhere. Returns how many lines it refused.
 int convert_epd(std::istream& epd, std::ostream& suite, std::ostream& messages);
 
 }  // namespace varn

@@ -1,13 +1,12 @@
 // Solves king and pawn against king, and looks after the files of the annealing, all in the working directory.
-//
-// Usage:
-//   kpk_bitbase                 writes kpkbb: every placement with white to move, 1 for a win of white, 0 for a draw
-//   kpk_bitbase anneal MOVES    makes wkpk.eb from kpkbb as the console does, with so many moves
-//   kpk_bitbase check           tells whether the boxes of wkpk.eb hold exactly the draws of kpkbb
+#include <charconv>
+#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "board/zobrist.h"
 #include "kpk_check.h"
@@ -17,6 +16,12 @@
 
 namespace varn {
 namespace {
+
+constexpr const char* usage =
+    "usage: kpk_bitbase [anneal MOVES | check]\n"
+    "kpk_bitbase                 writes kpkbb: every placement with white to move, 1 for a win of white, 0 for a draw\n"
+    "kpk_bitbase anneal MOVES    makes wkpk.eb from kpkbb as the console does, with so many moves\n"
+    "kpk_bitbase check           tells whether the boxes of wkpk.eb hold exactly the draws of kpkbb\n";
 
 bool write_bitbase() {
     const auto wins = solve_kpk();
@@ -36,17 +41,31 @@ bool check() {
     return positions && covers_exactly(patterns_file_name, positions->drawn);
 }
 
-bool run(std::string_view task, const char* moves) {
+bool anneal(std::uint64_t moves) {
+    AnnealRun run;
+    anneal_kpk(
+        run, *new_game(), [](const PositionRemarks&) {}, moves);
+    return run.list != nullptr && run.is_written;
+}
+
+std::optional<std::uint64_t> number(std::string_view text) {
+    std::uint64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(value) : std::nullopt;
+}
+
+bool run(std::span<const std::string_view> arguments) {
     draw_hash_numbers(1);
-    if (task.empty()) return write_bitbase();
-    if (task == "check") return check();
-    if (task == "anneal" && moves != nullptr) {
-        AnnealRun run;
-        anneal_kpk(
-            run, *new_game(), [](const PositionRemarks&) {}, std::strtoull(moves, nullptr, 10));
-        return run.list != nullptr && run.is_written;
-    }
-    std::printf("usage: kpk_bitbase [anneal MOVES | check]\n");
+    const std::string_view task = arguments.empty() ? "" : arguments[0];
+    if (arguments.empty()) return write_bitbase();
+    if (arguments.size() == 1 && task == "check") return check();
+    if (arguments.size() == 1 && task == "--help") return std::fputs(usage, stdout) >= 0;
+    const auto moves = arguments.size() == 2 && task == "anneal" ? number(arguments[1]) : std::nullopt;
+    if (moves) return anneal(*moves);
+    static_cast<void>(
+        std::fputs("kpk_bitbase: it takes `check`, `anneal` with a number of moves, or nothing; --help tells "
+                   "its use\n",
+                   stderr));
     return false;
 }
 
@@ -54,6 +73,6 @@ bool run(std::string_view task, const char* moves) {
 }  // namespace varn
 
 int main(int argument_count, char** arguments) {
-    const char* task = argument_count > 1 ? arguments[1] : "";
-    return varn::run(task, argument_count > 2 ? arguments[2] : nullptr) ? 0 : 1;
+    const std::vector<std::string_view> given(arguments + 1, arguments + argument_count);
+    return varn::run(given) ? 0 : 1;
 }

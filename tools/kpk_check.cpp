@@ -109,8 +109,8 @@ bool can_cover(std::vector<Readings> lines, Positions left) {
     });
 }
 
-bool complain(const char* text, std::size_t line) {
-    std::printf("line %zu: %s\n", line, text);
+bool complain(const char* file_name, std::size_t line, const char* text) {
+    std::printf("%s, line %zu: %s\n", file_name, line, text);
     return false;
 }
 
@@ -122,21 +122,26 @@ bool covers_exactly(const char* file_name, std::span<const Pattern> drawn) {
         all_positions(position, [&](std::size_t index) { return positions.set(index), true; });
     }
     std::ifstream file(file_name);
+    if (!file) {
+        std::printf("can't open %s\n", file_name);
+        return false;
+    }
     std::size_t count = 0;
     std::string side;
-    if (!(file >> count >> side) || side != "w") return complain("neither a number of boxes nor a side", 1);
+    if (!(file >> count >> side) || side != "w") return complain(file_name, 1, "neither a number of boxes nor a side");
 
     std::vector<Readings> lines;
     std::string numbers[field_count], result;
     while (file >> numbers[0] >> numbers[1] >> numbers[2] >> result) {
         lines.push_back(boxes_of(numbers, positions));
-        if (result != "0") return complain("another result than 0", lines.size() + 1);
-        if (lines.back().empty()) return complain("no box of the positions", lines.size() + 1);
+        if (result != "0") return complain(file_name, lines.size() + 1, "another result than 0");
+        if (lines.back().empty()) return complain(file_name, lines.size() + 1, "no box of the positions");
     }
-    if (lines.size() != count) return complain("here the boxes end, and that isn't their number", lines.size() + 1);
+    if (lines.size() != count)
+        return complain(file_name, lines.size() + 1, "here the boxes end, and that isn't their number");
     const bool is_exact = can_cover(lines, positions);
-    std::printf("%zu boxes %s exactly the %zu positions, each once\n", count, is_exact ? "hold" : "don't hold",
-                positions.count());
+    std::printf("%s: %zu boxes %s exactly the %zu positions, each once\n", file_name, count,
+                is_exact ? "hold" : "don't hold", positions.count());
     return is_exact;
 }
 

@@ -1,11 +1,8 @@
 // Builds an opening book out of games in PGN.
 //
-// Usage: pgn_book [--plies N] [--games N] file.pgn ... >book.dat
-//
-// A line of the book has up to N plies (20), and at least N games (3) began with it. Games that start from a set-up
-// position are left out. Games that can't be read are named on the error stream, and the exit status is then 1; it is 2
-// where a file itself fails.
+// The book is written when all games have been read, and takes the place of an old one only as a whole.
 #include <charconv>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <optional>
@@ -13,6 +10,7 @@
 
 #include "board/zobrist.h"
 #include "book_builder.h"
+#include "patterns/pattern_files.h"
 
 namespace {
 
@@ -22,11 +20,21 @@ constexpr int unusable = 2;
 // Of the engine's book: it is asked for the first 22 moves, and holds 10000 rows.
 constexpr int most_plies = 22;
 constexpr std::size_t most_rows = 10000;
+constexpr int most_games = 1000000000;
+
+void print_usage() {
+    std::cout << "usage: pgn_book [--plies N] [--games N] --output book.dat file.pgn ...\n"
+              << "A line of the book has up to N plies (20; 1 to " << most_plies << "), and at least N games (3) began "
+              << "with it.\nGames that start from a set-up position are left out. Games that can't be read are named "
+              << "on the error stream, and\nthe exit status is then 1; it is 2 where no book is written.\n";
+}
 
 struct Options {
     int plies = 20;
     int games = 3;
+    std::string output;
     std::vector<std::string> files;
+    std::string fault;  // empty where the options can be used
 };
 
 std::optional<int> number(std::string_view text, int most) {
@@ -36,53 +44,79 @@ std::optional<int> number(std::string_view text, int most) {
     return whole && value >= 1 && value <= most ? std::optional(value) : std::nullopt;
 }
 
-std::optional<Options> read_options(const std::vector<std::string>& arguments) {
-    constexpr int most_games = 1000000000;
+/// Takes a number from 1 to `most`, or notes that it is none.
+void take_number(const std::string& option, const std::string& text, int most, int& value, Options& options) {
+    const auto read = number(text, most);
+    if (read) {
+        value = *read;
+    } else {
+        options.fault = option + " takes a number from 1 to " + std::to_string(most) + ", not \"" + text + "\"";
+    }
+}
+
+Options read_options(const std::vector<std::string>& arguments) {
     Options options;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const bool plies = arguments[i] == "--plies";
-        if (!plies && arguments[i] != "--games") {
-            options.files.push_back(arguments[i]);
+    for (std::size_t i = 0; i < arguments.size() && options.fault.empty(); ++i) {
+        const std::string& argument = arguments[i];
+        if (!argument.starts_with("--")) {
+            options.files.push_back(argument);
             continue;
         }
-        const auto value =
-            ++i < arguments.size() ? number(arguments[i], plies ? most_plies : most_games) : std::nullopt;
-        if (!value) return std::nullopt;
-        (plies ? options.plies : options.games) = *value;
+        const std::string value = i + 1 < arguments.size() ? arguments[++i] : "";
+        if (argument == "--plies") {
+            take_number(argument, value, most_plies, options.plies, options);
+        } else if (argument == "--games") {
+            take_number(argument, value, most_games, options.games, options);
+        } else if (argument == "--output") {
+            options.output = value;
+        } else {
+            options.fault = "there is no option " + argument;
+        }
     }
-    return options.files.empty() ? std::nullopt : std::optional(options);
+    if (!options.fault.empty()) return options;
+    if (options.output.empty()) options.fault = "--output has to name the book";
+    if (options.files.empty()) options.fault = "there are no games to read";
+    for (const std::string& file : options.files) {
+        std::error_code no_such_file;
+        if (std::filesystem::equivalent(file, options.output, no_such_file))
+            options.fault = "the book would replace " + file;
+    }
+    return options;
+}
+
+int complain(const std::string& text) {
+    std::cerr << "pgn_book: " << text << '\n';
+    return unusable;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    const auto options = read_options({argv + 1, argv + argc});
-    if (!options) {
-        std::cerr << "usage: pgn_book [--plies 1.." << most_plies << "] [--games N] file.pgn ... >book.dat\n";
-        return unusable;
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (arguments == std::vector<std::string>{"--help"}) {
+        print_usage();
+        return 0;
     }
+    const Options options = read_options(arguments);
+    if (!options.fault.empty()) return complain(options.fault + "; --help tells its use");
     varn::draw_hash_numbers(0);
     varn::BookNode root;
     varn::BookCounts all;
-    for (const std::string& name : options->files) {
+    for (const std::string& name : options.files) {
         std::ifstream file(name, std::ios::binary);
-        const varn::BookCounts counts = varn::add_games(file, name, options->plies, root, std::cerr);
-        if (!file.is_open() || file.bad()) {
-            std::cerr << name << " can't be read\n";
-            return unusable;
-        }
+        const varn::BookCounts counts = varn::add_games(file, name, options.plies, root, std::cerr);
+        if (!file.is_open() || file.bad()) return complain(name + " can't be read");
         all.used += counts.used;
         all.set_up += counts.set_up;
         all.unreadable += counts.unreadable;
     }
     long games_per_row = 1;
-    const auto rows = varn::book_rows(root, options->games, most_rows, games_per_row);
-    for (const std::string& row : rows) std::cout << row << '\n';
-    if (!std::cout.flush()) {
-        std::cerr << "the book is incomplete: writing failed\n";
-        return unusable;
-    }
+    const auto rows = varn::book_rows(root, options.games, most_rows, games_per_row);
     std::cerr << all.used << " games used, " << all.set_up << " from a set-up position left out, " << all.unreadable
               << " not readable; " << rows.size() << " rows, " << games_per_row << " games a row\n";
+    if (rows.empty()) return complain("no line was played often enough: " + options.output + " isn't written");
+    std::string text;
+    for (const std::string& row : rows) text += row + '\n';
+    if (!varn::write_whole_file(options.output, text)) return complain("can't write " + options.output);
     return all.unreadable == 0 ? 0 : some_unreadable;
 }

@@ -4,17 +4,23 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 
 namespace varn {
 
+/// Where a program's result goes: a progress line would come in between on a terminal.
+enum class Result : std::uint8_t { to_standard_output, to_file };
+
 /// A line on the error stream that is written anew as the count grows. It appears where that stream is a terminal and
-/// the output goes elsewhere, and only once a run has taken longer than two seconds.
+/// the result goes elsewhere, and only once a run has taken longer than two seconds.
 class Progress {
 public:
-    /// What is counted, as in "lines".
-    explicit Progress(std::string unit) : unit_(std::move(unit)) {}
+    /// `unit`: what is counted, as in "lines".
+    Progress(std::string unit, Result result)
+        : unit_(std::move(unit)),
+          watched_(isatty(STDERR_FILENO) == 1 && (result == Result::to_file || isatty(STDOUT_FILENO) == 0)) {}
     ~Progress() { erase(); }
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -37,7 +43,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     std::string unit_;
-    bool watched_ = isatty(STDERR_FILENO) == 1 && isatty(STDOUT_FILENO) == 0;
+    bool watched_;
     bool shown_ = false;
     Clock::time_point next_ = Clock::now() + std::chrono::seconds(2);
 };

@@ -3,16 +3,23 @@
 #pragma once
 
 #include <bit>
+#include <cassert>
 
 #include "board/types.h"
 
 namespace varn {
 
-constexpr Bitboard bit_mask(int square) { return Bitboard{1} << square; }
+constexpr Bitboard bit_mask(int square) {
+    assert(square >= 0 && square < square_count);
+    return Bitboard{1} << square;
+}
 constexpr Bitboard not_bit(int square) { return ~bit_mask(square); }
 
 /// The lowest square of a board that must not be empty.
-constexpr int first_one(Bitboard board) { return std::countr_zero(board); }
+constexpr int first_one(Bitboard board) {
+    assert(board != 0);
+    return std::countr_zero(board);
+}
 
 /// The lowest square of a board that must not be empty; it is cleared in the board given.
 constexpr int pop_first(Bitboard& board) {

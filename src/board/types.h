@@ -2,6 +2,7 @@
 // Everything here is a plain value; nothing here knows a position.
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 
@@ -12,14 +13,20 @@ namespace varn {
 template <typename T, int N> struct Table {
     T slots[N];
 
-    constexpr T& operator[](auto index) { return slots[static_cast<std::ptrdiff_t>(index)]; }
-    constexpr const T& operator[](auto index) const { return slots[static_cast<std::ptrdiff_t>(index)]; }
+    constexpr T& operator[](auto index) { return slots[checked(static_cast<std::ptrdiff_t>(index))]; }
+    constexpr const T& operator[](auto index) const { return slots[checked(static_cast<std::ptrdiff_t>(index))]; }
     constexpr T* begin() { return slots; }
     constexpr T* end() { return slots + N; }
     constexpr const T* begin() const { return slots; }
     constexpr const T* end() const { return slots + N; }
     static constexpr int size() { return N; }
     friend constexpr bool operator==(const Table&, const Table&) = default;
+
+private:
+    static constexpr std::ptrdiff_t checked(std::ptrdiff_t index) {
+        assert(index >= 0 && index < N);
+        return index;
+    }
 };
 
 /// Bit n stands for square n. Squares run along each rank from the h-file to the a-file: h1 = 0, a1 = 7, h8 = 56,

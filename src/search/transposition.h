@@ -7,6 +7,7 @@
 // stores take from it, and only a slot without credit can be taken over.
 #pragma once
 
+#include <cassert>
 #include <optional>
 #include <string>
 
@@ -49,7 +50,10 @@ template <typename Entry> struct HashTable {
     Divisor entries = divisor(1);
     std::uint16_t generation = 1;
 
-    Entry& slot(std::uint64_t key) const { return slots[remainder(key, entries)]; }
+    Entry& slot(std::uint64_t key) const {
+        assert(slots != nullptr);
+        return slots[remainder(key, entries)];
+    }
 };
 using TranspositionTable = HashTable<HashEntry>;
 using QuiescenceTable = HashTable<QhashEntry>;

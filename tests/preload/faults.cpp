@@ -21,7 +21,7 @@ template <typename Function> Function* next(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-constexpr std::size_t largest_block = 4U << 20U;  // where memory is short
+constexpr std::size_t largest_block = 28U << 20U;  // where memory is short; a search and its lists still fit
 bool is_refused(std::size_t bytes) { return bytes > largest_block && is_fault("memory"); }
 
 constexpr std::int64_t ms_until_fault = 200;  // from the first time that the clock is read

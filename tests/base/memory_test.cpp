@@ -1,0 +1,20 @@
+// Memory for the large tables.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "base/memory.h"
+
+namespace varn {
+namespace {
+
+TEST(Memory, BlocksAreZeroedAndNeverLargerThanTheMachine) {
+    const auto block = zeroed_block<std::uint64_t>(1 << 20);
+    ASSERT_NE(block, nullptr);
+    EXPECT_TRUE(std::all_of(block.get(), block.get() + (1 << 20), [](std::uint64_t word) { return word == 0; }));
+    EXPECT_EQ(zeroed_block<std::uint64_t>(std::uint64_t{1} << 60), nullptr);
+    EXPECT_EQ(zeroed_block<std::uint64_t>((std::uint64_t{1} << 61) + 1), nullptr);  // 8 bytes, if it wrapped round
+}
+
+}  // namespace
+}  // namespace varn

@@ -1,0 +1,51 @@
+// Moves as others write them, read on a board.
+#include <gtest/gtest.h>
+
+#include "board/san_reader.h"
+#include "positions.h"
+#include "tables.h"
+
+namespace varn {
+namespace {
+
+/// A move with its whole from-square, spelled with all signs that belong to it and one that may not.
+std::string long_text(const Game& game, Move move) {
+    const char man = piece_letter(man_of(game.cells[move.from]));
+    const bool captures = game.cells[move.to] != no_piece || move.kind == kind_en_passant;
+    std::string text = square_text(move.from) + (captures ? 'x' : '-') + square_text(move.to);
+    if (man != 'P') text = man + text;
+    if (is_promotion(move.kind)) text += std::string("=") + piece_letter(man_of(move.kind));
+    return text + (move.kind == kind_en_passant ? " e.p." : "") + "+!?";
+}
+
+TEST(SanReader, ReadsEachMoveOfRandomGamesHoweverItIsSpelled) {
+    visit_random_games(41, 60, [](const Game& game) {
+        for (const Move move : every_legal_move(game)) {
+            std::string san = san_text(game, move);
+            if (san.ends_with('+') || san.ends_with('#')) san.pop_back();
+            for (const std::string& text : {san, san + '#', move_text(move), long_text(game, move)}) {
+                EXPECT_EQ(read_san(game, text), move) << text;
+            }
+        }
+        ASSERT_FALSE(::testing::Test::HasFailure()) << position_text(game);
+    });
+}
+
+TEST(SanReader, TakesWhatLeavesOneMove) {
+    for (const auto& row : table_rows("san_read.txt")) {
+        const std::vector<char> exact(row.at(1).begin(), row.at(1).end());  // a sanitizer sees a read past its end
+        const auto move = read_san(*game_from(row.at(0)), {exact.data(), exact.size()});
+        EXPECT_EQ(move ? move_text(*move) : "-", row.at(2)) << row.at(0) << ' ' << row.at(1);
+    }
+    auto game = game_from("2r1k3/1P6/8/2pP4/4B3/8/8/4K3 w - -");
+    game->enpassant = bit_mask(square_from_text("c6"));
+    game->ep_side = Side::white;
+    for (const char* text : {"dxc6", "dc6", "dxc6 e.p.", "dxc6ep", "d5xc6e.p.!"}) {
+        const auto move = read_san(*game, text);
+        EXPECT_TRUE(move && move->kind == kind_en_passant) << text;
+    }
+    EXPECT_FALSE(read_san(*game, "c6"));  // a capture names the pawn's file
+}
+
+}  // namespace
+}  // namespace varn

@@ -1,0 +1,87 @@
+// The record of a search: searches that share nothing, and what a new game and a new position clear.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "search/record.h"
+#include "search_test.h"
+
+namespace varn {
+namespace {
+
+/// All that a search tells of itself, but for its times.
+std::string told_by_a_search(const std::vector<std::string>& texts) {
+    const auto s = small_search();
+    std::string told;
+    SearchListener listener;
+    listener.search_started = [&] { told += "started\n"; };
+    listener.line_improved = [&](const SearchReport& report) {
+        told += position_text(report.game);
+        for (const int number : {report.depth, report.score, static_cast<int>(report.nodes),
+                                 static_cast<int>(report.quiescent_nodes), report.line.length}) {
+            told += ' ' + std::to_string(number);
+        }
+        for (int i = 0; i < report.line.length; ++i) told += ' ' + move_text(report.line.moves[i]);
+        told += '\n';
+    };
+    listener.iteration_finished = listener.line_improved;
+    for (const std::string& text : texts) {
+        const auto game = game_from(text);
+        const auto move = think(*s, *game, {.depth = 5}, listener);
+        told += move ? move_text(*move) : "none";
+        told += s->predicted_move ? move_text(*s->predicted_move) + '\n' : "\n";
+    }
+    return told;
+}
+
+/// Under a thread sanitizer, too: whatever two searches shared would be seen.
+TEST(SearchThreads, TwoSearchesAtOnceTellWhatEachTellsAlone) {
+    const std::vector<std::string> texts[] = {{start_text, known_positions[2].text, known_positions[3].text},
+                                              {middle_text, known_positions[4].text, known_positions[5].text}};
+    const std::string alone[] = {told_by_a_search(texts[0]), told_by_a_search(texts[1])};
+    std::string together[2];
+    std::thread other([&] { together[1] = told_by_a_search(texts[1]); });
+    together[0] = told_by_a_search(texts[0]);
+    other.join();
+    for (const int i : {0, 1}) {
+        EXPECT_EQ(together[i], alone[i]);
+        EXPECT_GT(std::ranges::count(alone[i], '\n'), 20);
+    }
+}
+
+TEST(SearchRecord, IsClearedForAGameAndForAPosition) {
+    const auto s = small_search();
+    const auto game = game_from(start_text);
+    const int i = killer_index(*game, 0);
+    const auto fill = [&] {
+        s->killers.killer_one[i].count = 3;
+        s->history[Side::black][e1][e8] = 5;
+        hash_store(s->tables.transposition_table, *game, 3, std::nullopt, 0, bound_exact);
+        qhash_store(s->tables.quiescence_table, *game, 0, bound_exact);
+        pawn_hash_store(s->eval.pawns, *game, 0, 0, 0);
+    };
+    const auto is_clear = [&] {
+        return s->history[Side::black][e1][e8] == 0 && hash_probe(s->tables.transposition_table, *game, 0) == nullptr &&
+               qhash_probe(s->tables.quiescence_table, *game) == nullptr &&
+               pawn_hash_probe(s->eval.pawns, *game) == nullptr;
+    };
+    fill();
+    clear_tables(*s);
+    EXPECT_TRUE(is_clear());
+    EXPECT_EQ(s->killers.killer_one[i].count, 3);
+    fill();
+    clear_for_position(*s);
+    EXPECT_TRUE(is_clear());
+    EXPECT_EQ(s->killers.killer_one[i].count, 0);
+}
+
+TEST(SearchRecord, NamesTheTableThatCannotBeHad) {
+    const auto s = new_search();
+    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 31}), TableFault::transposition);
+    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 4, .qhash_bytes = 0}), TableFault::quiescence);
+    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 4, .qhash_bytes = 40, .phash_bytes = -1}), TableFault::pawns);
+    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 4, .qhash_bytes = 40, .phash_bytes = 16}), TableFault::none);
+}
+
+}  // namespace
+}  // namespace varn

@@ -1,0 +1,291 @@
+// Thinking on the opponent's time: what stops the search on the second thread and what doesn't, whose clock it runs by,
+// and long random dialogues, which a thread sanitizer watches.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <map>
+#include <set>
+#include <thread>
+
+#include "dialogue.h"
+#include "frontend/numbers.h"
+#include "positions.h"
+#include "small_engine.h"
+#include "xboard/pondering.h"
+
+namespace varn {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+/// Without the lines that a search prints, which all begin with a blank.
+std::string without_search_lines(std::string_view text) {
+    std::string rest;
+    for (const std::string& line : split(text, "\n")) {
+        if (!line.empty() && line.front() != ' ') rest += line + '\n';
+    }
+    return rest;
+}
+
+/// The protocol in this process, which says nothing but by it while it lives: what a test finds it says afterwards.
+class Session {
+public:
+    explicit Session(const Game& game = *new_game()) {
+        *engine.game = game;
+        set_base_position(engine);
+        engine.search->clock.time_limit_ms = 1 << 30;
+        testing::internal::CaptureStdout();
+    }
+    ~Session() {
+        xboard_step(protocol, "force\n");
+        testing::internal::GetCapturedStdout();
+    }
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    std::string say(const std::string& line) {
+        xboard_step(protocol, line + '\n');
+        const std::string said = testing::internal::GetCapturedStdout();
+        testing::internal::CaptureStdout();
+        return without_search_lines(said);
+    }
+
+    SmallEngine engine;
+    Protocol protocol = Protocol(engine);
+};
+
+/// Whether a search was started on the other thread and has not been dealt with.
+bool is_pondering(const Session& session) { return is_pondering(session.protocol.pondering); }
+
+// --- Stopping -------------------------------------------------------------------------------------------------------
+
+TEST(Ponder, IsStoppedByWhateverTouchesTheSearch) {
+    const std::set<std::string> stopping = {"go",   "hint",   "new",   "result *", "RESULT",
+                                            "undo", "remove", "force", "easy"};
+    std::set<std::string> lines = {"hard",  "post",  "nopost", "sd 50",   "level 9 5 0", "otim 1",
+                                   "",      "ping",  "a1a8",   "?",       "protover 2",  "accepted x",
+                                   "white", "black", "random", "computer"};
+    lines.insert(stopping.begin(), stopping.end());
+    std::set<std::string> began, stopped, with_a_limit;
+    {
+        Session session;
+        for (const std::string& line : lines) {
+            for (const char* preparation : {"new", "level 40 5 0", "hard", "time 2", "e2e4"}) session.say(preparation);
+            if (is_pondering(session)) began.insert(line);
+            session.say(line);
+            if (!is_pondering(session)) stopped.insert(line);
+            if (!is_pondering(session) && session.engine.search->clock.time_limit_ms != 0) with_a_limit.insert(line);
+        }
+    }
+    EXPECT_EQ(began, lines);
+    EXPECT_EQ(stopped, stopping);
+    EXPECT_EQ(with_a_limit, std::set<std::string>()) << "not the limit of the engine's own moves";
+}
+
+TEST(Ponder, EndsWithTheGame) {
+    auto game = game_from("k7/7r/8/8/8/8/R7/7K w - -");
+    game->fifty = 97;
+    std::vector<bool> pondering;
+    std::string said;
+    {
+        Session session(*game);
+        for (const char* line : {"level 40 5 0", "time 2", "h1g1", "a2b2"}) {
+            said = session.say(line);
+            pondering.push_back(is_pondering(session));
+        }
+    }
+    EXPECT_EQ(pondering, (std::vector{false, false, true, false}));
+    EXPECT_EQ(said, "1/2-1/2 {Draw by 50 move rule}\n");
+}
+
+// --- The clock ------------------------------------------------------------------------------------------------------
+
+TEST(Ponder, AHitIsAnsweredWhenItsTimeIsUsedUp) {
+    Partner partner;
+    Process& engine = partner.process();
+    const auto expected_move = [&] {
+        engine.read_until("pondering: ");
+        return engine.read_until("\n");
+    };
+    const auto time_of_answer = [&](const std::string& line) {
+        const auto started = steady_clock::now();
+        engine.send(line);
+        engine.read_until("move ");
+        return std::chrono::duration_cast<milliseconds>(steady_clock::now() - started);
+    };
+    constexpr milliseconds limit(2000), a_little(20);
+    engine.send("level 40 5 0\ntime 8002\ne2e4\n");
+    // The first hit comes without a `time` line: the search has what the last move had, from now on.
+    EXPECT_GE(time_of_answer(expected_move()), limit - a_little);
+    // The second comes behind such a line, from which its time counts.
+    const std::string hit = expected_move();
+    engine.send("time 7602\n");  // of 38 moves
+    std::this_thread::sleep_for(limit * 3 / 4);
+    EXPECT_LE(time_of_answer(hit), limit * 3 / 4);
+}
+
+// --- Random dialogues -----------------------------------------------------------------------------------------------
+
+/// A client that says anything at any time, and knows by a game of its own what must come of it.
+class RandomClient {
+public:
+    explicit RandomClient(std::uint64_t seed) : random_(seed) {
+        say("level 40 5 0", "level");
+        say("time 1", "time");
+        begin_game("new");
+    }
+
+    /// The first answer that wasn't as it should have been, or what else was wrong then.
+    std::string fault;
+    /// How often each kind of line met a search.
+    std::map<std::string, int> met_search;
+
+    void say_something() {
+        const std::string result = result_text(*game_);
+        const std::uint64_t choice = random_.below(100);
+        if (choice == 0 || (!result.empty() && choice < 50)) {
+            begin_game(any({"new", "result 1-0 {White mates}", "RESULT"}));
+        } else if (choice < 50) {
+            play();
+        } else if (choice < 60 && !posting_) {  // the hint would begin with the search's lines
+            stop("hint");
+            check(result.empty() && answer_.starts_with("Hint: ") ? answer_ : result);
+        } else if (choice < 65 && !every_legal_move(*game_).empty()) {  // else the process would end
+            stop("go");
+            forced_ = false;
+            check(reply());
+        } else if (choice < 75) {
+            choice < 70 ? take_back("undo", 1) : take_back("remove", 2);
+        } else if (choice < 80) {
+            say("ping 1", "ping");
+            check(result.empty() ? "Illegal Move: ????\n" : result);
+        } else {
+            set(any({"", " ", "?", "otim 1", "level 40 5 0", "level 0 5 0", "level x", "sd 4", "hard", "hard", "hard",
+                     "easy", "force", "post", "nopost", "nopost"}));
+        }
+    }
+
+private:
+    bool one_in(std::uint64_t cases) { return random_.below(cases) == 0; }
+    std::string any(std::initializer_list<const char*> texts) { return texts.begin()[random_.below(texts.size())]; }
+
+    /// Waits before as a client may: mostly not at all.
+    void say(const std::string& line, const std::string& kind) {
+        if (one_in(3)) std::this_thread::sleep_for(std::chrono::microseconds(random_.below(3000)));
+        if (pondered_) ++met_search[kind];
+        line_ = line;
+        answer_ = session_.say(line);
+    }
+
+    /// A line that ends the search.
+    void stop(const std::string& line) {
+        say(line, line);
+        pondered_.reset();
+    }
+
+    void check(std::string_view expected) {
+        if (!fault.empty()) return;
+        const Game& game = *session_.engine.game;
+        if (answer_ != expected) fault = "\"" + answer_ + "\" instead of \"" + std::string(expected) + '"';
+        if (!same_game(game, *game_)) fault += ", the engine has " + position_text(game);
+        if (is_pondering(session_) != pondered_.has_value()) {
+            fault += ", pondering is " + std::to_string(is_pondering(session_));
+        }
+        if (!fault.empty()) fault = line_ + ": " + fault + " in " + position_text(*game_);
+    }
+
+    void set(const std::string& line) {
+        say(line, line);
+        if (line == "hard" || line == "easy") allowed_ = line == "hard";
+        if (line == "post" || line == "nopost") posting_ = line == "post";
+        if (line == "force") forced_ = true;
+        if (line == "easy" || line == "force") pondered_.reset();
+        check("");
+    }
+
+    void begin_game(const std::string& line) {
+        stop(line);
+        forced_ = posting_ = false;
+        *game_ = start_;
+        check("");
+        // Mostly a search that ends by itself before long: so many more lines can be said.
+        set("sd " + any({"1", "2", "3", "4", "4", "5", "99"}));
+    }
+
+    void play() {
+        if (one_in(2)) say("time " + std::to_string(random_.below(60)), "time");
+        const std::string before = result_text(*game_);
+        const std::vector<Move> moves = every_legal_move(*game_);
+        Move move = moves.empty() ? Move{} : moves[random_.below(moves.size())];
+        if (pondered_ && one_in(2)) move = *pondered_;
+        say(move_text(move), pondered_ == move ? "hit" : "miss");
+        pondered_.reset();
+        if (!before.empty()) return check(before);
+        play_move(*game_, move);
+        const std::string after = result_text(*game_);
+        if (!after.empty() || forced_) return check(after);
+        std::string expected = reply();
+        const std::string end = result_text(*game_);
+        expected += !end.empty() || !allowed_ ? end : pondering();
+        check(expected);
+    }
+
+    void take_back(const std::string& line, int moves) {
+        stop(line);
+        const Game played = *game_;
+        *game_ = start_;
+        for (int i = 0; i < played.move_counter - moves; ++i) play_move(*game_, played.game_moves[i]);
+        check("");
+    }
+
+    /// The engine's move, out of its game; it must follow from the client's.
+    std::string reply() {
+        const Game& game = *session_.engine.game;
+        const Move reply = game.game_moves[game_->move_counter];
+        if (game.move_counter != game_->move_counter + 1 || !is_valid_move(*game_, reply)) return "a legal move";
+        play_move(*game_, reply);
+        return "move " + move_text(reply) + '\n';
+    }
+
+    /// What is said behind a move where pondering is allowed: whether it begins depends on what the search expects.
+    std::string pondering() {
+        std::string enabled = "pondering enabled\n";
+        const std::string begins = "i am going to try to ponder\npondering: ";
+        const std::size_t found = answer_.find(begins);
+        if (found == std::string::npos) return enabled;
+        const Move move = parse_move(*game_, answer_.substr(found + begins.size()));
+        if (!is_valid_move(*game_, move)) return "a legal move";
+        pondered_ = move;
+        return enabled + begins + move_text(move) + '\n';
+    }
+
+    RandomSource random_;
+    const Game start_ = *new_game();
+    std::unique_ptr<Game> game_ = std::make_unique<Game>(start_);
+    bool forced_ = false, allowed_ = true, posting_ = false;
+    std::optional<Move> pondered_;
+    std::string line_, answer_;
+    Session session_;
+};
+
+TEST(Ponder, RandomDialoguesLeaveTheRightGame) {
+    const char* wanted = std::getenv("VARN_PONDER_LINES");
+    std::string_view number = wanted != nullptr ? wanted : "2500";
+    const int lines = take_number(number).value_or(0);
+    std::string fault;
+    std::map<std::string, int> met_search;
+    {
+        RandomClient client(static_cast<std::uint64_t>(lines));
+        for (int i = 0; i < lines && client.fault.empty(); ++i) client.say_something();
+        fault = client.fault;
+        met_search = client.met_search;
+    }
+    EXPECT_EQ(fault, "");
+    for (const char* kind : {"hit", "miss", "time", "go", "hint", "new", "RESULT", "undo", "remove", "force", "easy"}) {
+        EXPECT_GT(met_search[kind], 0) << kind;
+    }
+}
+
+}  // namespace
+}  // namespace varn

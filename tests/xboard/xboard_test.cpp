@@ -1,0 +1,194 @@
+// The protocol as a chess program meets it: transcripts of the real process, byte for byte but for the engine's choice
+// of moves, its clock, and whatever a client may do to it.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <regex>
+
+#include "dialogue.h"
+#include "positions.h"
+#include "small_engine.h"
+#include "xboard/xboard.h"
+
+namespace varn {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+TEST(Xboard, SpeaksAsInItsTranscripts) {
+    for_each_transcript("xboard.txt", [](const std::string& title, const std::string& transcript) {
+        SCOPED_TRACE(title);
+        const std::vector<std::string> parts = split(title, " | ");
+        Partner(parts.size() == 1 ? "" : parts[1] + '\n').expect(transcript);
+    });
+}
+
+TEST(Xboard, TakesAnyBytesForLines) {
+    Partner partner;
+    partner.expect("> \t\r; \f\v ; force\n");
+    for (const char* line : {"protover 3\n", "protover  99 x\n"}) {
+        partner.process().send(line);
+        EXPECT_EQ(partner.process().read_until("done=1\n"), features) << line;
+    }
+    EXPECT_EQ(partner.answer(std::string("e2\0e4; \x01\xff\x80\xfe; quit\r", 18)),
+              "Illegal Move: e2h2\nIllegal Move: ????\nIllegal Move: a3a3\n");
+    // A line that is too long counts as several.
+    partner.process().send(std::string(255, 'x') + std::string(255, ' ') + std::string(255, 'y') + "force\ne2e4\n");
+    EXPECT_EQ(partner.answer(std::string(250, ' ') + "e7e5"), "Illegal Move: h6h6\nIllegal Move: a6a6\n");
+    EXPECT_EQ(partner.answer("  g1f3  and more"), "");
+}
+
+// --- The clock ------------------------------------------------------------------------------------------------------
+
+TEST(Xboard, ATimeLineSetsTheBudgetOfTheNextMove) {
+    SmallEngine engine;
+    Protocol protocol(engine);
+    const std::uint32_t before = clock_ms();
+    EXPECT_EQ(printed([&] {
+                  xboard_step(protocol, "level 40 5 0\n");
+                  xboard_step(protocol, "time 30000\n");
+              }),
+              "got time: 299980\nturns left = 40\nallocating 7499 milliseconds for search.\n");
+    EXPECT_EQ(engine.search->clock.time_limit_ms, 7499);
+    EXPECT_LE(engine.search->clock.clock_start_ms - before, clock_ms() - before) << "the budget counts from the line";
+}
+
+TEST(Xboard, CountsItsAnswersButNotItsOpening) {
+    Partner partner;
+    for (const auto& [lines, turns] : {std::pair{"level 3 5 0", 3},
+                                       {"go", 3},
+                                       {"new; e2e4", 2},
+                                       {"new; d2d4", 3},  // a new game leaves the control as it was
+                                       {"force; undo; undo", 3}}) {
+        const std::string text = partner.answer(std::string(lines) + "; time 1");
+        EXPECT_EQ(text.substr(text.rfind("turns left")),
+                  "turns left = " + std::to_string(turns) + "\nallocating 10 milliseconds for search.\n");
+    }
+}
+
+// --- How a game goes and ends ---------------------------------------------------------------------------------------
+
+TEST(Xboard, SaysHowGamesEnd) {
+    for (const auto& row : table_rows("status.txt")) {
+        const std::string result = row.at(4) == "-" ? "" : row.at(4) + '\n';
+        EXPECT_EQ(result_text(*game_of_row(row)), result) << row.at(0) << row.at(1);
+    }
+}
+
+TEST(Xboard, AFullRecordIsADraw) {
+    SmallEngine engine;
+    engine.game->move_counter = max_game_moves - 1;
+    Protocol protocol(engine);
+    std::string said;
+    for (const char* line : {"force\n", "e2e4\n", "x\n", "go\n", "hint\n", "\n"}) {
+        said += printed([&] { xboard_step(protocol, line); });
+    }
+    const std::string once = "1/2-1/2 {Draw by game length}\n";
+    EXPECT_EQ(said, once + once + once + once);
+}
+
+TEST(Xboard, GoWithoutAMoveEndsIt) {
+    const Outcome outcome = run_console("setboard 7R/k7/2K5/8/8/8/8/1R6 b - -\nxboard\ngo\nx\n");
+    EXPECT_TRUE(outcome.output.ends_with("Varn> \nmove a7a6\nIllegal Move: ????\n")) << outcome.output;
+    const Outcome mated = run_console("setboard k6R/8/1K6/8/8/8/8/8 b - -\nxboard\ngo\nx\n");
+    EXPECT_EQ(mated.output, "Varn> Varn> \n");
+    EXPECT_EQ(mated.status, 0);
+}
+
+TEST(Xboard, SaysWhatItThinksOnRequest) {
+    const std::string said = Partner().answer("new; sd 2; post; go; nopost; go");
+    const std::string line = "  [12] +-?\\d+ +0 +\\d+      {0,3}[A-Za-h][^ \n]* [^\n]*\n", move = "move [a-h1-8]{4}\n";
+    EXPECT_TRUE(std::regex_match(said, std::regex('(' + line + ")+" + move + move))) << said;
+}
+
+TEST(Xboard, AnswersFromItsBookWithoutThinking) {
+    Files files = default_files();
+    files["book.dat"] = "e2e4e7e5g1f3\ne2e4e7e5g1f3\n";
+    Partner("", files).expect(
+        "> time 999999999; new; post; e2e4; hint\ngot time: 9999999970\nturns left = 0\n"
+        "allocating 249999999 milliseconds for search.\nmove e7e5\npondering enabled\nHint:   Nf3\n"
+        "> new; easy; e2e4; remove; go; remove\nmove e7e5\nmove e2e4\n");
+}
+
+// --- Clients that misbehave -----------------------------------------------------------------------------------------
+
+TEST(Xboard, EndsWhenItsClientIsGone) {
+    const std::pair<std::string, std::string> stages[] = {
+        {"e2e", "Varn> \n"},
+        {"new\n" + std::string(5000, 'x') + "\n", "h6h6\n"},
+        {"time 1\ne2e4\n", "pondering: "},
+        {"time 1\ne2e4\ntime 40000000\n", "pondering: "},
+        {"time 400000000\npost\ne2e4\n", "  5 "},  // the end of the input is seen behind the answer
+    };
+    for (const auto& [sent, awaited] : stages) {
+        for (const char* closed : {"output", "both", "input"}) {
+            if (*closed == 'i' && awaited == "  5 ") continue;
+            Process engine;
+            engine.send("xboard\n" + sent);
+            engine.read_until(awaited);
+            if (*closed != 'o') engine.close_input();
+            if (*closed != 'i') engine.close_output();
+            const Outcome outcome = engine.finish(std::chrono::seconds(60));
+            EXPECT_EQ(outcome.status, 0) << sent << closed << outcome.output;
+        }
+    }
+}
+
+TEST(Xboard, AnswersAllOfAnInputThatHasEnded) {
+    const Outcome outcome = run_console("xboard\ntime 100\nsd 4\ne2e4\nforce\nundo\nundo\nping\nquit");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(std::regex_search(outcome.output, std::regex("move [a-h1-8]{4}\npondering enabled\n")))
+        << outcome.output;
+    EXPECT_TRUE(outcome.output.ends_with("Illegal Move: ????\nIllegal Move: a3a3\n")) << outcome.output;
+}
+
+TEST(Xboard, IsNotInterrupted) {
+    Partner partner;
+    partner.answer("sd 9; post");
+    partner.process().send("e2e4\n");
+    for (const char* stage : {"  1 ", "move ", "pondering: "}) {
+        partner.process().read_until(stage);
+        partner.process().send_signal(SIGINT);
+    }
+    partner.answer("nopost");
+    partner.process().send("quit\n");
+    EXPECT_EQ(partner.process().finish().status, 0);
+}
+
+TEST(Xboard, WithoutASecondThreadItEndsWithAMessage) {
+    Partner partner;
+    partner.process().limit_memory(8U << 20U);  // half of what the thread asks for
+    partner.process().send("sd 2\ne2e4\n");
+    const Outcome outcome = partner.process().finish();
+    EXPECT_TRUE(outcome.output.ends_with("i am going to try to ponder\nerror: cannot start new search thread\n"))
+        << outcome.output;
+    EXPECT_EQ(outcome.status, 1);
+}
+
+// --- A whole game ---------------------------------------------------------------------------------------------------
+
+TEST(Xboard, PlaysItselfUnderAClock) {
+    constexpr int moves_per_control = 10, plies = 60;
+    constexpr milliseconds base(500), hold_up(5000);  // a busy machine may hold the engine up for a while
+    Partner partner;
+    partner.answer("new; level 10 0:01 0");
+    milliseconds clock = base;
+    auto game = new_game();
+    for (int ply = 0; ply < plies && protocol_status(*game) == GameStatus::goes_on; ++ply) {
+        const auto started = steady_clock::now();
+        partner.process().send("time " + std::to_string(clock.count() / 10) + "\ngo\n");
+        partner.process().read_until("move ");
+        const std::string line = partner.process().read_until("\n");
+        clock -= std::chrono::duration_cast<milliseconds>(steady_clock::now() - started);
+        EXPECT_GE(clock, -hold_up) << "lost on time at ply " << ply;
+        clock = std::max(clock, milliseconds(10));
+        if (ply % moves_per_control == moves_per_control - 1) clock += base;
+        const Move move = parse_move(*game, line);
+        ASSERT_TRUE(is_valid_move(*game, move)) << line << position_text(*game);
+        play_move(*game, move);
+    }
+}
+
+}  // namespace
+}  // namespace varn
