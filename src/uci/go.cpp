@@ -12,6 +12,7 @@
 #include "frontend/numbers.h"
 #include "frontend/perft.h"
 #include "uci/info.h"
+#include "uci/moves.h"
 #include "uci/uci.h"
 
 namespace varn {
@@ -47,16 +48,14 @@ std::optional<std::uint64_t> take_node_count(std::string_view& rest) {
     return word.size() > most_digits ? std::numeric_limits<std::uint64_t>::max() : std::stoull(std::string(word));
 }
 
-/// Legal moves, up to the first word that is none.
+/// The legal ones of the moves, up to the first word that names none.
 std::vector<Move> take_moves(const Game& game, std::string_view& rest) {
     std::vector<Move> moves;
     for (std::string_view after = rest; !after.empty(); rest = after) {
         const std::string_view word = take_word(after);
-        const bool is_move = word.size() >= 4 && square_from_text(word) >= 0 && square_from_text(word.substr(2)) >= 0;
-        if (!is_move) break;
-        const Move move = parse_move(game, word);
-        if (is_valid_move(game, move)) {
-            moves.push_back(move);
+        if (!is_move_shaped(word)) break;
+        if (const auto move = read_move(game, word)) {
+            moves.push_back(*move);
         } else {
             say_info("illegal move: " + std::string(word));
         }

@@ -6,25 +6,18 @@
 
 #include "base/output.h"
 #include "board/fen.h"
-#include "board/legality.h"
-#include "board/notation.h"
 #include "board/report.h"
 #include "frontend/command_line.h"
 #include "frontend/input.h"
 #include "frontend/version.h"
 #include "uci/info.h"
+#include "uci/moves.h"
 
 namespace varn {
 
 namespace {
 
 // --- The game -------------------------------------------------------------------------------------------------------
-
-/// A text that names two squares of the board and perhaps a piece; whether that is a move, the position tells.
-bool is_move_shaped(std::string_view text) {
-    const bool has_length = text.size() == 4 || (text.size() == 5 && text[4] != '\n');
-    return has_length && square_from_text(text) >= 0 && square_from_text(text.substr(2)) >= 0;
-}
 
 /// Positions that no later one can repeat are dropped, so that no game is too long.
 void play_on(Uci& uci, Move move) {
@@ -38,12 +31,9 @@ void play_on(Uci& uci, Move move) {
 /// Plays the moves of a `position` line up to the first that isn't legal.
 void play_moves(Uci& uci, std::string_view moves) {
     for (std::string_view word = take_word(moves); !word.empty(); word = take_word(moves)) {
-        const Move move = parse_move(*uci.game, word);
-        if (!is_move_shaped(word) || !is_valid_move(*uci.game, move)) {
-            say_info("illegal move: " + std::string(word));
-            return;
-        }
-        play_on(uci, move);
+        const auto move = read_move(*uci.game, word);
+        if (!move) return say_info("illegal move: " + std::string(word));
+        play_on(uci, *move);
     }
 }
 
