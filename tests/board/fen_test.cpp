@@ -1,8 +1,11 @@
 // Positions as clients send them: what is refused and why, and that nothing of a game's position is lost on the way.
-#include "board/fen.h"
-
 #include <gtest/gtest.h>
 
+#include <tuple>
+
+#include "board/attacks.h"
+#include "board/draws.h"
+#include "board/fen.h"
 #include "positions.h"
 #include "tables.h"
 
@@ -38,15 +41,14 @@ TEST(Fen, HoldsAllThatAPositionOfAGameIs) {
         const FenReading reading = read_fen(fen_text(game, ++number));
         ASSERT_NE(reading.game, nullptr) << reading.fault << ": " << fen_text(game, number);
         EXPECT_EQ(reading.move_number, number);
-        // What is left of the game is its position: its moves are forgotten, and the keys start from here.
-        Game expected = game;
-        expected.move_counter = 0;
-        complete_record(expected);
-        Game read = *reading.game;
-        read.game_moves = expected.game_moves;
-        if (expected.enpassant == 0) read.ep_side = expected.ep_side;
-        // Of a side's two rights and two kinds of rooks.
-        EXPECT_TRUE(same_game(read, expected)) << fen_text(game, number);
+        const Game& read = *reading.game;
+        EXPECT_EQ(fen_text(read, number), fen_text(game, number));
+        EXPECT_EQ(std::tie(read.turn, read.fifty, read.enpassant, read.w_castle, read.b_castle),
+                  std::tie(game.turn, game.fifty, game.enpassant, game.w_castle, game.b_castle));
+        EXPECT_TRUE(game.enpassant == 0 || read.ep_side == game.ep_side);
+        EXPECT_EQ(every_legal_move(read), every_legal_move(game));
+        EXPECT_EQ(read.move_counter, 0);
+        EXPECT_EQ(read.draw_hash_count, 1U);
         expect_sound(read);
     });
     EXPECT_GT(number, 1000);
@@ -85,8 +87,7 @@ TEST(Fen, WhateverIsReadCanBePlayed) {
         EXPECT_TRUE(same_game(*again.game, game)) << text;
         for (const Move move : every_legal_move(game)) expect_sound(*after(game, move));
     }
-    EXPECT_GT(accepted, 4000);
-    EXPECT_LT(accepted, 36000);
+    EXPECT_GT(accepted, 1000);
 }
 
 // --- Keys of a long game --------------------------------------------------------------------------------------------

@@ -7,12 +7,14 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "positions.h"
@@ -83,6 +85,7 @@ inline std::vector<std::string> answers_in(std::string_view said) {
     return answers;
 }
 
+/// The move of the only answer.
 inline std::string best_move_in(std::string_view said) {
     const std::vector<std::string> answers = answers_in(said);
     EXPECT_EQ(answers.size(), 1U) << said;
@@ -136,7 +139,8 @@ public:
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(2);
         std::string heard = said();
         while (heard.find(text) == std::string::npos) {
-            if (std::chrono::steady_clock::now() > deadline) throw std::runtime_error("no \"" + std::string(text) + '"');
+            if (std::chrono::steady_clock::now() > deadline)
+                throw std::runtime_error("no \"" + std::string(text) + '"');
             std::this_thread::sleep_for(std::chrono::microseconds(200));
             heard += said();
         }
