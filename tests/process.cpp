@@ -52,12 +52,12 @@ struct Pipe {
 int take(int& end) { return std::exchange(end, -1); }
 
 /// The child's side of the start. Other threads of the parent don't exist here, but their locks do: system calls only.
-[[noreturn]] void become_engine(const char* folder, const Pipe& input, const Pipe& output) {
+[[noreturn]] void become_engine(const char* program, const char* folder, const Pipe& input, const Pipe& output) {
     constexpr int cannot_execute = 127;  // as a shell has it
     const bool connected = dup2(input.read_end, STDIN_FILENO) >= 0 && dup2(output.write_end, STDOUT_FILENO) >= 0;
     // A shell that starts the tests in the background has them ignore interrupts, and what they start, too.
     for (const int number : {SIGPIPE, SIGINT, SIGHUP, SIGTERM}) std::signal(number, SIG_DFL);
-    if (connected && chdir(folder) == 0) execl(VARN_EXECUTABLE, VARN_EXECUTABLE, static_cast<char*>(nullptr));
+    if (connected && chdir(folder) == 0) execl(program, program, static_cast<char*>(nullptr));
     _exit(cannot_execute);
 }
 
@@ -74,9 +74,9 @@ const Files& default_files() {
     return files;
 }
 
-Process::Process(const Files& files) {
+Process::Process(const Files& files, const char* program) {
     for (const auto& [name, content] : files) folder_.write(name, content);
-    start();
+    start(program);
 }
 
 Process::~Process() {
@@ -85,7 +85,7 @@ Process::~Process() {
     close_end(output_);
 }
 
-void Process::start() {
+void Process::start(const char* program) {
     Pipe input;
     Pipe output;
     // Writing to an engine that has ended is an error to be met, not the end of the tests.
@@ -93,7 +93,7 @@ void Process::start() {
     const std::string folder = folder_.path_to(".");
     pid_ = fork();
     if (pid_ < 0) refuse("fork");
-    if (pid_ == 0) become_engine(folder.c_str(), input, output);
+    if (pid_ == 0) become_engine(program, folder.c_str(), input, output);
     fcntl(input.write_end, F_SETFL, O_NONBLOCK);
     fcntl(output.read_end, F_SETFL, O_NONBLOCK);
     input_ = take(input.write_end);

@@ -41,9 +41,9 @@ struct Outcome {
 
 class Process {
 public:
-    /// Starts the engine in a fresh folder that holds the files. What it writes on the error stream, as a sanitizer
-    /// does, goes to the test's own.
-    explicit Process(const Files& files = default_files());
+    /// Starts the engine, or another program of its, in a fresh folder that holds the files. What it writes on the error
+    /// stream, as a sanitizer does, goes to the test's own.
+    explicit Process(const Files& files = default_files(), const char* program = VARN_EXECUTABLE);
     /// Ends the engine if it still runs, and removes the folder.
     ~Process();
     Process(const Process&) = delete;
@@ -77,7 +77,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    void start();
+    void start(const char* program);
     bool exchange(Clock::time_point deadline);
     void write_pending();
     void read_available();

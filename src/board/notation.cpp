@@ -129,10 +129,13 @@ bool names_two_squares(std::string_view text) {
     return square_from_text(text) >= 0 && text.size() >= 2 && square_from_text(text.substr(2)) >= 0;
 }
 
+// A letter may only stand behind a promotion: what is read must be what would be written.
 std::optional<Move> read_move(const Game& game, std::string_view text) {
     if ((text.size() != 4 && text.size() != 5) || !names_two_squares(text)) return std::nullopt;
     const Move move = parse_move(game, text);
-    return is_valid_move(game, move) ? std::optional(move) : std::nullopt;
+    const bool is_written_so =
+        std::ranges::equal(text, move_text(move), [](char read, char written) { return lower(read) == written; });
+    return is_written_so && is_valid_move(game, move) ? std::optional(move) : std::nullopt;
 }
 
 std::string move_text(Move move) {

@@ -27,7 +27,7 @@ Move parse_move(const Game& game, std::string_view text);
 /// Whether the first four characters name two squares of the board, the letters in either case.
 bool names_two_squares(std::string_view text);
 
-/// The legal move that the whole text names in coordinate form; none for any other text.
+/// The legal move that the whole text is, in coordinate form of either case; none for any other text.
 std::optional<Move> read_move(const Game& game, std::string_view text);
 
 /// Coordinate form.

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <charconv>
 #include <optional>
+#include <utility>
 
 #include "base/memory.h"
 #include "base/output.h"
@@ -44,10 +45,12 @@ std::string clear_hash(Uci& uci) {
     return "";
 }
 
+/// The book that was open stays so where there is no other.
 std::string open_book(Uci& uci) {
     const std::string& name = uci.options.book_file;
     if (!uci.options.own_book) return "";
-    switch (load_book(uci.book, name, clock_seed())) {
+    Book opened;
+    switch (load_book(opened, name, clock_seed())) {
         case BookFault::none: break;
         case BookFault::no_file: return "there is no book " + name;
         case BookFault::too_long:
@@ -55,6 +58,7 @@ std::string open_book(Uci& uci) {
                      " rows: the rest is left out");
             break;
     }
+    uci.book = std::move(opened);
     return "";
 }
 

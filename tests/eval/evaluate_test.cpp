@@ -88,6 +88,37 @@ TEST(Evaluate, TradesAreWelcomeToTheSideAhead) {
     }
 }
 
+TEST(Evaluate, IsTheSumOfTheTermsThatAreShown) {
+    std::set<std::string_view> seen;
+    RandomSource random(8);
+    visit_random_games(7, 60, [&](const Game& game) {
+        FreshContext context;
+        context.root_material = static_cast<int>(random.next() % 8000);
+        context.w_trade_flag = random.next() % 2 == 0;
+        context.b_trade_flag = random.next() % 2 == 0;
+        const std::vector<EvalTerm> terms = evaluation_terms(game, context);
+        FreshContext turned;
+        turned.root_material = context.root_material;
+        turned.w_trade_flag = context.b_trade_flag;
+        turned.b_trade_flag = context.w_trade_flag;
+        const std::string text = position_text(game);
+        const auto mirrored = game_from(mirrored_text(text.substr(0, text.rfind(' ')) + " -"));
+        const std::vector<EvalTerm> of_mirrored = evaluation_terms(*mirrored, turned);
+        ASSERT_EQ(terms.size(), of_mirrored.size()) << text;
+        int sum = 0;
+        for (std::size_t i = 0; i < terms.size(); ++i) {
+            const auto& [name, white, black] = terms[i];
+            ASSERT_EQ(of_mirrored[i].name, name) << text;
+            ASSERT_EQ(of_mirrored[i].white, black) << name << ' ' << text;
+            ASSERT_EQ(of_mirrored[i].black, white) << name << ' ' << text;
+            sum += white - black;
+            if (white != 0 || black != 0) seen.insert(name);
+        }
+        ASSERT_EQ(sum, evaluate(game, context)) << text;
+    });
+    EXPECT_GT(seen.size(), 5U);
+}
+
 TEST(Evaluate, ChangesSignWhenTheBoardIsMirrored) {
     EXPECT_EQ(evaluation(known_positions[0].text), 0);
     const auto expect_mirrored = [](const std::string& text) {

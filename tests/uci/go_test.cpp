@@ -1,0 +1,275 @@
+// Searches by the front end's words: what bounds them, what they tell, and the one move that each of them gives.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <set>
+#include <thread>
+
+#include "board/draws.h"
+#include "uci/session.h"
+
+namespace varn {
+namespace {
+
+constexpr TableSizes small_sizes = {.hash_bits = 16, .qhash_bytes = 1 << 20, .phash_bytes = 1 << 16};
+
+/// Plays the line from the position; false at the first move that isn't legal.
+bool is_playable_line(Game game, const std::vector<std::string>& line) {
+    for (const std::string& text : line) {
+        const Move move = parse_move(game, text);
+        if (move_text(move) != text || !is_valid_move(game, move)) return false;
+        make_move(game, move);
+    }
+    return true;
+}
+
+std::vector<std::string> legal_texts(const Game& game) {
+    std::vector<std::string> texts;
+    for (const Move move : every_legal_move(game)) texts.push_back(move_text(move));
+    return texts;
+}
+
+bool contains(const std::vector<std::string>& texts, const std::string& text) {
+    return std::ranges::find(texts, text) != texts.end();
+}
+
+std::string fen_line(const std::string& position) { return "position fen " + position; }
+
+/// What holds of every search in a position with legal moves.
+void expect_sound_search(const Game& game, const std::string& said) {
+    EXPECT_TRUE(contains(legal_texts(game), best_move_in(said))) << said;
+    const std::vector<std::string> answer = split(split(answers_in(said).at(0), "\n")[0], " ");
+    if (answer.size() == 4) {
+        EXPECT_EQ(answer[2], "ponder");
+        EXPECT_TRUE(is_playable_line(game, {answer[1], answer[3]})) << said;
+    }
+    std::uint64_t nodes = 0;
+    for (const InfoLine& info : info_lines(said)) {
+        EXPECT_FALSE(info.pv.empty()) << said;
+        EXPECT_TRUE(is_playable_line(game, info.pv)) << said;
+        EXPECT_GE(info.selective_depth, info.depth) << said;
+        EXPECT_GE(info.nodes, nodes) << said;
+        nodes = info.nodes;
+    }
+}
+
+// --- What bounds a search -------------------------------------------------------------------------------------------
+
+TEST(UciGo, SearchesTheSameNodesAsTheSearchItself) {
+    UciSession session;
+    const auto other = new_search();
+    ASSERT_EQ(allocate_tables(*other, small_sizes), TableFault::none);
+    for (const KnownPosition& known : known_positions) {
+        session.send("ucinewgame; " + fen_line(known.text));
+        if (every_legal_move(*session.uci.game).empty()) continue;
+        const std::string said = session.search("go depth 5");
+        forget_all(*other);
+        const auto move = think(*other, *game_from(known.text), {.depth = 5, .search_forced = true}, {});
+        EXPECT_EQ(session.uci.search->search_nodes, other->search_nodes) << known.text;
+        EXPECT_EQ(best_move_in(said), move_text(*move)) << known.text;
+        expect_sound_search(*session.uci.game, said);
+        const auto infos = info_lines(said);
+        ASSERT_FALSE(infos.empty()) << said;
+        EXPECT_EQ(infos.back().depth, 5);
+        EXPECT_EQ(infos.back().nodes, other->search_nodes);
+        EXPECT_EQ(infos.back().pv[0], best_move_in(said));
+    }
+}
+
+TEST(UciGo, ALimitOnNodesIsExact) {
+    UciSession session;
+    for (const std::size_t place : {0, 1}) {
+        const std::string& position = known_positions[place].text;
+        for (const char* lines : {"1", "3"}) {
+            session.send(std::string("setoption name MultiPV value ") + lines + "; " + fen_line(position));
+            for (const std::uint64_t nodes : {1, 2, 3, 17, 1000, 16383, 16384, 16385, 20000, 70001}) {
+                expect_sound_search(*session.uci.game, session.search("go nodes " + std::to_string(nodes)));
+                EXPECT_EQ(session.uci.search->search_nodes, nodes) << position;
+            }
+        }
+    }
+}
+
+TEST(UciGo, EndsByWhateverIsReachedFirst) {
+    UciSession session;
+    for (const char* words :
+         {"movetime 1", "movetime 50", "movetime 0", "movetime -5", "wtime 500 btime 500",
+          "wtime 1 btime 1 winc 0 binc 0 movestogo 1", "wtime -300 btime 4", "wtime 0 btime 0", "mate 1 depth 4",
+          "depth 0", "depth -3", "nodes 0", "nodes 99999999999999999999999 depth 2", "depth 99999999999 movetime 20",
+          "depth 3 infinity 7 x", "movetime 20 depth 99"}) {
+        const auto started = std::chrono::steady_clock::now();
+        const std::string said = session.search(std::string("go ") + words);
+        EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(5)) << words;
+        expect_sound_search(*session.uci.game, said);
+    }
+}
+
+TEST(UciGo, TellsWhatTheClockLeavesAfterTheOverhead) {
+    UciSession session;
+    const auto budget_after = [&](const std::string& words) {
+        session.search("go depth 1 " + words);
+        return session.uci.job.limit_ms;
+    };
+    for (const int overhead_ms : {0, 30, 500}) {
+        session.send("setoption name Move Overhead value " + std::to_string(overhead_ms));
+        EXPECT_EQ(budget_after("movetime 4000"), 4000 - overhead_ms);
+        EXPECT_EQ(budget_after("movetime 10"), std::max(10 - overhead_ms, 5));
+        EXPECT_EQ(budget_after("wtime 60000 btime 5 winc 100 binc 3 movestogo 7"),
+                  allocate_time({60000, 100, 7}, overhead_ms));
+        session.send("position startpos moves e2e4");
+        EXPECT_EQ(budget_after("wtime 5 btime 60000 winc 3 binc 100"), allocate_time({60000, 100, 0}, overhead_ms));
+        EXPECT_EQ(budget_after("btime 60000 movetime 7"), std::max(7 - overhead_ms, 4)) << "the less of the two";
+        session.send("position startpos");
+    }
+}
+
+// --- Searches that hold their move back -----------------------------------------------------------------------------
+
+TEST(UciGo, HoldsTheMoveBackUntilItMayCome) {
+    UciSession session;
+    const std::string mated = "R5k1/5ppp/8/8/8/8/8/4K3 b - -", stalemate = "7k/8/8/8/8/8/5q2/7K w - -",
+                      single = "k7/8/8/8/8/8/r7/7K w - -", drawn = "8/8/8/8/8/8/k7/7K w - -";
+    const auto expect_none_before = [&](const std::string& position, const std::string& go, const std::string& end,
+                                        const std::string& last_info) {
+        SCOPED_TRACE(position + ": " + go + ", " + end);
+        std::string said = session.answer(fen_line(position) + "; " + go);
+        if (said.find(last_info) == std::string::npos) said += session.said_with(last_info);
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        said += session.answer("isready");
+        EXPECT_EQ(said.find("bestmove"), std::string::npos) << said;
+        EXPECT_TRUE(said.ends_with("readyok\n")) << said;
+        session.send(end);
+        said = session.said_with("bestmove ");
+        join_thread(session.uci.job.thread);
+        EXPECT_EQ(answers_in(said + session.said()).size(), 1U);
+        return best_move_in(said);
+    };
+    for (const std::string& position : {mated, stalemate}) {
+        const std::string info = position == mated ? "info depth 0 score mate 0\n" : "info depth 0 score cp 0\n";
+        for (const char* go : {"go infinite", "go ponder wtime 100 btime 100", "go", "go infinite depth 1"}) {
+            EXPECT_EQ(expect_none_before(position, go, "stop", info), "(none)");
+        }
+        EXPECT_EQ(expect_none_before(position, "go ponder wtime 100 btime 100", "ponderhit", info), "(none)");
+        const std::string at_once = session.search("go wtime 100 btime 100");
+        EXPECT_EQ(at_once, info + "bestmove (none)\n");
+    }
+    for (const char* go : {"go infinite", "go ponder movetime 1"}) {
+        EXPECT_EQ(expect_none_before(single, go, "stop", "info depth 3 "), "h1g1");
+        expect_none_before(drawn, go, "stop", "info depth 50 ");
+    }
+    EXPECT_EQ(expect_none_before(single, "go ponder wtime 1000 btime 1000", "ponderhit", ""), "h1g1");
+    expect_none_before(drawn, "go ponder movetime 1000", "ponderhit", "info depth 50 ");
+    expect_none_before(drawn, "go ponder infinite depth 2", "ponderhit; stop", "info depth 2 ");
+    // Without anything that bounds it a search that was pondered on goes on until it is stopped.
+    session.send("position startpos; go ponder; ponderhit");
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(answers_in(session.said()).size(), 0U);
+    session.send("stop; stop");
+    session.said_with("bestmove ");
+    session.send("stop; ponderhit; stop");
+    finish_search(session.uci);
+    EXPECT_EQ(answers_in(session.said()).size(), 0U);
+}
+
+TEST(UciGo, APonderedMoveHasItsWholeTimeFromTheHit) {
+    UciSession session;
+    session.send("setoption name Move Overhead value 0; position startpos moves e2e4; go ponder movetime 150");
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    EXPECT_EQ(answers_in(session.said()).size(), 0U);
+    const auto hit = std::chrono::steady_clock::now();
+    session.send("ponderhit");
+    session.said_with("bestmove ");
+    const auto taken = std::chrono::steady_clock::now() - hit;
+    EXPECT_GE(taken, std::chrono::milliseconds(145));
+    EXPECT_LT(taken, std::chrono::seconds(2));
+}
+
+// --- Lines of play --------------------------------------------------------------------------------------------------
+
+TEST(UciGo, GivesSoManyBestLines) {
+    UciSession session;
+    RandomSource random(12);
+    for (const KnownPosition& known : known_positions) {
+        for (const int lines : {1, 2, 5, 256}) {
+            session.send("setoption name MultiPV value " + std::to_string(lines) + "; " + fen_line(known.text));
+            std::vector<std::string> wanted = legal_texts(*session.uci.game);
+            if (wanted.empty()) continue;
+            std::string go = lines == 256 ? "go depth 2" : "go depth 4";
+            if (random.next() % 2 == 0) {
+                std::erase_if(wanted, [&](const std::string&) { return random.next() % 2 == 0; });
+                if (wanted.empty()) wanted = {legal_texts(*session.uci.game).back()};
+                go += " searchmoves";
+                for (const std::string& move : wanted) go += ' ' + move;
+            }
+            const std::string said = session.search(go);
+            expect_sound_search(*session.uci.game, said);
+            for (const InfoLine& info : info_lines(said))
+                EXPECT_TRUE(contains(wanted, info.pv[0])) << go << '\n' << said;
+            const std::vector<InfoLine> last = last_lines(said);
+            ASSERT_EQ(last.size(), std::min(static_cast<std::size_t>(lines), wanted.size())) << go << '\n' << said;
+            EXPECT_EQ(best_move_in(said), last[0].pv[0]);
+            std::set<std::string> first_moves;
+            for (std::size_t i = 0; i < last.size(); ++i) {
+                EXPECT_EQ(last[i].line_number, static_cast<int>(i) + 1) << said;
+                EXPECT_EQ(last[i].depth, last[0].depth) << said;
+                EXPECT_LE(last[i].value(), last[i == 0 ? 0 : i - 1].value()) << said;
+                first_moves.insert(last[i].pv[0]);
+            }
+            EXPECT_EQ(first_moves.size(), last.size()) << said;
+        }
+    }
+}
+
+TEST(UciGo, SearchmovesWithoutALegalMoveRestrictNothing) {
+    UciSession session;
+    const std::string said = session.search("go depth 2 searchmoves e2e5 e7e5 a1a1");
+    EXPECT_TRUE(said.starts_with("info string illegal move: e2e5\ninfo string illegal move: e7e5\n")) << said;
+    expect_sound_search(*session.uci.game, said);
+    EXPECT_EQ(best_move_in(session.search("go searchmoves a2a3 depth 2 searchmoves h2h4")), "h2h4");
+}
+
+TEST(UciGo, CountsMatesInMovesForTheSideToMove) {
+    UciSession session;
+    for (const auto& [text, depth, score] : {std::tuple{"6k1/5ppp/8/8/8/8/8/R3K3 w - -", 3, "mate 1"},
+                                             {"7k/8/5K2/8/8/8/8/6R1 w - -", 5, "mate 2"},
+                                             {"7k/5K2/8/8/8/8/8/6R1 b - -", 4, "mate -1"}}) {
+        for (const std::string& position : {std::string(text), mirrored_text(text)}) {
+            const std::string said = session.search(fen_line(position) + "; go depth " + std::to_string(depth));
+            const auto last = last_lines(said);
+            ASSERT_EQ(last.size(), 1U) << said;
+            EXPECT_TRUE(last[0].is_mate) << position << '\n' << said;
+            EXPECT_EQ("mate " + std::to_string(last[0].score), score) << position;
+            // A search for a mate ends with it, and its line leads there.
+            if (last[0].score <= 0) continue;
+            const std::string found = session.search("go mate " + std::to_string(last[0].score));
+            EXPECT_EQ(last_lines(found).at(0).score, last[0].score) << found;
+            EXPECT_EQ(last_lines(found)[0].pv.size(), 2U * static_cast<unsigned>(last[0].score) - 1) << found;
+        }
+    }
+    // Which of two sides is ahead: centipawns, too.
+    for (const auto& [position, sign] :
+         {std::pair{"4k3/pppp4/8/8/8/8/PPPP4/Q3K3 w - -", 1}, {"4k3/pppp4/8/8/8/8/PPPP4/Q3K3 b - -", -1}}) {
+        for (const std::string& text : {std::string(position), mirrored_text(position)}) {
+            const auto last = last_lines(session.search(fen_line(text) + "; go depth 2"));
+            EXPECT_GT(last.at(0).value() * sign, 300) << text;
+        }
+    }
+}
+
+// --- Draws by what came before --------------------------------------------------------------------------------------
+
+TEST(UciGo, SeesRepetitionsAndTheFiftyMovesFromTheFirstMove) {
+    UciSession session;
+    const auto score_of = [&](const std::string& lines) { return last_lines(session.search(lines)).at(0).value(); };
+    EXPECT_GT(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 98 60; go depth 1"), 200);
+    EXPECT_EQ(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 99 60; go depth 1"), 0);
+    EXPECT_EQ(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 97 60 moves a1a2 e8d8; go depth 1"), 0);
+    EXPECT_EQ(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 254 60; go depth 1"), 0);
+    const std::string to_and_fro = "position fen 4k3/8/8/8/8/8/8/R3K3 w - - 0 1 moves a1a2 e8d8 a2a1 d8e8";
+    EXPECT_EQ(score_of(to_and_fro + "; go depth 1 searchmoves a1a2"), 0);
+    EXPECT_GT(score_of(to_and_fro + "; go depth 1 searchmoves a1a3"), 200);
+}
+
+}  // namespace
+}  // namespace varn
