@@ -6,6 +6,7 @@
 
 #include "base/output.h"
 #include "board/fen.h"
+#include "board/notation.h"
 #include "board/report.h"
 #include "frontend/command_line.h"
 #include "frontend/input.h"
