@@ -1,5 +1,5 @@
 // The search node: what ends it, what it passes and extends, and what it leaves behind.
-#include "search_test.h"
+#include "search_fixture.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>
