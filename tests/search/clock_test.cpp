@@ -6,7 +6,7 @@
 
 #include "search/clock.h"
 #include "search/node.h"
-#include "search_test.h"
+#include "search_fixture.h"
 
 namespace varn {
 namespace {

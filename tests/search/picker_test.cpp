@@ -7,7 +7,7 @@
 #include "search/exchange.h"
 #include "search/picker.h"
 #include "search/search.h"
-#include "search_test.h"
+#include "search_fixture.h"
 
 namespace varn {
 namespace {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "search/quiesce.h"
-#include "search_test.h"
+#include "search_fixture.h"
 #include "tables.h"
 
 namespace varn {

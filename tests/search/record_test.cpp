@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "search/record.h"
-#include "search_test.h"
+#include "search_fixture.h"
 
 namespace varn {
 namespace {

@@ -1,6 +1,4 @@
 // The search node: what ends it, what it passes and extends, and what it leaves behind.
-#include "search_test.h"
-
 #include <gtest/gtest.h>
 #include <pthread.h>
 
@@ -9,6 +7,7 @@
 
 #include "search/quiesce.h"
 #include "search/search.h"
+#include "search_fixture.h"
 
 namespace varn {
 namespace {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "search/think.h"
-#include "search_test.h"
+#include "search_fixture.h"
 
 namespace varn {
 namespace {
