@@ -26,7 +26,7 @@ TEST_F(EngineTest, SaysWhatThereIsToSayOfAPositionsText) {
                                      {"x - -", "error: unrecognised character in side to move field.\n"},
                                      {"b - e3", "enpassant not supported in EPD format yet.\n"}}) {
         engine.book_enabled = true;
-        EXPECT_EQ(printed([&] { set_game_position(engine, kings + rest); }), said);
+        EXPECT_EQ(printed([&, rest = rest] { set_game_position(engine, kings + rest); }), said);
         EXPECT_EQ(position_text(*engine.game), kings + "b - -");
         EXPECT_FALSE(engine.book_enabled);
     }
