@@ -8,10 +8,10 @@
 
 void run_input(std::string_view input) {
     varn::write_file("book.dat", input);
-    varn::load_book();
+    varn::Book book;
+    varn::load_book(book, "book.dat", input.size());
     const auto game = varn::new_game();
-    varn::RandomSource random(input.size());
-    while (const auto move = varn::book_move(*game, random)) {
+    while (const auto move = varn::book_move(book, *game)) {
         if (!varn::is_valid_move(*game, *move)) std::abort();
         varn::play_move(*game, *move);
     }
