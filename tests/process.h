@@ -41,8 +41,8 @@ struct Outcome {
 
 class Process {
 public:
-    /// Starts the engine, or another program of its, in a fresh folder that holds the files. What it writes on the error
-    /// stream, as a sanitizer does, goes to the test's own.
+    /// Starts the engine, or another program of its, in a fresh folder that holds the files. What it writes on the
+    /// error stream, as a sanitizer does, goes to the test's own.
     explicit Process(const Files& files = default_files(), const char* program = VARN_EXECUTABLE);
     /// Ends the engine if it still runs, and removes the folder.
     ~Process();

@@ -15,8 +15,9 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Null where the file can't be opened.
-inline File open_for_reading(const char* name) { return File(std::fopen(name, "r")); }
+/// Null where there is no regular file of that name that can be read: a pipe or a device could keep whoever reads it
+/// waiting for ever.
+File open_for_reading(const char* name);
 
 /// To be asked after a failed read or write: waits where the descriptor only wasn't ready, as happens where another
 /// process that has it, too, told it not to wait. False where it failed for good.

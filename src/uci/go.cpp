@@ -1,6 +1,7 @@
 #include "uci/go.h"
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 #include <string>
 
@@ -30,7 +31,7 @@ struct GoWords {
     GoLimits limits;
     std::optional<std::int64_t> time_ms[2], increment_ms[2];  // by side
     std::optional<std::int64_t> moves_to_go;
-    bool is_bounded = false;  // by anything
+    bool has_depth = false;
 };
 
 std::optional<std::int64_t> take_argument(std::string_view& rest) {
@@ -67,8 +68,10 @@ std::vector<Move> take_moves(const Game& game, std::string_view& rest) {
 /// Takes what belongs to one word of the line; words that aren't known are passed over.
 void take_limit(const Uci& uci, std::string_view word, std::string_view& rest, GoWords& words) {
     GoLimits& limits = words.limits;
-    const auto take_into = [&](auto& value) {
-        if (const auto number = take_argument(rest)) value = static_cast<int>(*number);
+    const auto take_into = [&rest](int& value) {
+        const auto number = take_argument(rest);
+        if (number) value = static_cast<int>(*number);
+        return number.has_value();
     };
     if (word == "wtime") words.time_ms[0] = take_argument(rest);
     if (word == "btime") words.time_ms[1] = take_argument(rest);
@@ -76,14 +79,18 @@ void take_limit(const Uci& uci, std::string_view word, std::string_view& rest, G
     if (word == "binc") words.increment_ms[1] = take_argument(rest);
     if (word == "movestogo") words.moves_to_go = take_argument(rest);
     if (word == "movetime") limits.movetime_ms = take_argument(rest);
-    if (word == "depth") take_into(limits.search.depth);
+    if (word == "depth") words.has_depth = take_into(limits.search.depth);
     if (word == "mate") take_into(limits.search.mate);
     if (word == "nodes") limits.search.nodes = take_node_count(rest).value_or(limits.search.nodes);
     if (word == "searchmoves") limits.search.only = take_moves(*uci.game, rest);
     if (word == "infinite") limits.infinite = true;
     if (word == "ponder") limits.ponder = true;
-    constexpr std::string_view bounds[] = {"wtime", "btime", "movetime", "depth", "mate", "nodes"};
-    words.is_bounded = words.is_bounded || std::ranges::find(bounds, word) != std::end(bounds);
+}
+
+/// Whether the search comes to an end by itself, and before its last depth.
+bool is_bounded(const GoWords& words, const GoLimits& limits) {
+    return limits.clock || limits.movetime_ms || words.has_depth || limits.search.mate > 0 ||
+           limits.search.nodes != SearchLimits{}.nodes;
 }
 
 GoLimits read_limits(const Uci& uci, std::string_view arguments) {
@@ -97,7 +104,7 @@ GoLimits read_limits(const Uci& uci, std::string_view arguments) {
         limits.clock =
             GameClock{*words.time_ms[side], words.increment_ms[side].value_or(0), words.moves_to_go.value_or(0)};
     }
-    limits.infinite = limits.infinite || !words.is_bounded;
+    limits.infinite = limits.infinite || !is_bounded(words, limits);
     limits.search.lines = uci.options.multi_pv;
     limits.search.clock_runs = true;
     // Only who plays by a clock is glad of an answer without a search.
@@ -183,6 +190,13 @@ void start_job(Uci& uci, std::function<void()> work) {
     say_text("bestmove " + (legal.count > 0 ? move_text(legal.moves[0]) : "(none)") + '\n');
 }
 
+/// What comes behind a count waits for its end, but not for ever.
+void wait_for_count(GoJob& job) {
+    constexpr std::chrono::seconds patience(10);
+    std::unique_lock lock(job.mutex);
+    job.changed.wait_for(lock, patience, [&job] { return job.is_counted; });
+}
+
 /// The leaves below the position, or fewer once the count is stopped.
 std::uint64_t count_while_running(const Clock& clock, Game& game, int depth) {
     constexpr int counted_at_once = 4;
@@ -249,7 +263,13 @@ void count_by_move(Uci& uci, std::string_view arguments) {
     uci.job.is_count = true;
     start_clock(uci.search->clock);
     Search& s = *uci.search;
-    const bool started = start_thread(uci.job.thread, [&s, game = *uci.game, depth] { print_count(s, game, *depth); });
+    uci.job.is_counted = false;
+    const bool started = start_thread(uci.job.thread, [&s, &job = uci.job, game = *uci.game, depth] {
+        print_count(s, game, *depth);
+        const std::lock_guard lock(job.mutex);
+        job.is_counted = true;
+        job.changed.notify_one();
+    });
     if (!started) say_info("the search thread can't be started");
 }
 
@@ -275,7 +295,8 @@ void ponder_hit(Uci& uci) {
 
 void finish_search(Uci& uci) {
     if (!uci.job.thread.is_active) return;
-    if (!uci.job.is_count) stop(uci);
+    if (uci.job.is_count) wait_for_count(uci.job);
+    stop(uci);
     join_thread(uci.job.thread);
 }
 

@@ -31,12 +31,13 @@ struct GoJob {
     GoLimits limits;
     std::int32_t limit_ms = 0;  // once a pondering search has been hit
     std::uint32_t started_ms = 0;
-    bool is_count = false;  // a move count: what comes behind waits for its end, and only `stop` ends it before
+    bool is_count = false;  // a move count: what comes behind waits for its end, ten seconds at most
 
     std::mutex mutex;
     std::condition_variable changed;
     bool may_answer = true;     // guarded: false holds a finished search's move back
     bool is_pondering = false;  // guarded: until `ponderhit` or `stop`
+    bool is_counted = false;    // guarded: a move count has ended
 };
 
 /// Starts what stands behind `go`; a search that is still at work is stopped first and gives its move.
@@ -50,8 +51,8 @@ void stop(Uci& uci);
 /// The opponent has played the move that is pondered on: the search goes on by the clock of its `go`.
 void ponder_hit(Uci& uci);
 
-/// Ends the search thread's work: a search gives its move at once, a move count is waited for. Whatever touches what a
-/// search uses calls this first.
+/// Ends the search thread's work: a search gives its move at once, a move count is waited for a while. Whatever
+/// touches what a search uses calls this first.
 void finish_search(Uci& uci);
 
 }  // namespace varn

@@ -79,11 +79,11 @@ TEST(UciGo, SearchesTheSameNodesAsTheSearchItself) {
 
 TEST(UciGo, ALimitOnNodesIsExact) {
     UciSession session;
-    for (const std::size_t place : {0, 1}) {
+    for (const std::size_t place : {0U, 1U}) {
         const std::string& position = known_positions[place].text;
         for (const char* lines : {"1", "3"}) {
             session.send(std::string("setoption name MultiPV value ") + lines + "; " + fen_line(position));
-            for (const std::uint64_t nodes : {1, 2, 3, 17, 1000, 16383, 16384, 16385, 20000, 70001}) {
+            for (const std::uint64_t nodes : {1U, 2U, 3U, 17U, 1000U, 16383U, 16384U, 16385U, 20000U, 70001U}) {
                 expect_sound_search(*session.uci.game, session.search("go nodes " + std::to_string(nodes)));
                 EXPECT_EQ(session.uci.search->search_nodes, nodes) << position;
             }

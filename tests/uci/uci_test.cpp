@@ -68,9 +68,10 @@ TEST(UciProcess, EndsInMidSearchWithTheMoveSaid) {
     for (const char* go : {"go infinite", "go ponder wtime 1000 btime 1000", "go movetime 100000", "go"}) {
         for (const bool quits : {false, true}) {
             UciProcess process;
-            process.send(std::string(go) + "\nisready\n");
-            process.read_until("readyok\n");
+            process.send(std::string(go) + '\n');
             process.read_until("info depth 3 ");
+            process.send("isready\n");
+            process.read_until("readyok\n");
             const auto ended = std::chrono::steady_clock::now();
             if (quits) process.send("quit\n");
             if (!quits) process.close_input();
