@@ -73,7 +73,8 @@ std::string position_fault(const Game& game, std::string_view castling) {
     const bool is_open = game.turn == Side::white ? black_in_check(game) : white_in_check(game);
     if (is_open) return "the side that isn't to move is in check";
     const int rights = popcount(game.w_castle) + popcount(game.b_castle);
-    if (castling != "-" && rights != static_cast<int>(castling.size())) return "a castling right has no king and rook at home";
+    if (castling != "-" && rights != static_cast<int>(castling.size()))
+        return "a castling right has no king and rook at home";
     return "";
 }
 

@@ -143,7 +143,7 @@ std::vector<Move> bar_moves(MoveList& legal, const std::vector<Move>& only) {
     if (only.empty()) return {};
     const auto first_barred = std::stable_partition(legal.moves.begin(), legal.moves.begin() + legal.count,
                                                     [&](Move move) { return contains(only, move); });
-    const std::vector<Move> barred(first_barred, legal.moves.begin() + legal.count);
+    std::vector<Move> barred(first_barred, legal.moves.begin() + legal.count);
     legal.count -= static_cast<std::int32_t>(barred.size());
     return barred;
 }
