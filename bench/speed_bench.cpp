@@ -10,18 +10,15 @@
 
 #include "board/position.h"
 #include "board/zobrist.h"
+#include "frontend/bench.h"
 #include "search/think.h"
 
 namespace {
 
 constexpr std::uint64_t hash_seed = 20080519;
 
-constexpr const char* positions[] = {
-    "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -",              // nothing settled yet
-    "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -",  // everything hangs
-    "r1bq1rk1/pp2bppp/2n1pn2/3p4/2PP4/2N1PN2/PP3PPP/R2QKB1R w KQ -",     // a quiet middle game
-    "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -",                             // a rook ending
-};
+/// Of the benchmark's: the start, "everything hangs", a quiet middle game and a rook ending.
+constexpr int positions[] = {0, 1, 2, 8};
 
 double processor_seconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
 
@@ -59,7 +56,7 @@ int main(int argument_count, char** arguments) {
     if (argument_count > 4) {
         search_position(*search, arguments[4], last_depth, milliseconds);
     } else {
-        for (const char* text : positions) search_position(*search, text, last_depth, milliseconds);
+        for (const int i : positions) search_position(*search, varn::bench_positions[i], last_depth, milliseconds);
     }
     return 0;
 }

@@ -32,7 +32,7 @@ struct Step {
     varn::UndoRecord undo;
 };
 
-/// The hashes carry the numbers of lost rights and of open null moves on top of the sum over the men.
+/// The hashes carry the numbers of lost rights and of open null moves on top of the sum over the pieces.
 varn::PositionKeys expected_keys(const varn::Game& game, const varn::Game& base, int null_moves) {
     const std::uint32_t w_lost = base.w_castle & ~game.w_castle;
     const std::uint32_t b_lost = base.b_castle & ~game.b_castle;

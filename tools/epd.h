@@ -19,7 +19,7 @@ struct Conversion {
 };
 
 /// Turns a line of EPD into one of a suite, with the best moves in the engine's own text. A line that holds no position
-/// that can be played, no best move, or one that names no single legal move, is refused. Castling rights whose men
+/// that can be played, no best move, or one that names no single legal move, is refused. Castling rights whose pieces
 /// don't stand at home, and an en-passant square where nothing can capture, are left out; a position with an en-passant
 /// capture is refused, as no suite can hold it.
 Conversion convert_epd_line(std::string_view epd);

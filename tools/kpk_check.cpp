@@ -14,7 +14,7 @@ namespace varn {
 
 namespace {
 
-/// A set of positions, by the squares of the three men.
+/// A set of positions, by the squares of the three pieces.
 using Positions = std::bitset<std::size_t{square_count} * square_count * square_count>;
 /// The boxes that a line of the file may stand for.
 using Readings = std::vector<Pattern>;

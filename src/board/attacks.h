@@ -1,4 +1,4 @@
-// Who attacks a square: the test by one side, the full set of both, and the sliders that join in when a man leaves a
+// Who attacks a square: the test by one side, the full set of both, and the sliders that join in when a piece leaves a
 // line. All of these read the game and change nothing.
 #pragma once
 
@@ -7,7 +7,7 @@
 
 namespace varn {
 
-// What a slider on `square` reaches along one line, up to and including the first man each way.
+// What a slider on `square` reaches along one line, up to and including the first piece each way.
 inline int line_index(Bitboard board, LineIndex line) { return static_cast<int>(board >> line.shift & line.mask); }
 inline Bitboard rank_reach(const Game& g, int square) {
     return rank_attacks[square][line_index(occupied(g), rank_line[square])];
@@ -24,7 +24,7 @@ inline Bitboard r45b_reach(const Game& g, int square) {
 inline Bitboard rook_reach(const Game& g, int square) { return rank_reach(g, square) | file_reach(g, square); }
 inline Bitboard bishop_reach(const Game& g, int square) { return r45f_reach(g, square) | r45b_reach(g, square); }
 
-/// Whether a man of side S, king included, attacks the square. What stands on the square doesn't matter.
+/// Whether a piece of side S, king included, attacks the square. What stands on the square doesn't matter.
 template <Side S> inline bool attacked_by(const Game& g, int square) {
     if ((king_moves[square] & king_of<S>(g)) != 0) return true;
     if ((pawn_attacks<other(S)>[square] & pawns_of<S>(g)) != 0) return true;
@@ -45,10 +45,10 @@ inline bool in_check(const Game& game) {
     return game.turn == Side::black ? black_in_check(game) : white_in_check(game);
 }
 
-/// All men of both colours, kings included, that attack `square`.
+/// All pieces of both colours, kings included, that attack `square`.
 Bitboard attackers_of(const Game& game, int square);
 
-/// `set` with the men added that attack `target` through `square`: a man on `square` has left the line towards
+/// `set` with the pieces added that attack `target` through `square`: a piece on `square` has left the line towards
 /// `target`, and the slider right behind it joins in.
 Bitboard add_xray(const Game& game, int square, int target, Bitboard set);
 

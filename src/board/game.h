@@ -51,7 +51,7 @@ struct Game {
     Bitboard enpassant;  // the square just passed over by a double step, if an enemy pawn stands ready to capture there
     std::uint32_t w_castle;
     std::uint32_t b_castle;
-    // Sums of the values of all men but the king, pawns included, in centipawns; `material` is positive when white
+    // Sums of the values of all pieces but the king, pawns included, in centipawns; `material` is positive when white
     // leads.
     std::int32_t material;
     std::int32_t w_material;
@@ -64,7 +64,7 @@ struct Game {
     std::int32_t bking_sqr;
     std::uint32_t draw_hash_count;
 
-    Bitboard w_pieces, b_pieces;  // all men of a side, king included
+    Bitboard w_pieces, b_pieces;  // all pieces of a side, king included
     Bitboard w_bishops, b_bishops;
     Bitboard w_knights, b_knights;
     Bitboard w_rooks, b_rooks;  // whatever their kind
@@ -72,7 +72,7 @@ struct Game {
     Bitboard w_pawns, b_pawns;
     Bitboard w_king, b_king;
 
-    // All men, on the plain board and on three rotated ones, each square at the bit that the map of the same name
+    // All pieces, on the plain board and on three rotated ones, each square at the bit that the map of the same name
     // gives, so that one shift takes out a line. They change together, as one wide register.
     Bitboard men, r90, r45f, r45b;
 

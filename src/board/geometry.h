@@ -68,7 +68,7 @@ struct LineIndex {
 };
 extern const PerSquare<LineIndex> rank_line, file_line, r45f_line, r45b_line;
 
-/// What a slider reaches along one line, both ways, up to and including the first man: by square and line index.
+/// What a slider reaches along one line, both ways, up to and including the first piece: by square and line index.
 using LineAttacks = PerSquare<PerSquare<Bitboard>>;
 extern const LineAttacks rank_attacks, file_attacks, r45f_attacks, r45b_attacks;
 

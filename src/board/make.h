@@ -1,5 +1,5 @@
 // Playing a move on a game and taking it back. Make keeps everything in the record exact as it goes; unmake restores
-// the scalars from a saved record and moves only the men back. Neither asks whether the move is legal: they play any
+// the scalars from a saved record and moves only the pieces back. Neither asks whether the move is legal: they play any
 // pseudo-legal move, whoever's turn it is, and the caller asks afterwards whether the mover's king stands attacked.
 // A move whose `from` is empty or whose `to` holds a king is no valid input.
 #pragma once

@@ -13,13 +13,13 @@ Move* put_move(Move* out, int from, int to, std::uint8_t kind) {
     return out + 1;
 }
 
-/// One man's moves to each of the targets.
+/// One piece's moves to each of the targets.
 Move* put_moves(Move* out, int from, Bitboard targets, std::uint8_t kind) {
     while (targets != 0) out = put_move(out, from, pop_first(targets), kind);
     return out;
 }
 
-/// A stepping man's moves, or a slider's along one line: `reach` gives what the man on a square reaches.
+/// A stepping piece's moves, or a slider's along one line: `reach` gives what the piece on a square reaches.
 template <typename Reach>
 Move* put_moves_of(Move* out, Bitboard men, Bitboard targets, std::uint8_t kind, Reach reach) {
     while (men != 0) {
@@ -29,7 +29,7 @@ Move* put_moves_of(Move* out, Bitboard men, Bitboard targets, std::uint8_t kind,
     return out;
 }
 
-/// All men but the pawns, each to the squares of `targets` that it reaches.
+/// All pieces but the pawns, each to the squares of `targets` that it reaches.
 template <Side S> Move* put_piece_targets(const Game& g, Move* out, Bitboard targets, std::uint8_t kind) {
     const auto along_rank = [&g](int square) { return rank_reach(g, square); };
     const auto along_file = [&g](int square) { return file_reach(g, square); };

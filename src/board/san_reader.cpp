@@ -87,7 +87,7 @@ std::optional<Description> describe(std::string_view text) {
     return text.empty() ? std::optional(move) : std::nullopt;
 }
 
-/// A move without its man's letter is a pawn's, unless it names the whole square that it starts from.
+/// A move without its piece's letter is a pawn's, unless it names the whole square that it starts from.
 bool fits_man(const Description& wanted, char man) {
     if (wanted.man != 0) return man == wanted.man;
     return man == 'P' || (wanted.from_file != 0 && wanted.from_rank != 0);

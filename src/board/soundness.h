@@ -6,8 +6,8 @@
 namespace varn {
 
 /// Whether `make_move` can play the move and leave a sound record of a playable position, whatever the rules say and
-/// whoever's turn it is: a man goes to a square that holds neither a man of its own side nor a king, and what else the
-/// move's kind does to the board can be done. The move may be any three bytes; the position must be playable.
+/// whoever's turn it is: a piece goes to a square that holds neither a piece of its own side nor a king, and what else
+/// the move's kind does to the board can be done. The move may be any three bytes; the position must be playable.
 bool keeps_record_sound(const Game& game, Move move);
 
 }  // namespace varn

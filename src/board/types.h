@@ -86,7 +86,7 @@ constexpr bool same_mover(int a, int b) {
     return a == b || (is_white_rook(a) && is_white_rook(b)) || (is_black_rook(a) && is_black_rook(b));
 }
 
-// Values of the men in centipawns, shared by the material counts, the exchange evaluator and the move ordering. They
+// Values of the pieces in centipawns, shared by the material counts, the exchange evaluator and the move ordering. They
 // are independent of the evaluation's weights.
 inline constexpr int pawn_value = 100;
 inline constexpr int knight_value = 300;
@@ -103,7 +103,7 @@ inline constexpr auto piece_values = [] {
     return values;
 }();
 
-/// By piece code, positive for white men and negative for black ones.
+/// By piece code, positive for white pieces and negative for black ones.
 inline constexpr auto signed_piece_values = [] {
     auto values = piece_values;
     for (int code = 8; code < piece_code_count; ++code) values[code] = -values[code];

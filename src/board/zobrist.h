@@ -27,8 +27,8 @@ constexpr PositionKeys in_both(std::uint64_t number) { return {number, number}; 
 /// Draws all numbers above; equal seeds give equal numbers. Called once at start-up, before the first game.
 void draw_hash_numbers(std::uint64_t seed);
 
-/// The XOR of the numbers of all men, of the side to move and of the en-passant square. Castling rights are not in it:
-/// their numbers join a game's keys as the rights are lost.
+/// The XOR of the numbers of all pieces, of the side to move and of the en-passant square. Castling rights are not in
+/// it: their numbers join a game's keys as the rights are lost.
 PositionKeys position_keys(const Game& game);
 
 /// The same over the pawns only, with the side to move.

@@ -57,13 +57,13 @@ namespace {
 
 // --- Attack -------------------------------------------------------------------------------------------------------
 
-// Of a man in the enemy king's zone, as counts for the table below.
+// Of a piece in the enemy king's zone, as counts for the table below.
 constexpr int queen_attack = 5;
 constexpr int rook_attack = 3;
 constexpr int minor_attack = 2;
 constexpr int pawn_attack = 1;
 
-/// An attacker's gain in centipawns, by attack count: a man alone is no attack, each one more weighs more than the
+/// An attacker's gain in centipawns, by attack count: a piece alone is no attack, each one more weighs more than the
 /// last.
 constexpr Table<std::int32_t, 33> king_attack_weights = {{
     0,   0,   0,   0,   5,   10,  15,  20,  30,  50,  70,   //
@@ -86,7 +86,7 @@ namespace {
 
 // --- Control ------------------------------------------------------------------------------------------------------
 
-/// By man: what its control of a square counts.
+/// By piece: what its control of a square counts.
 constexpr Table<std::int32_t, 8> control_weights = {{50, 100, 660, 675, 450, 450, 450, 1000}};
 
 /// By danger count: what the enemy's hold on the squares round a king is worth to the enemy.
@@ -117,7 +117,7 @@ int king_shelter(const Game& game) { return king_shelter_of<Side::white>(game) -
 
 int king_attack(const Game& game) { return king_attack_of<Side::white>(game) - king_attack_of<Side::black>(game); }
 
-// The attackers may come in any order: who joins in behind a man hangs on the board alone. A king may come only where
+// The attackers may come in any order: who joins in behind a piece hangs on the board alone. A king may come only where
 // no enemy is left to capture it; of two kings neither can, and counting both comes to the same.
 int square_control(const Game& game, int square) {
     int balance = 0;

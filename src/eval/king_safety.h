@@ -14,13 +14,13 @@ int king_shelter(const Game& game);
 /// The part of side S, from its own point of view.
 template <Side S> int king_shelter_of(const Game& game);
 
-/// The men standing near the enemy king, whatever they attack there.
+/// The pieces standing near the enemy king, whatever they attack there.
 int king_attack(const Game& game);
 /// The attack of side S on the enemy king, from its own point of view.
 template <Side S> int king_attack_of(const Game& game);
 
 /// Who controls a square of the board: the attackers of both sides, those behind others included, each by its weight:
-/// the cheaper the man, the more its control counts. Positive for white.
+/// the cheaper the piece, the more its control counts. Positive for white.
 int square_control(const Game& game, int square);
 
 /// The balance of the squares round both kings that the enemy controls.

@@ -8,13 +8,13 @@ namespace varn {
 
 constexpr int total_material(const Game& g) { return g.w_material + g.b_material; }
 
-/// Nearly all men are on the board.
+/// Nearly all pieces are on the board.
 constexpr bool in_opening(const Game& g) { return total_material(g) > 7000; }
 
-/// So few men that no king has to fear an attack.
+/// So few pieces that no king has to fear an attack.
 constexpr bool kings_are_safe(const Game& g) { return total_material(g) <= 2500; }
 
-/// The side still has most of its men.
+/// The side still has most of its pieces.
 template <Side S> constexpr bool is_developing(const Game& g) { return material_of<S>(g) > 2500; }
 
 /// The side is left with so little that the enemy king may come out: for that king it is an ending.

@@ -1,7 +1,7 @@
-// The tables that only the evaluation reads: where the men stand well, what a passed pawn is worth, and a few geometric
-// boards. All are constants built by the compiler.
+// The tables that only the evaluation reads: where the pieces stand well, what a passed pawn is worth, and a few
+// geometric boards. All are constants built by the compiler.
 //
-// Square values are in centipawns and from the man's own point of view. They are written down as a person sees the
+// Square values are in centipawns and from the piece's own point of view. They are written down as a person sees the
 // board from white's side, rank 8 on top and the a-file on the left; black's are the same, turned over rank by rank.
 #pragma once
 
@@ -67,7 +67,7 @@ inline constexpr SquareValues pawn_squares = seen_by<S>({{
     0, 0,  0,  0,   0,   0,  0,  0,  //
 }});
 
-/// While the enemy has the men to attack: behind the pawns, on a wing.
+/// While the enemy has the pieces to attack: behind the pawns, on a wing.
 template <Side S>
 inline constexpr SquareValues king_squares_game = seen_by<S>({{
     -40, -40, -40, -40, -40, -40, -40, -40,  //
@@ -80,7 +80,7 @@ inline constexpr SquareValues king_squares_game = seen_by<S>({{
     0,   20,  10,  -20, 0,   -20, 20,  10,   //
 }});
 
-/// When the enemy has few men left: in the middle of the board.
+/// When the enemy has few pieces left: in the middle of the board.
 template <Side S>
 inline constexpr SquareValues king_squares_end = seen_by<S>({{
     0,  10, 20, 30, 30, 20, 10, 0,   //
@@ -139,7 +139,7 @@ inline constexpr auto adjacent_files = [] {
     return files;
 }();
 
-/// The files that hold a man of the board, as a byte: bit n stands for file number n + 1.
+/// The files that hold a piece of the board, as a byte: bit n stands for file number n + 1.
 constexpr std::uint8_t files_of(Bitboard board) {
     board |= board >> 32;
     board |= board >> 16;

@@ -14,8 +14,8 @@ struct Placement {
     std::uint8_t black_king;
 };
 
-/// In the order of the white king's square, then the pawn's, then the black king's. No two men share a square, the pawn
-/// stands on ranks 2 to 7, the kings don't touch, and the pawn doesn't attack the black king.
+/// In the order of the white king's square, then the pawn's, then the black king's. No two pieces share a square, the
+/// pawn stands on ranks 2 to 7, the kings don't touch, and the pawn doesn't attack the black king.
 std::vector<Placement> kpk_placements();
 
 /// The position text with white to move, no rights and fresh counters.

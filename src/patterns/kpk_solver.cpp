@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::uint8_t as_square(int square) { return static_cast<std::uint8_t>(square); }
 
-/// What a rook or a queen on `square` attacks with these men on the board.
+/// What a rook or a queen on `square` attacks with these pieces on the board.
 Bitboard slider_attacks(Man man, int square, Bitboard men) {
     Bitboard attacks = rank_attacks[square][line_index(men, rank_line[square])] |
                        file_attacks[square][line_index(rotate_90(men), file_line[square])];

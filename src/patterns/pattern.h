@@ -5,7 +5,7 @@
 
 namespace varn {
 
-/// The men of a position, and the axes of the space in which a position is a point.
+/// The pieces of a position, and the axes of the space in which a position is a point.
 enum Field : std::uint8_t { white_king_field, white_pawn_field, black_king_field };
 inline constexpr int field_count = 3;
 

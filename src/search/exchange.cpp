@@ -19,7 +19,8 @@ template <Side S> Bitboard cheapest_attacker(const Game& g, Bitboard attackers) 
     return defended ? 0 : king_of<S>(g) & attackers;
 }
 
-/// The attackers left when the man on `square` has captured: those behind it join in, but nothing joins behind a king.
+/// The attackers left when the piece on `square` has captured: those behind it join in, but nothing joins behind a
+/// king.
 Bitboard without(const Game& g, Bitboard attackers, int square, int target) {
     attackers &= not_bit(square);
     return man_of(g.cells[square]) == king ? attackers : add_xray(g, square, target, attackers);

@@ -7,7 +7,7 @@
 namespace varn {
 namespace {
 
-/// The squares that the man on `from` attacks, found without any table.
+/// The squares that the piece on `from` attacks, found without any table.
 Bitboard attacked_from(const Game& game, int from) {
     const int man = game.cells[from] & 7, forwards = game.cells[from] < 8 ? 1 : -1;
     Bitboard attacked = 0;

@@ -14,7 +14,7 @@ namespace varn {
 namespace {
 
 /// A position without boards or counts. The hashes are exact only relative to their start: `stray` is by how much the
-/// position's are off the sums over its men, through lost rights and null moves; `pawn_stray` never changes.
+/// position's are off the sums over its pieces, through lost rights and null moves; `pawn_stray` never changes.
 struct Model {
     Table<PieceCode, square_count> cells;
     std::uint32_t w_castle, b_castle;

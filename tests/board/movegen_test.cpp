@@ -47,7 +47,7 @@ TEST(Generation, CastlingRules) {
         {"5r2/8/8/R3K2R", "e1c1"},     {"6r1/8/8/R3K2R", "e1c1"},       // f1 or g1 attacked
         {"3r4/8/8/R3K2R", "e1g1"},     {"2r5/8/8/R3K2R", "e1g1"},       // d1 or c1
         {"7r/8/8/R3K2R", "e1g1 e1c1"}, {"1r6/8/8/R3K2R", "e1g1 e1c1"},  // h1 and b1 may be
-        {"8/8/7p/R3K2R", "e1c1"},      {"8/8/8/R3KB1R", "e1c1"},        // men in the way
+        {"8/8/7p/R3K2R", "e1c1"},      {"8/8/8/R3KB1R", "e1c1"},        // pieces in the way
         {"8/8/8/R3K1nR", "e1c1"},      {"8/8/8/RN2K2R", "e1g1"},
         {"8/8/8/R1b1K2R", "e1g1"},     {"8/8/8/R2QK2R", "e1g1"},
     };

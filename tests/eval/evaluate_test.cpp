@@ -63,11 +63,11 @@ TEST(Evaluate, Mobility) {
     const auto game = game_from("RN2k3/P7/8/2N5/3B4/2p1P3/r2b4/1r2K2R w - -");
     EXPECT_EQ(rook_mobility(*game, a8), -27);        // nothing free
     EXPECT_EQ(rook_mobility(*game, b1), 9);          // a1, c1, d1 and six up the file
-    EXPECT_EQ(bishop_mobility(*game, d1 + 24), 12);  // e5 to h8; men on all other ways
+    EXPECT_EQ(bishop_mobility(*game, d1 + 24), 12);  // e5 to h8; pieces on all other ways
     EXPECT_EQ(knight_mobility(*game, b8), 3);        // a6, c6, d7
     const auto cramped = game_from("4k3/2p5/3p4/Pn6/RN5N/2p5/P5NR/4K3 w - -");
     EXPECT_EQ(rook_mobility(*cramped, a1 + 24), -13);  // one free square, none along the rank
-    EXPECT_EQ(knight_mobility(*cramped, b1 + 32), 3);  // a3, a7, d4; own men on c3, c7, d6
+    EXPECT_EQ(knight_mobility(*cramped, b1 + 32), 3);  // a3, a7, d4; own pieces on c3, c7, d6
     const auto few = game_from("4k3/3p4/8/4p3/1p1R1p1p/3p3R/7P/4K3 w - -");
     EXPECT_EQ(rook_mobility(*few, d1 + 24), 4);   // c4, e4, d5, d6
     EXPECT_EQ(rook_mobility(*few, h1 + 16), -4);  // three along the rank
@@ -132,7 +132,7 @@ TEST(Evaluate, ChangesSignWhenTheBoardIsMirrored) {
         expect_mirrored(text);
         ASSERT_EQ(evaluation(text), evaluation(game)) << text;
     });
-    // Any men anywhere: many of them, pawns on the last ranks, a full board, no king; but not two.
+    // Any pieces anywhere: many of them, pawns on the last ranks, a full board, no king; but not two.
     RandomSource random(4);
     for (int round = 0; round < 1000; ++round) {
         std::string board = "11111111/11111111/11111111/11111111/11111111/11111111/11111111/11111111";

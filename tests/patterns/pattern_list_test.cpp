@@ -28,7 +28,7 @@ BoxPlace place_of(const PatternList& list, std::size_t index) {
 }
 
 TEST(Patterns, TheListChangesAsThePlainWalkChangesIt) {
-    std::vector<Pattern> odd = full_block(4);  // positions more than once, or without a man, or with two
+    std::vector<Pattern> odd = full_block(4);  // positions more than once, or without a piece, or with two
     odd.insert(odd.end(), odd.begin(), odd.begin() + 20);
     for (Bitboard i = 0; i < 20; ++i) odd.push_back({{0, i & 1, i}});
     const std::tuple<std::vector<Pattern>, std::size_t, int> works[] = {

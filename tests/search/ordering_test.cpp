@@ -34,7 +34,7 @@ TEST(Ordering, KillersChangePlacesByTheirCounts) {
     Killers killers;
     constexpr int ply = 499;
     const int i = killer_index(*white, ply);
-    // Each letter is a cut-off by a move and a man of its own; 0 zeroes the counts. Then the first and the second
+    // Each letter is a cut-off by a move and a piece of its own; 0 zeroes the counts. Then the first and the second
     // killer with their counts.
     for (const auto& [cuts, expected] : {std::pair{"ab", "@0 b0"},
                                          {"aa", "a1 @0"},

@@ -64,7 +64,8 @@ std::pair<int, int> PickerTest::place_of(const Game& game, Move move, std::optio
 
 TEST_F(PickerTest, HandsOutEachLegalMoveOnceStageByStage) {
     RandomSource random(31);
-    std::vector<std::pair<Move, int>> quiets_seen[2] = {{{{}, 0}}, {{{}, 0}}};  // by side, with the men that made them
+    std::vector<std::pair<Move, int>> quiets_seen[2] = {{{{}, 0}},
+                                                        {{{}, 0}}};  // by side, with the pieces that made them
     const auto pick = [&](const auto& from) { return from[random.below(from.size())]; };
     int first_moves = 0, killers = 0;
     visit_random_games(32, 25, [&](Game& game) {
@@ -81,7 +82,7 @@ TEST_F(PickerTest, HandsOutEachLegalMoveOnceStageByStage) {
             s.iteration_depth = 10;
             std::optional<Move> first;
             if (!legal.empty() && round != 0) first = pick(legal);
-            // Killers of positions long gone and of this one, of men of another kind, and the first move itself.
+            // Killers of positions long gone and of this one, of pieces of another kind, and the first move itself.
             std::tie(one.move, one_piece) = pick(quiets);
             std::tie(two.move, two_piece) =
                 quiets[quiets.size() - 1 - random.below(std::min<std::size_t>(quiets.size(), 9))];

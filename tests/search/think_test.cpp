@@ -108,6 +108,22 @@ TEST_F(Think, DeepensToTheLimitAsked) {
     }
 }
 
+TEST_F(Think, ARestrictedRootIsSearchedForItsMovesAloneAndKeptOutOfTheTable) {
+    const auto game = game_from(start_text);
+    const std::vector<Move> only = {parse_move(*game, "a2a3"), parse_move(*game, "h2h4")};
+    for (const auto& moves : {only, std::vector<Move>{}}) {
+        const auto best = think(s, *game, {.depth = 2, .only = moves}, {});
+        EXPECT_EQ(hash_probe(s.tables.transposition_table, *game, 0) == nullptr, !moves.empty());
+        EXPECT_TRUE(moves.empty() || best == moves[0] || best == moves[1]);
+    }
+    // What the other moves are worth doesn't count.
+    const auto winning = game_from("4k3/8/8/3q4/4P3/8/8/4K3 w - -");
+    think(s, *winning, {.depth = 4, .only = {parse_move(*winning, "e1e2")}}, {});
+    EXPECT_LT(s.root_score, 0);
+    think(s, *winning, {.depth = 4}, {});
+    EXPECT_GT(s.root_score, 0);
+}
+
 TEST_F(Think, TellsItsListenerOfEachIterationAndEachBetterLine) {
     const auto game = game_from(start_text);
     std::string order;

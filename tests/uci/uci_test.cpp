@@ -126,7 +126,7 @@ bool play_random_move(LongGame& played, RandomSource& random) {
     const auto is_final = [&](Move move) { return after(game, move)->fifty == 0; };
     std::erase_if(moves, ends_game);
     if (moves.empty()) return false;
-    // So many plies need men on the board: what can't be taken back comes seldom.
+    // So many plies need pieces on the board: what can't be taken back comes seldom.
     if (random.next() % 64 != 0 && !std::ranges::all_of(moves, is_final)) std::erase_if(moves, is_final);
     moves.resize(std::min<std::size_t>(moves.size(), 3));
     const Move move = moves[random.next() % moves.size()];
