@@ -157,7 +157,7 @@ std::string take_value(const Option& option, Options& values, std::string_view t
         if (text != "true" && text != "false") return "neither true nor false";
         values.*option.flag = text == "true";
     } else if (option.text != nullptr) {
-        values.*option.text = text;
+        values.*option.text = text == "<empty>" ? "" : text;  // as the protocol writes it
     }
     return "";
 }
