@@ -117,14 +117,14 @@ TEST(Faults, DeepSearchesFitASmallStack) {
     // An ending of blocked pawns, in which a search comes deeper than anywhere else.
     const std::string position = "setboard 8/k7/3p4/p2P1p2/P2P1P2/8/8/K7 w - -\nply 50\ntime 2000\n";
     Process console;
-    console.limit_stack(256U << 10U);
+    console.limit_stack(512U << 10U);
     console.send(position + "hint\nquit\n");
     const Outcome hint = console.finish();
     EXPECT_EQ(hint.status, 0);
     EXPECT_NE(hint.output.find("I recommend: "), std::string::npos) << hint.output;
 
     Process ponderer;
-    ponderer.limit_stack(256U << 10U);
+    ponderer.limit_stack(512U << 10U);
     ponderer.send(position + "xboard\nsd 50\ntime 4000\na1b1\n");
     ponderer.read_until("pondering: ");
     std::this_thread::sleep_for(std::chrono::seconds(2));
