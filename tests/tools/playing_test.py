@@ -241,6 +241,14 @@ def is_alive(process):
         return False
 
 
+def ends(process, patience=10):
+    """A process that was killed is gone a moment later."""
+    deadline = time.monotonic() + patience
+    while is_alive(process) and time.monotonic() < deadline:
+        time.sleep(0.01)
+    return not is_alive(process)
+
+
 class Processes(unittest.TestCase):
     def setUp(self):
         self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
@@ -276,7 +284,7 @@ class Processes(unittest.TestCase):
         child = self.child("sleep 60 & echo $!; wait")
         grandchild = int(child.read(5))
         child.kill()
-        self.assertFalse(is_alive(child.process.pid) or is_alive(grandchild))
+        self.assertTrue(ends(child.process.pid) and ends(grandchild))
 
     def test_nothing_outlives_the_tool(self):
         tool = """
@@ -301,10 +309,7 @@ run_tool(main)
                 if sign:
                     os.kill(process.pid, sign)
                 self.assertEqual(process.wait(10), status, deed)
-            deadline = time.monotonic() + 5
-            while is_alive(child) and time.monotonic() < deadline:
-                time.sleep(0.01)
-            self.assertFalse(is_alive(child), (deed, sign))
+            self.assertTrue(ends(child), (deed, sign))
 
 
 if __name__ == "__main__":
