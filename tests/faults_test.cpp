@@ -64,7 +64,7 @@ TEST(Faults, NothingIsLostAtSlowEndsOfPipesAndBySignals) {
             std::this_thread::sleep_for(std::chrono::milliseconds(50));  // it waits for its first line
             engine.send(input);
             for (const int signal : {SIGSTOP, SIGWINCH, SIGCONT, SIGURG}) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(50));  // nobody reads what it has to say
+                std::this_thread::sleep_for(std::chrono::milliseconds(50));  // its output is not read
                 engine.send_signal(signal);
             }
             engine.close_input();

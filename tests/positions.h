@@ -60,7 +60,7 @@ inline std::unique_ptr<Game> game_of_row(const std::vector<std::string>& row) {
     return game;
 }
 
-/// Equal in all but the keys behind the last position, which are nobody's.
+/// Equal in all but the keys behind the last position, which mean nothing.
 inline bool same_game(Game a, const Game& b) {
     std::copy(b.draw_hash.begin() + b.draw_hash_count, b.draw_hash.end(), a.draw_hash.begin() + b.draw_hash_count);
     return a == b;

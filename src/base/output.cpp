@@ -47,7 +47,7 @@ void end_when_unheard() {
 
 void set_up_output() { static_cast<void>(std::signal(SIGPIPE, SIG_DFL)); }
 
-// Where output fails for good there is nobody left to tell.
+// A failure for good is not reported: there is nowhere left to report it.
 void say_text(std::string_view text) {
     std::size_t said = 0;
     while (said < text.size()) {

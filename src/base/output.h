@@ -5,12 +5,12 @@
 
 namespace varn {
 
-/// A text that nobody is left to read ends the process, whatever signals it was started to ignore; what it does without
-/// a word, it still does to the end.
+/// Writing to a closed pipe ends the process, also where it was started to ignore that signal. Work that prints nothing
+/// goes on to its end.
 void set_up_output();
 
-/// From now on the process ends, with status 0, as soon as nobody is left to read from the pipe that is its standard
-/// output: at once, in the midst of a search that has hours to go, too.
+/// From now on the process ends, with status 0, as soon as the reader of the pipe that is its standard output is gone:
+/// at once, also in the middle of a long search.
 void end_when_unheard();
 
 /// Prints as `printf` does, in one write.

@@ -1,4 +1,4 @@
-// Every geometric fact about the board, as tables that the compiler builds and nobody writes: ranks, files and
+// Every geometric fact about the board, as tables that the compiler builds: ranks, files and
 // diagonals, the rotated bit orders, what sliders reach along a line, where steppers step, directions and rays.
 //
 // In this file r and f are rank and file counted from 0; f grows from the h-file, so west is +1 and north is +8.

@@ -1,4 +1,4 @@
-// What a move must not do to a record, where nobody asks for the rules.
+// What a move must not do to a record, where the rules are not checked.
 #pragma once
 
 #include "board/game.h"

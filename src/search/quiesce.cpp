@@ -1,7 +1,6 @@
 #include "search/quiesce.h"
 
 #include <algorithm>
-#include <cassert>
 
 #include "board/draws.h"
 #include "board/game_sides.h"

@@ -1,4 +1,4 @@
-// Moves that nobody validates: what the soundness test lets through must leave a record on which the engine can go on.
+// Moves that are not validated: what the soundness test lets through must leave a record on which the engine can go on.
 #include <gtest/gtest.h>
 
 #include "board/soundness.h"

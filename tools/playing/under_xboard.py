@@ -92,7 +92,7 @@ def set_up_side(arguments, folder):
 
 @contextlib.contextmanager
 def display():
-    """A display that nobody sees; gives its name."""
+    """A display without a screen; gives its name."""
     reader, writer = os.pipe()
     command = ["Xvfb", "-displayfd", str(writer), "-screen", "0", "1024x768x24", "-nolisten", "tcp"]
     server = start_program(command, pass_fds=[writer], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
