@@ -69,11 +69,9 @@ def answer(legal):
         sys.stderr.write("trouble\\n")
     if is_due() == "silent":
         return
-    say("bestmove " + " ponder ".join(best))
-    if is_due() == "twice":
-        say("bestmove " + best[0])
-    if is_due() == "late info":
-        say("info depth 1")
+    # What comes too late is written together with bestmove: written behind it, it could fall into the next search.
+    too_late = {"twice": "\\nbestmove " + best[0], "late info": "\\ninfo depth 1"}.get(is_due(), "")
+    say("bestmove " + " ponder ".join(best) + too_late)
 
 for text in sys.stdin:
     words = text.split()
