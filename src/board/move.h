@@ -5,15 +5,16 @@
 
 namespace varn {
 
-/// One move. The absence of a move is an empty `std::optional`, never a value of the record.
-struct Move {
+/// One move. The absence of a move is an empty `std::optional`, never a value of the record. Aligned, so that it is
+/// loaded and stored as one word.
+struct alignas(4) Move {
     std::uint8_t from;
     std::uint8_t to;
     std::uint8_t kind;
 
     friend constexpr bool operator==(const Move&, const Move&) = default;
 };
-static_assert(sizeof(Move) == 3);
+static_assert(sizeof(Move) == 4);
 
 // Kinds of a move. A promotion's kind is the code of the new piece, also where it captures.
 inline constexpr std::uint8_t kind_quiet = 0;
@@ -34,9 +35,9 @@ constexpr bool is_promotion(int kind) {
 /// Fixed-capacity list that all generators fill. `scores` belongs to whoever orders the moves.
 struct MoveList {
     static constexpr int capacity = 1000;
-    Table<std::int32_t, capacity> scores;
-    Table<Move, capacity> moves;
     std::int32_t count;
+    Table<Move, capacity> moves;  // beside the count: a short list takes few lines of the cache
+    Table<std::int32_t, capacity> scores;
 
     const Move* begin() const { return moves.begin(); }
     const Move* end() const { return moves.begin() + count; }
