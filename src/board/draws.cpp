@@ -50,6 +50,7 @@ bool is_irreversible(const Game& g, Move move) {
 
 }  // namespace
 
+// Kept: docs/compatibility.md#insufficient-material
 bool insufficient_material(const Game& game) {
     return mating_pieces(game) == 0 && !has_at_least(minor_pieces<Side::white>(game), 2) &&
            !has_at_least(minor_pieces<Side::black>(game), 2);

@@ -41,7 +41,7 @@ const char* castling_report(std::uint32_t rights) {
     }
 }
 
-/// As the hash of a position is printed: the low 32 bits, signed.
+/// As the hash of a position is printed. Kept: docs/compatibility.md#hash-numbers
 std::string low_half(std::uint64_t key) { return std::to_string(static_cast<std::int32_t>(key)); }
 
 }  // namespace

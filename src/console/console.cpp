@@ -21,6 +21,7 @@ namespace varn {
 
 namespace {
 
+// Kept: docs/compatibility.md#commands-that-do-nothing
 void do_nothing(Console&, const CommandLine&) {}
 
 [[noreturn]] void quit(Console&, const CommandLine&) { std::exit(0); }
@@ -52,6 +53,7 @@ struct Command {
 constexpr Command commands[] = {
     {"new\n", whole_line, help, start_new_game, "new                   resets game\n"},
     {"show\n", whole_line, help, show_game, "show                  shows the board in ascii\n"},
+    // Kept: docs/compatibility.md#spelling-of-texts
     {"moves\n", whole_line, help, list_moves, "moves                 lists all pseudo-legal moves\n"},
     {"go\n", whole_line, help, do_nothing, "go                    force AI to play this color and make a move\n"},
     {"sides\n", whole_line, help, switch_sides, "sides                 switches whose go it is\n"},
@@ -69,6 +71,7 @@ constexpr Command commands[] = {
     {"debug\n", whole_line, help, list_debug_commands, "debug                 displays the debugging commands.\n"},
     {"reps\n", whole_line, help, do_nothing,
      "reps                  displays how many times this position has\n"
+     // Kept: docs/compatibility.md#spelling-of-texts
      "                          occured in the game.\n"},
     {"ply ", beginning, help, set_ply_limit, "ply n                 sets how far the ai will scan ahead.\n"},
     {"cvc\n", whole_line, help, play_itself, "cvc                   makes the engine play itself.\n"},
@@ -119,6 +122,7 @@ constexpr Command commands[] = {
     {"eval\n", whole_line, none, show_evaluation},
     {"evalpawns\n", whole_line, none, show_pawn_evaluation},
     {"keval\n", whole_line, none, show_king_safety},
+    // Kept: docs/compatibility.md#abbreviated-commands
     {"ksaf", beginning, none, show_attack_evaluation},
     {"control", beginning, none, show_square_control},
     {"attacks", beginning, none, show_attackers},

@@ -66,6 +66,7 @@ void type_move(Console& console, const CommandLine& line) {
 }
 
 void start_new_game(Console& console, const CommandLine& line) {
+    // Kept: docs/compatibility.md#spelling-of-texts
     say_text("reseting game...\n");
     console.engine.book_enabled = true;
     allocate_tables(console.engine);

@@ -37,6 +37,7 @@ MoveList pseudo_legal_captures(const Game& game) {
 
 }  // namespace
 
+// Kept: docs/compatibility.md#finished-games-end-the-console
 void show_game(Console& console, const CommandLine&) {
     say_text("\n");
     print_board(*console.engine.game, WhenOver::end_process);

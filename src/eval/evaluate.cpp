@@ -67,7 +67,7 @@ template <Side S> int undeveloped_minors(const Game& g) {
     return undeveloped_minor * popcount((knights_of<S>(g) | bishops_of<S>(g)) & own_squares<S>(b1, c1, f1, g1));
 }
 
-/// Counts against a side without a queen, too.
+/// Counts against a side without a queen, too. Kept: docs/compatibility.md#early-queen
 template <Side S> int early_queen(const Game& g) {
     return in_opening(g) && (queens_of<S>(g) & own_rank_mask<S>(1)) == 0 ? queen_out_early : 0;
 }

@@ -132,7 +132,7 @@ int square_control(const Game& game, int square) {
 
 int attack_eval(const Game& game) {
     const int attack_on_black = danger<Side::white>(game, b_king_region[game.bking_sqr]);
-    // White's king is granted three points of danger, and black's none: the one score here that doesn't mirror.
+    // Kept: docs/compatibility.md#attack-evaluation
     constexpr int granted_to_white = 3;
     int attack_on_white = danger<Side::black>(game, w_king_region[game.wking_sqr]);
     if (attack_on_white > granted_to_white) attack_on_white -= granted_to_white;

@@ -80,6 +80,7 @@ template <Side S> int passed_score(const Game& g, Bitboard passed) {
 }
 
 /// On each of the files the pawn on the lowest square.
+// Kept: docs/compatibility.md#passed-pawns-by-file
 Bitboard first_on_files(Bitboard pawns, std::uint8_t files) {
     Bitboard first = 0;
     for (Bitboard left = pawns & whole_files(files); left != 0;) {

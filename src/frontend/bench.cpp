@@ -10,6 +10,7 @@ namespace varn {
 
 namespace {
 
+// Kept: docs/compatibility.md#signature-of-the-search
 constexpr std::uint64_t hash_seed = 20080519;
 
 }  // namespace

@@ -12,6 +12,7 @@ namespace varn {
 
 namespace {
 
+// Kept: docs/compatibility.md#book-rows
 constexpr int last_book_ply = 20;       // moves with a greater number in the game end the book
 constexpr std::size_t move_length = 4;  // characters of a move in a row
 

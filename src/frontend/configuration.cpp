@@ -40,7 +40,7 @@ std::optional<Configuration> read_configuration() {
     const File file = open_for_reading("varn.ini");
     if (file == nullptr) return std::nullopt;
     Configuration configuration;
-    // A longer line goes on as a line of its own.
+    // A longer line goes on as a line of its own. Kept: docs/compatibility.md#long-lines-of-the-settings
     char line[100];
     while (std::fgets(line, sizeof line, file.get()) != nullptr) read_setting(configuration, line);
     return configuration;

@@ -16,6 +16,7 @@ std::string_view status_text(GameStatus status, Side turn) {
         case GameStatus::goes_on: return "Game is in progress.\n";
         case GameStatus::mate:
             return turn == Side::white ? "White is Checkmated. Black wins.\n" : "Black is Checkmated. White wins.\n";
+        // Kept: docs/compatibility.md#one-word-for-two-draws
         case GameStatus::stalemate:
         case GameStatus::fifty_moves: return "Stalemate.\n";
         case GameStatus::insufficient_material: return "Draw by insufficient material.\n";

@@ -86,6 +86,7 @@ void play_suite(SuiteRun& run, std::istream& suite) {
             ++solved;
             report.say_both("Test #" + number + ": Success!\n");
         } else {
+            // Kept: docs/compatibility.md#spelling-of-texts
             report.say_here_and_log("Test #" + number + ": Failure.\n", "Test #" + number + ": Failure!\n");
         }
         report.say_both('\n' + score());

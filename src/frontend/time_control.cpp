@@ -34,6 +34,7 @@ std::int32_t limit(std::int64_t milliseconds) {
 void set_level(TimeControl& control, std::string_view numbers) {
     const auto moves = take_number(numbers);
     if (!moves) return;
+    // Kept: docs/compatibility.md#level
     const auto base = take_number(numbers);
     const auto increment = base ? take_number(numbers) : std::nullopt;
     if (*moves == 0) {

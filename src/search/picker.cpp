@@ -26,6 +26,7 @@ Move hand_out(Search& s, Game& game, const Picker& picker, Move move) {
 bool try_move(Search& s, Game& game, const Picker& picker, Move move) {
     UndoRecord& undo = s.undo_stack[picker.ply];
     save_undo(game, undo);
+    // Kept: docs/compatibility.md#captured-piece-of-a-ply
     s.search_stack[picker.ply].captured = game.cells[move.to];
     if (!make_if_legal(game, move, picker.pins, undo)) return false;
     push_keys(game);

@@ -100,6 +100,7 @@ int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply) {
         if (gain < 0 || gain + stand + delta_margin < alpha) break;
 
         const Move move = list.moves[i];
+        // Kept: docs/compatibility.md#captured-piece-of-a-ply
         s.search_stack[ply].captured = game.cells[move.to];
         if (!make_if_legal(game, move, pins, undo)) continue;
         prefetch_qhash(table, game);

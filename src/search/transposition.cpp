@@ -14,8 +14,7 @@ constexpr std::int8_t empty_depth = -1;
 constexpr std::uint8_t empty_bound = 255;
 constexpr std::int32_t etc_bonus = 1000000;  // above any history score that the list could hold instead
 
-/// What an entry counts for in the settings and in the report. It takes less, but equal settings mean equal numbers of
-/// entries for good, and so equal searches.
+/// What an entry counts for in the settings and in the report. Kept: docs/compatibility.md#size-of-hash-entries
 constexpr std::uint64_t reckoned_bytes = 40;
 
 template <typename Entry> void clear(HashTable<Entry>& table) {
@@ -123,6 +122,7 @@ void hash_store(TranspositionTable& table, const Game& game, int depth, std::opt
         }
         entry.credit = depth * depth;
     }
+    // Kept: docs/compatibility.md#mate-scores-in-the-table
     if (is_mate_score(score)) score += score > 0 ? depth : -depth;
     entry.score = score;
     entry.has_move = move ? 1 : 0;

@@ -27,6 +27,7 @@ std::string_view result_text(GameStatus status, Side turn) {
         case GameStatus::fifty_moves: return "1/2-1/2 {Draw by 50 move rule}\n";
         case GameStatus::repetition:
         case GameStatus::third_repetition: return "1/2-1/2 {Draw by repetition}\n";
+        // Kept: docs/compatibility.md#spelling-of-texts
         case GameStatus::insufficient_material: return "1/2-1/2 {Draw by insufficient materal}\n";
         case GameStatus::full_record: return "1/2-1/2 {Draw by game length}\n";
     }
@@ -64,6 +65,7 @@ void start_protocol_game(Protocol& protocol) {
 
 using Handler = void (*)(Protocol& protocol, std::string_view arguments);
 
+// Kept: docs/compatibility.md#commands-that-do-nothing
 void ignore(Protocol&, std::string_view) {}
 
 void new_game_command(Protocol& protocol, std::string_view) { start_protocol_game(protocol); }
@@ -216,6 +218,7 @@ constexpr Command commands[] = {
     {"accepted", Match::beginning, ignore},
     {"rejected", Match::beginning, ignore},
     {"name ", Match::beginning, ignore},
+    // Kept: docs/compatibility.md#result-starts-a-new-game
     {"result", Match::beginning, new_game_command},
     {"RESULT", Match::beginning, new_game_command},
     {"protover ", Match::beginning, tell_features},

@@ -1,0 +1,38 @@
+"""The tables of the documents that programs write: text between two comments, the first of which names the program.
+
+    <!-- made by bench/compare search --build build/release -->
+    ...
+    <!-- end -->
+"""
+
+import re
+
+
+def made_text(path, command):
+    """The text that the command has made in the document."""
+    return _find(path, command)[1]
+
+
+def replace_made(path, command, text):
+    before, _, after = _find(path, command)
+    path.write_text("%s\n%s\n\n%s" % (before, text.strip(), after))
+
+
+def _find(path, command):
+    mark = re.escape("<!-- made by %s -->\n" % command)
+    found = re.fullmatch("(.*%s)(.*?)(<!-- end -->.*)" % mark, path.read_text(), re.DOTALL)
+    if not found:
+        raise LookupError("%s has no place for what %s makes" % (path, command))
+    return found[1], found[2].strip(), found[3]
+
+
+def read_table(text):
+    """Rows of cells, the first of them the head."""
+    rows = [[cell.strip() for cell in line.strip("|").split("|")] for line in text.splitlines() if line.startswith("|")]
+    return rows[:1] + rows[2:]
+
+
+def table_text(rows):
+    rows = [[str(cell) for cell in row] for row in rows]
+    return "\n".join(["| " + " | ".join(row) + " |" for row in rows[:1]] + ["|" + "---|" * len(rows[0])] +
+                     ["| " + " | ".join(row) + " |" for row in rows[1:]])
