@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "frontend/version.h"
 #include "process.h"
 #include "tables.h"
 #include "xboard/xboard.h"
@@ -27,6 +28,13 @@ template <typename Answer> void expect_transcript(const std::string& transcript,
     }
 }
 
+/// Names the program and its version where the text says "{program}".
+inline std::string with_program_name(std::string text) {
+    constexpr std::string_view name = "{program}";
+    for (std::size_t at; (at = text.find(name)) != std::string::npos;) text.replace(at, name.size(), program_name);
+    return text;
+}
+
 /// Hands out the transcripts of a file as `play(title, transcript)`: one stands below each title line.
 template <typename Play> void for_each_transcript(const std::string& name, Play play) {
     std::ifstream file(VARN_TEST_FOLDER "/transcripts/" + name);
@@ -35,12 +43,12 @@ template <typename Play> void for_each_transcript(const std::string& name, Play 
     ASSERT_GT(sections.size(), 1U) << name;
     for (auto section = sections.begin() + 1; section != sections.end(); ++section) {
         const std::size_t title_end = section->find('\n');
-        play(section->substr(0, title_end), section->substr(title_end + 1) + '\n');
+        play(section->substr(0, title_end), with_program_name(section->substr(title_end + 1)) + '\n');
     }
 }
 
-inline constexpr std::string_view features =
-    "feature analyse=0\nfeature setboard=0\nfeature myname=\"Varn 0.2\"\nfeature done=1\n";
+inline const std::string features = with_program_name(
+    "feature analyse=0\nfeature setboard=0\nfeature myname=\"{program}\"\nfeature done=1\n");
 
 /// What the protocol says of how a game stands.
 inline std::string result_text(const Game& game) {
