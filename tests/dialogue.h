@@ -47,8 +47,8 @@ template <typename Play> void for_each_transcript(const std::string& name, Play 
     }
 }
 
-inline const std::string features = with_program_name(
-    "feature analyse=0\nfeature setboard=0\nfeature myname=\"{program}\"\nfeature done=1\n");
+inline const std::string features =
+    with_program_name("feature analyse=0\nfeature setboard=0\nfeature myname=\"{program}\"\nfeature done=1\n");
 
 /// What the protocol says of how a game stands.
 inline std::string result_text(const Game& game) {
