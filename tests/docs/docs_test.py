@@ -57,28 +57,38 @@ class Fault(Exception):
 
 
 def pattern_of(line, flags):
-    return re.compile(".*".join(map(re.escape, masked(line, flags).split("..."))))
+    """Of a line with its end, or of the lines that `...` stands for."""
+    if line == "...":
+        return "(?:.*\n)*?"
+    return ".*".join(map(re.escape, masked(line, flags).split("..."))) + "\n"
 
 
-def compare(expected, lines, flags, whole):
-    """Takes lines until the expected ones have come. Where `whole`, nothing may come after them."""
-    left, skipping = list(expected), False
-    lines = iter(lines)
-    while True:
-        while left and left[0] == "...":
-            skipping = bool(left.pop(0))
-        if not left and (skipping or not whole):
-            return
-        line = next(lines, None)
-        if line is None and not left:
-            return
-        if line is None:
-            raise Fault("didn't print: " + left[0])
-        if left and pattern_of(left[0], flags).fullmatch(masked(line, flags)):
-            left.pop(0)
-            skipping = False
-        elif not skipping:
-            raise Fault("printed: %s\n    instead of: %s" % (line, left[0] if left else "nothing"))
+def compare(expected, lines, flags):
+    """All that was printed with all that should be."""
+    said = "".join(masked(line, flags) + "\n" for line in lines)
+    patterns = [pattern_of(line, flags) for line in expected]
+    if re.fullmatch("".join(patterns), said):
+        return
+    held = next(count for count in range(len(patterns), -1, -1) if re.match("".join(patterns[:count]), said))
+    raise Fault("prints: %s\n    at: %s" % (said[-1500:], expected[held] if held < len(expected) else "the end"))
+
+
+def await_lines(expected, answers, flags):
+    """Takes answers until the expected ones have come."""
+    skipping = False
+    for line in expected:
+        if line == "...":
+            skipping = True
+            continue
+        pattern = re.compile(pattern_of(line, flags))
+        for answer in answers:
+            if pattern.fullmatch(masked(answer, flags) + "\n"):
+                break
+            if not skipping:
+                raise Fault("answers: %s\n    instead of: %s" % (answer, line))
+        else:
+            raise Fault("doesn't answer: " + line)
+        skipping = False
 
 
 def without_blank_end(lines):
@@ -135,7 +145,7 @@ class Documents:
         for command, expected in steps_of(lines, "$ "):
             said = self.output(["bash", "-c", command + "\necho; pwd"], folder=folder)
             *said, end = said.rstrip("\n").split("\n")
-            compare(without_blank_end(expected), without_blank_end(said), flags, whole=True)
+            compare(without_blank_end(expected), without_blank_end(said), flags)
             folder = pathlib.Path(end)
 
     def run_console(self, lines, flags):
@@ -143,7 +153,7 @@ class Documents:
         said = self.output(self.program("console"), "".join(command + "\n" for command, _ in steps))
         answers = re.split(r"(?:^|(?<=Varn> ))Varn> ", said, flags=re.MULTILINE)[1:]
         for (command, expected), answer in zip(steps, answers + ["the program had ended\n"] * len(steps)):
-            compare(without_blank_end(expected), without_blank_end(answer.split("\n")), flags, whole=True)
+            compare(without_blank_end(expected), without_blank_end(answer.split("\n")), flags)
 
     def run_protocol(self, kind, lines, flags):
         """Says each line once the answers to the one before have come."""
@@ -158,7 +168,7 @@ class Documents:
             answers = (line.rstrip("\n") for line in process.stdout)
             for command, expected in steps_of(lines, "> "):
                 process.stdin.write(command + "\n")
-                compare(expected, answers, flags, whole=False)
+                await_lines(expected, answers, flags)
         finally:
             alarm.cancel()
             process.kill()
@@ -268,15 +278,14 @@ class Documents:
 
 
 def anchors(document):
-    headings = re.findall(r"^#+ (.+)$", document.read_text(), re.MULTILINE)
+    """What links can name: its headings, but for the title, as the hosts of documents write them."""
+    headings = re.findall(r"^##+ (.+)$", document.read_text(), re.MULTILINE)
     return [re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings]
 
 
 def check_marks():
     """Of what must not change: each entry is named in the code, and what the code names is an entry."""
-    page = ROOT / "docs/compatibility.md"
-    entries = [re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-")
-               for heading in re.findall(r"^## (.+)$", page.read_text(), re.MULTILINE)]
+    entries = anchors(ROOT / "docs/compatibility.md")
     named = {mark for folder in ["src", "tools"] for file in (ROOT / folder).rglob("*.[ch]*") if file.is_file()
              for mark in re.findall(r"docs/compatibility\.md#([\w-]+)", file.read_text(errors="replace"))}
     return (["docs/compatibility.md: the code doesn't name #%s" % entry for entry in entries if entry not in named] +
