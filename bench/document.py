@@ -15,7 +15,7 @@ def made_text(path, command):
 
 def replace_made(path, command, text):
     before, _, after = _find(path, command)
-    path.write_text("%s\n%s\n\n%s" % (before, text.strip(), after))
+    path.write_text("%s%s\n\n%s" % (before, text.strip(), after))
 
 
 def _find(path, command):
