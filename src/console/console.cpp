@@ -1,6 +1,7 @@
 #include "console/console.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <limits>
 #include <string>
@@ -26,6 +27,8 @@ void do_nothing(Console&, const CommandLine&) {}
 [[noreturn]] void quit(Console&, const CommandLine&) { std::exit(0); }
 
 [[noreturn]] void speak_xboard(Console& console, const CommandLine&) {
+    // How a client may ask for attention, which between its lines it has anyway. It may come at once, so this is first.
+    static_cast<void>(std::signal(SIGINT, SIG_IGN));
     say_text("\n");
     xboard_loop(console.engine);
 }

@@ -148,6 +148,17 @@ TEST(Xboard, AnswersAllOfAnInputThatHasEnded) {
     EXPECT_TRUE(outcome.output.ends_with("Illegal Move: ????\nIllegal Move: a3a3\n")) << outcome.output;
 }
 
+TEST(Xboard, IsNotInterruptedFromItsFirstLineOn) {
+    Process engine(Files{{"varn.ini", "hash 22\n"}});  // takes a while to be made ready
+    engine.send("xboard\n");
+    engine.read_until("Varn> \n");
+    engine.send_signal(SIGINT);
+    engine.send("ping\nquit\n");
+    const Outcome outcome = engine.finish();
+    EXPECT_EQ(outcome.output, "Illegal Move: ????\n");
+    EXPECT_EQ(outcome.status, 0);
+}
+
 TEST(Xboard, IsNotInterrupted) {
     Partner partner;
     partner.answer("sd 9; post");
