@@ -100,4 +100,11 @@ void anneal_kpk(AnnealRun& run, Game& game, const PositionReader& position_read,
     run.is_written = run.list == nullptr || dump_patterns(patterns_file_name, *run.list);
 }
 
+bool settle_patterns(AnnealRun& run) {
+    if (run.is_written || dump_patterns(patterns_file_name, *run.list)) return true;
+    const auto rescued = rescue_patterns(patterns_file_name, *run.list);
+    say_text(rescued ? "the patterns are in " + *rescued + ".\n" : "the patterns are lost.\n");
+    return false;
+}
+
 }  // namespace varn

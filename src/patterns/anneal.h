@@ -29,4 +29,8 @@ struct AnnealRun {
 /// What couldn't be written isn't lost: the next call does nothing but to try once more to write it.
 void anneal_kpk(AnnealRun& run, Game& game, const PositionReader& position_read, std::uint64_t moves = kpk_moves);
 
+/// To be called before the boxes of the run are gone with the process. What couldn't be written is tried once more, and
+/// where that fails again it goes to the folder for temporary files, which is said. Returns whether nothing is astray.
+bool settle_patterns(AnnealRun& run);
+
 }  // namespace varn
