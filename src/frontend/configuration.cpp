@@ -40,9 +40,12 @@ std::optional<Configuration> read_configuration() {
     const File file = open_for_reading("varn.ini");
     if (file == nullptr) return std::nullopt;
     Configuration configuration;
-    // A longer line goes on as a line of its own.
+    // A longer line goes on as a line of its own, and behind so many lines no settings are expected.
+    constexpr int most_lines = 10000;
     char line[100];
-    while (std::fgets(line, sizeof line, file.get()) != nullptr) read_setting(configuration, line);
+    for (int n = 0; n < most_lines && std::fgets(line, sizeof line, file.get()) != nullptr; ++n) {
+        read_setting(configuration, line);
+    }
     return configuration;
 }
 
