@@ -115,7 +115,7 @@ TEST(Faults, NoPartOfAFileIsLeftBehind) {
     full.send("kpkbb\nquit\n");
     const Outcome outcome = full.finish();
     EXPECT_TRUE(outcome.output.ends_with("\nshuffling...\nerror: cannot output evalubase file.\nVarn> "));
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(full.folder().names(), before);
 
     const Fault fault("signal behind a file");
