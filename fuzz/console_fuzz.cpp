@@ -1,5 +1,5 @@
-// A whole session at the console. Searches are kept to one ply. What takes long by itself is left out, and so are runs of
-// test suites outside the fuzzer's folder.
+// A whole session at the console. Searches are kept to one ply. What takes long by itself is left out, and so are runs
+// of test suites outside the fuzzer's folder.
 #include <algorithm>
 #include <cstdio>
 #include <string>

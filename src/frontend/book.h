@@ -29,9 +29,9 @@ enum class BookFault : std::uint8_t { none, no_file, too_long };
 BookFault load_book(Book& book, const std::string& file_name, std::uint64_t seed);
 
 /// A move that some row has after the moves of the game, drawn at random by the number of rows; none where no row fits,
-/// the drawn row ends here or its move can't be played, or more than 21 moves were played. The draw is over as many rows
-/// as fit, from the first of them on: where they don't stand together, another row's move may come up, and is played if
-/// it is legal.
+/// the drawn row ends here or its move can't be played, or more than 21 moves were played. The draw is over as many
+/// rows as fit, from the first of them on: where they don't stand together, another row's move may come up, and is
+/// played if it is legal.
 std::optional<Move> book_move(Book& book, const Game& game);
 
 }  // namespace varn
