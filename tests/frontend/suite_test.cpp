@@ -121,6 +121,21 @@ TEST(Suite, NeitherWaitsForAPeerNorReadsALineWithoutEnd) {
     EXPECT_EQ(engine.file("log"), "Test suite complete.\n  0/0 problems solved.\n\n");
 }
 
+TEST(Suite, GoesOnWhereItsLogIsFullAndSaysSo) {
+    Files files = default_files();
+    files["suite"] = "k7/8/1K6/8/8/8/8/8 b - - bm Kb8;\n";
+    Process engine(files);
+    engine.limit_files(20);
+    engine.send("runsuite suite log\nquit\n");
+    const Outcome outcome = engine.finish();
+    EXPECT_TRUE(
+        outcome.output.ends_with("Test suite complete.\n  1/1 problems solved.\n\n"
+                                 "error: the log could not be written to its end.\nVarn> "))
+        << outcome.output;
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(engine.file("log"), "\nTest position #1: k");
+}
+
 TEST(Suite, AForeignLineEndsTheProcessBehindACompleteLog) {
     for (const std::string foreign : {"\n", "4k3/x w - -\n"}) {
         const std::string solved = "k7/8/1K6/8/8/8/8/8 b - - bm Kb8;\n";
