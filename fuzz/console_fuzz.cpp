@@ -1,4 +1,5 @@
-// A whole session at the console. Searches are kept to one ply, and what takes long by itself is left out.
+// A whole session at the console. Searches are kept to one ply. What takes long by itself is left out, and so are runs
+// of test suites outside the fuzzer's folder.
 #include <algorithm>
 #include <cstdio>
 #include <string>
@@ -23,12 +24,17 @@ std::string_view next_line(std::string_view input) {
     return piece.substr(0, std::min(piece.find('\n'), piece.size() - 1) + 1);
 }
 
+/// The suite and the log of a run may have any name.
+bool leaves_folder(std::string_view line) {
+    return line.starts_with("runs") && line.find('/') != std::string_view::npos;
+}
+
 /// Each line that is left out leaves its newline behind, so that no other two lines come together.
 std::string bounded(std::string_view input) {
     std::string lines;
     while (!input.empty()) {
         const std::string_view line = next_line(input);
-        if (takes_long(line)) {
+        if (takes_long(line) || leaves_folder(line)) {
             lines += '\n';
         } else {
             lines += line;

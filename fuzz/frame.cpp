@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -16,6 +17,12 @@ namespace {
 struct EndOfProcess {};
 bool may_exit = true;
 std::unique_ptr<varn::Engine> engine;  // null before the start
+std::string folder;                    // the engine's, once it was started
+
+void remove_folder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+}
 
 }  // namespace
 
@@ -35,8 +42,9 @@ namespace varn {
 
 void start_engine() {
     if (engine != nullptr) return;
-    std::string folder = "/tmp/varn_fuzz_XXXXXX";
+    folder = (std::filesystem::temp_directory_path() / "varn_fuzz_XXXXXX").string();
     if (mkdtemp(folder.data()) == nullptr || chdir(folder.c_str()) != 0) std::abort();
+    static_cast<void>(std::atexit(remove_folder));
     if (std::freopen("/dev/null", "w", stdout) == nullptr) std::abort();
     write_file("varn.ini", "hash 10\nqhash 40000\nphash 16000\n");
     set_up_process();

@@ -100,6 +100,7 @@ void run_input(std::string_view input) {
     auto game = varn::new_game();
     const auto first = static_cast<unsigned char>(input[0]);
     varn::set_position(*game, positions[first % std::size(positions)]);
+    varn::complete_record(*game);
     const auto base = std::make_unique<varn::Game>(*game);
     std::vector<Step> line;
     int null_moves = 0;

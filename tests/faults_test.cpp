@@ -15,16 +15,11 @@ namespace {
 /// While it lives, engines are started with something that goes wrong.
 class Fault {
 public:
-    explicit Fault(const char* name) {
-        setenv("VARN_FAULT", name, 1);
-        setenv("LD_PRELOAD", VARN_FAULTS, 1);
-    }
-    ~Fault() {
-        unsetenv("LD_PRELOAD");
-        unsetenv("VARN_FAULT");
-    }
-    Fault(const Fault&) = delete;
-    Fault& operator=(const Fault&) = delete;
+    explicit Fault(const char* name) : name_("VARN_FAULT", name) {}
+
+private:
+    Environment name_;
+    Environment library_ = Environment("LD_PRELOAD", VARN_FAULTS);
 };
 
 std::string repeated(int times, std::string_view text) {
@@ -41,8 +36,6 @@ TEST(Faults, WithoutMemoryTheProcessEndsWithALine) {
         {{{"varn.ini", "hash 9\nqhash 100000000"}}, "error: out of memory.\n"},
         {{{"varn.ini", "hash 9\nqhash 40\nphash 50000000"}},
          "error:  cannot allocate 50000000 bytes for pawn hash tables.\n"},
-        {{{"varn.ini", "hash 9\nqhash 40"}, {"suite", repeated(20'000'000, " ")}},
-         "Varn> running test suite: suite\nerror: out of memory.\n"},
     };
     for (const auto& [files, output] : cases) {
         const Outcome outcome = run_console("runsuite suite log\n", files);
@@ -110,6 +103,26 @@ TEST(Faults, ASignalEndsALongRunAndLeavesWhatIsFinished) {
         engine.send_signal(signal);
         EXPECT_EQ(engine.finish().status, -signal);
     }
+}
+
+TEST(Faults, NoPartOfAFileIsLeftBehind) {
+    const std::string positions = repeated(100, "8/8/8/8/8/8/7P/5k1K w - - 0 1\t0\n");
+    const std::vector<std::string> before = {"kpkbb", "varn.ini"};
+    Files files = default_files();
+    files["kpkbb"] = positions;
+    Process full(files);
+    full.limit_files(1000);
+    full.send("kpkbb\nquit\n");
+    const Outcome outcome = full.finish();
+    EXPECT_TRUE(outcome.output.ends_with("\nshuffling...\nerror: cannot output evalubase file.\nVarn> "));
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(full.folder().names(), before);
+
+    const Fault fault("signal behind a file");
+    Process ended(files);
+    ended.send("kpkbb\n");
+    EXPECT_EQ(ended.finish().status, -SIGTERM);
+    EXPECT_EQ(ended.folder().names(), before);
 }
 
 TEST(Faults, DeepSearchesFitASmallStack) {

@@ -1,13 +1,16 @@
 // Folders that come with a test and go with it, whatever is in them by then.
 #pragma once
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace varn {
 
@@ -33,6 +36,13 @@ public:
         stream << content;
         if (!stream.flush()) throw std::system_error(errno, std::generic_category(), name);
     }
+    /// Of all that is in it, in order.
+    std::vector<std::string> names() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(path_)) names.push_back(entry.path().filename());
+        std::ranges::sort(names);
+        return names;
+    }
     std::string read(const std::string& name) const {
         std::ifstream stream(path_to(name), std::ios::binary);
         if (!stream) throw std::system_error(errno, std::generic_category(), name);
@@ -41,6 +51,28 @@ public:
 
 private:
     std::filesystem::path path_;
+};
+
+/// A variable of the environment that has another value meanwhile.
+class Environment {
+public:
+    Environment(const char* name, const char* value) : name_(name) {
+        if (const char* const before = std::getenv(name)) before_ = before;
+        setenv(name, value, 1);
+    }
+    ~Environment() {
+        if (before_) {
+            setenv(name_, before_->c_str(), 1);
+        } else {
+            unsetenv(name_);
+        }
+    }
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+
+private:
+    const char* name_;
+    std::optional<std::string> before_;
 };
 
 /// A folder that is the working directory meanwhile.

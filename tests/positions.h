@@ -50,6 +50,7 @@ template <typename Act> std::string printed(Act act) {
 inline std::unique_ptr<Game> game_from(std::string_view text) {
     auto game = new_game();
     set_position(*game, text);
+    complete_record(*game);  // keys that are a function of the position
     return game;
 }
 

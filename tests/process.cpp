@@ -116,19 +116,20 @@ void Process::send_signal(int number) {
     if (kill(pid_, number) != 0) refuse("kill");
 }
 
+void Process::limit(int resource, std::size_t bytes) {
+    const rlimit limits = {bytes, bytes};
+    if (prlimit(pid_, static_cast<__rlimit_resource>(resource), &limits, nullptr) != 0) refuse("prlimit");
+}
+
 void Process::limit_memory(std::size_t bytes) {
     std::ifstream statistics("/proc/" + std::to_string(pid_) + "/statm");
     rlim_t pages = 0;
     statistics >> pages;
-    const rlim_t limit = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + bytes;
-    const rlimit limits = {limit, limit};
-    if (prlimit(pid_, RLIMIT_AS, &limits, nullptr) != 0) refuse("prlimit");
+    limit(RLIMIT_AS, pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + bytes);
 }
 
-void Process::limit_stack(std::size_t bytes) {
-    const rlimit limits = {bytes, bytes};
-    if (prlimit(pid_, RLIMIT_STACK, &limits, nullptr) != 0) refuse("prlimit");
-}
+void Process::limit_stack(std::size_t bytes) { limit(RLIMIT_STACK, bytes); }
+void Process::limit_files(std::size_t bytes) { limit(RLIMIT_FSIZE, bytes); }
 
 std::string Process::read_until(std::string_view text, milliseconds timeout) {
     const Clock::time_point deadline = Clock::now() + timeout;

@@ -71,13 +71,19 @@ public:
     /// The stack of its main thread grows no further than this.
     void limit_stack(std::size_t bytes);
 
-    /// The content of a file in the engine's folder; throws if there is none.
+    /// No file that it writes grows beyond this.
+    void limit_files(std::size_t bytes);
+
+    /// The engine's folder, for a look at what it wrote.
+    const Folder& folder() const { return folder_; }
+    /// The content of a file there; throws if there is none.
     std::string file(const std::string& name) const { return folder_.read(name); }
 
 private:
     using Clock = std::chrono::steady_clock;
 
     void start(const char* program);
+    void limit(int resource, std::size_t bytes);
     bool exchange(Clock::time_point deadline);
     void write_pending();
     void read_available();

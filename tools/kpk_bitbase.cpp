@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/file.h"
 #include "board/zobrist.h"
 #include "kpk_check.h"
 #include "patterns/anneal.h"

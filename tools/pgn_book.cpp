@@ -8,9 +8,9 @@
 #include <optional>
 #include <string_view>
 
+#include "base/file.h"
 #include "board/zobrist.h"
 #include "book_builder.h"
-#include "patterns/pattern_files.h"
 
 namespace {
 

@@ -45,7 +45,10 @@ void end_when_unheard() {
     end_if_unheard(SIGIO);  // what happened before
 }
 
-void set_up_output() { static_cast<void>(std::signal(SIGPIPE, SIG_DFL)); }
+void set_up_output() {
+    static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
+}
 
 // A failure for good is not reported: there is nowhere left to report it.
 void say_text(std::string_view text) {

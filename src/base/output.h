@@ -6,7 +6,7 @@
 namespace varn {
 
 /// Writing to a closed pipe ends the process, also where it was started to ignore that signal. Work that prints nothing
-/// goes on to its end.
+/// goes on to its end. A file that grows past the limit of its size fails like one on a full disk.
 void set_up_output();
 
 /// From now on the process ends, with status 0, as soon as the reader of the pipe that is its standard output is gone:

@@ -88,26 +88,35 @@ bool read_side(Game& g, FieldReader& reader) {
     return is_known;
 }
 
-/// Gives the right, and the rook the code that carries it, where king and rook stand on their squares.
-template <Side S> void grant_castling(Game& g, std::uint32_t right) {
+/// Whether the side has the right and its king and rook stand at home; then the rook gets the code that carries it.
+template <Side S> bool claim_right(Game& g, std::uint32_t right) {
     const bool kingside = right == kingside_right;
     const int corner = own_square<S>(kingside ? h1 : a1);
-    if (g.cells[own_square<S>(e1)] != code_of(S, king) || (rooks_of<S>(g) & bit_mask(corner)) == 0) return;
+    const bool at_home = g.cells[own_square<S>(e1)] == code_of(S, king) && (rooks_of<S>(g) & bit_mask(corner)) != 0;
+    if (!at_home || (castle_of<S>(g) & right) == 0) return false;
     g.cells[corner] = code_of(S, kingside ? kingside_rook : queenside_rook);
-    castle_of<S>(g) |= right;
+    return true;
 }
 
+template <Side S> void claim_castling(Game& g) {
+    castle_of<S>(g) = (claim_right<S>(g, kingside_right) ? kingside_right : 0) |
+                      (claim_right<S>(g, queenside_right) ? queenside_right : 0);
+}
+
+/// The letters are added up, each at the value of its right: a doubled "K" is a "Q".
 void read_castling(Game& g, FieldReader& reader) {
     while (!reader.at_field_end()) {
         switch (reader.next()) {
-            case 'K': grant_castling<Side::white>(g, kingside_right); break;
-            case 'Q': grant_castling<Side::white>(g, queenside_right); break;
-            case 'k': grant_castling<Side::black>(g, kingside_right); break;
-            case 'q': grant_castling<Side::black>(g, queenside_right); break;
+            case 'K': g.w_castle += kingside_right; break;
+            case 'Q': g.w_castle += queenside_right; break;
+            case 'k': g.b_castle += kingside_right; break;
+            case 'q': g.b_castle += queenside_right; break;
             case '-': g.w_castle = g.b_castle = 0; break;
             default: break;
         }
     }
+    claim_castling<Side::white>(g);
+    claim_castling<Side::black>(g);
     reader.skip_blank();
 }
 
@@ -174,10 +183,10 @@ PositionRemarks set_position(Game& game, std::string_view text) {
     wipe(game);
     remarks.foreign_piece = !read_board(game, reader);
     if (remarks.foreign_piece) return remarks;
+    complete_record(game);
     remarks.foreign_side = !read_side(game, reader);
     read_castling(game, reader);
     remarks.foreign_enpassant = !reader.at_field_end() && reader.peek() != '-';
-    complete_record(game);
     return remarks;
 }
 

@@ -16,9 +16,12 @@ struct PositionRemarks {
 };
 
 /// Overwrites the game with the position read; no moves are recorded in it.
-/// The text ends at its end or at its first newline, whichever comes first; missing fields count as empty. A castling
-/// right whose king or rook isn't on its square is dropped. Whether the position can be played is another question: see
-/// `is_playable`. Where there was a foreign piece the game is good for nothing but to be set again.
+/// The text ends at its end or at its first newline, whichever comes first; missing fields count as empty. Castling
+/// letters are added up at the value of their rights, so that "KK" is the queenside right, and a right whose king or
+/// rook isn't on its square is dropped. The hashes are those of the board field alone: rooks count as plain ones, and
+/// it is still the turn of before. `complete_record` makes them a function of the position. Whether the position can be
+/// played is another question: see `is_playable`. Where there was a foreign piece the game is good for nothing but to
+/// be set again.
 PositionRemarks set_position(Game& game, std::string_view text);
 
 /// The four fields, as `set_position` reads them; the game must be consistent.

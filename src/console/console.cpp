@@ -1,6 +1,7 @@
 #include "console/console.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <limits>
 #include <string>
@@ -24,9 +25,12 @@ namespace {
 // Kept: docs/compatibility.md#commands-that-do-nothing
 void do_nothing(Console&, const CommandLine&) {}
 
-[[noreturn]] void quit(Console&, const CommandLine&) { std::exit(0); }
+[[noreturn]] void quit(Console& console, const CommandLine&) { std::exit(settle_patterns(console.patterns) ? 0 : 1); }
 
 [[noreturn]] void speak_xboard(Console& console, const CommandLine&) {
+    // How a client may ask for attention, which between its lines it has anyway. It may come at once, so this is first.
+    static_cast<void>(std::signal(SIGINT, SIG_IGN));
+    settle_patterns(console.patterns);  // the console doesn't come back
     say_text("\n");
     xboard_loop(console.engine);
 }
@@ -191,7 +195,7 @@ Console start_console(Engine& engine) {
 void console_step(Console& console) {
     say_text("Varn> ");
     const auto line = read_line();
-    if (!line) std::exit(0);
+    if (!line) quit(console, {});
     for (const Command& command : commands) {
         if (!fits(command, *line)) continue;
         command.run(console, {*line, std::string_view(*line).substr(command.text.size())});

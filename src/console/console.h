@@ -30,7 +30,8 @@ struct CommandLine {
 /// What an unknown line gets, and a command whose argument can't be read.
 void ignore_line(const CommandLine& line);
 
-/// Prompts, reads a line and carries it out. At the end of the input the process ends with status 0.
+/// Prompts, reads a line and carries it out. At the end of the input the process ends: with status 0, unless the last
+/// result of the pattern tool couldn't be written.
 void console_step(Console& console);
 
 /// Steps for ever.

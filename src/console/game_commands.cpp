@@ -21,10 +21,12 @@ namespace {
 bool is_letter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
 bool is_rank_digit(char c) { return c >= '1' && c <= '8'; }
 
-/// Without validation a person may play what the rules forbid, but nothing that would spoil the record.
-bool may_play(const Console& console, Move move) {
+/// Files go on beyond h into the rank below, so that "i3i5" is a2a4. Without validation a person may play what the
+/// rules forbid, but nothing that would spoil the record, and no such move: it would hardly be the one that was meant.
+bool may_play(const Console& console, std::string_view text, Move move) {
     const Game& game = *console.engine.game;
-    return console.human_move_validation ? is_valid_move(game, move) : keeps_record_sound(game, move);
+    if (console.human_move_validation) return is_valid_move(game, move);
+    return names_two_squares(text) && keeps_record_sound(game, move);
 }
 
 bool is_human_to_move(const Console& console) {
@@ -53,8 +55,7 @@ void type_move(Console& console, const CommandLine& line) {
     Game& game = *console.engine.game;
     if (refuse_unplayable(game)) return;
     const Move move = parse_move(game, line.whole);
-    // A letter beyond the board may come out as some square of it.
-    if (!names_two_squares(line.whole) || !may_play(console, move)) {
+    if (!may_play(console, line.whole, move)) {
         say_text("invalid move.\n");
         return;
     }

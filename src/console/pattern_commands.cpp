@@ -5,12 +5,9 @@
 
 namespace varn {
 
-// A game whose position was read from text has no book.
-
 void print_placements(Console& console, const CommandLine&) {
     print_kpk_script(*console.engine.game);
-    console.engine.book_enabled = false;
-    set_base_position(console.engine);
+    start_from_read_position(console.engine);
 }
 
 void anneal_placements(Console& console, const CommandLine&) {
@@ -22,9 +19,7 @@ void anneal_placements(Console& console, const CommandLine&) {
     });
     if (!console.patterns.is_written) say_text("the patterns are kept: kpkbb tries again to write them.\n");
     // Where no position was read the game goes on, and can be taken back as before.
-    if (!was_read) return;
-    engine.book_enabled = false;
-    set_base_position(engine);
+    if (was_read) start_from_read_position(engine);
 }
 
 }  // namespace varn

@@ -1,8 +1,8 @@
 #include "frontend/book.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string_view>
-#include <vector>
 
 #include "base/file.h"
 #include "board/legality.h"
@@ -38,13 +38,14 @@ bool is_candidate(std::string_view row, std::string_view text) {
     return row.starts_with(text) && !ends_by_comma;
 }
 
-/// One of the rows that go on from the text, each as likely as the others; null where there is none.
-const std::string* draw_row(Book& book, std::string_view text) {
-    std::vector<const std::string*> candidates;
-    for (const std::string& row : book.rows) {
-        if (is_candidate(row, text)) candidates.push_back(&row);
-    }
-    return candidates.empty() ? nullptr : candidates[book.random.below(candidates.size())];
+/// One of as many rows as go on from the text, from the first such row on: of a sorted book, one of those that do.
+/// Empty where there is none.
+std::string_view draw_row(Book& book, std::string_view text) {
+    const auto fits = [text](std::string_view row) { return is_candidate(row, text); };
+    const auto candidates = std::ranges::count_if(book.rows, fits);
+    if (candidates == 0) return {};
+    const auto first = std::ranges::find_if(book.rows, fits);
+    return first[static_cast<std::ptrdiff_t>(book.random.below(static_cast<std::uint64_t>(candidates)))];
 }
 
 }  // namespace
@@ -63,9 +64,9 @@ BookFault load_book(Book& book, const std::string& file_name, std::uint64_t seed
 std::optional<Move> book_move(Book& book, const Game& game) {
     const auto text = text_of_game(game);
     if (!text) return std::nullopt;
-    const std::string* row = draw_row(book, *text);
-    if (row == nullptr) return std::nullopt;
-    const Move move = parse_move(game, std::string_view(*row).substr(text->size(), move_length));
+    std::string_view row = draw_row(book, *text);
+    row.remove_prefix(std::min(text->size(), row.size()));
+    const Move move = parse_move(game, row.substr(0, move_length));
     return is_valid_move(game, move) ? std::optional(move) : std::nullopt;
 }
 

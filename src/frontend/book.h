@@ -1,6 +1,6 @@
 // The opening book: a text file of lines of play, loaded whole and asked by prefix. A line is a string of moves from
 // the starting position, so a position that came about by another order of moves isn't found. Every row counts once: a
-// move that stands in more rows is played more often.
+// move that stands in more rows is played more often. Rows with the same beginning stand together, as in a sorted file.
 #pragma once
 
 #include <optional>
@@ -29,7 +29,9 @@ enum class BookFault : std::uint8_t { none, no_file, too_long };
 BookFault load_book(Book& book, const std::string& file_name, std::uint64_t seed);
 
 /// A move that some row has after the moves of the game, drawn at random by the number of rows; none where no row fits,
-/// the drawn row ends here or its move can't be played, or more than 21 moves were played.
+/// the drawn row ends here or its move can't be played, or more than 21 moves were played. The draw is over as many
+/// rows as fit, from the first of them on: where they don't stand together, another row's move may come up, and is
+/// played if it is legal.
 std::optional<Move> book_move(Book& book, const Game& game);
 
 }  // namespace varn

@@ -41,8 +41,11 @@ std::optional<Configuration> read_configuration() {
     if (file == nullptr) return std::nullopt;
     Configuration configuration;
     // A longer line goes on as a line of its own. Kept: docs/compatibility.md#long-lines-of-the-settings
+    constexpr int most_lines = 10000;  // so that a file without an end is given up
     char line[100];
-    while (std::fgets(line, sizeof line, file.get()) != nullptr) read_setting(configuration, line);
+    for (int n = 0; n < most_lines && std::fgets(line, sizeof line, file.get()) != nullptr; ++n) {
+        read_setting(configuration, line);
+    }
     return configuration;
 }
 

@@ -15,6 +15,12 @@ void switch_turn(Game& game) {
     game.zobrist_key ^= zobrist_side_number;
 }
 
+/// The game's moves start from the position in which the game stands.
+void set_base_position(Engine& engine) {
+    engine.base_position = *engine.game;
+    engine.passes.clear();
+}
+
 }  // namespace
 
 void allocate_tables(Engine& engine) {
@@ -39,14 +45,13 @@ void start_game(Engine& engine) {
 
 void set_game_position(Engine& engine, std::string_view text) {
     print_remarks(set_position(*engine.game, text));
+    start_from_read_position(engine);
+}
+
+void start_from_read_position(Engine& engine) {
     set_base_position(engine);
     clear_for_position(*engine.search);
     engine.book_enabled = false;
-}
-
-void set_base_position(Engine& engine) {
-    engine.base_position = *engine.game;
-    engine.passes.clear();
 }
 
 void pass_turn(Engine& engine) {

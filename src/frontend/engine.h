@@ -38,8 +38,9 @@ void start_game(Engine& engine);
 /// with the text; a foreign character in its board field ends the process with status 1.
 void set_game_position(Engine& engine, std::string_view text);
 
-/// The game's moves start from the position in which the game stands.
-void set_base_position(Engine& engine);
+/// The game goes on from the position that was read into it: there its moves start, without the book, and the search
+/// remembers nothing that might carry the same keys.
+void start_from_read_position(Engine& engine);
 
 /// The other side is to move, with no move made. It changes `zobrist_key` and not the lock.
 void pass_turn(Engine& engine);

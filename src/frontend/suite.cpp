@@ -1,12 +1,14 @@
 #include "frontend/suite.h"
 
+#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 
+#include "base/file.h"
 #include "base/output.h"
 #include "board/notation.h"
 #include "frontend/game_report.h"
+#include "frontend/input.h"
 
 namespace varn {
 
@@ -15,37 +17,33 @@ namespace {
 /// What a run says, here and in its log. Each text reaches the log at once: a position may end the process.
 class Report {
 public:
-    explicit Report(const std::string& log_name) : log_(log_name, std::ios::binary) {}
+    explicit Report(const std::string& log_name)
+        : log_(open_for_writing(log_name.c_str(), Devices::terminals_and_null)) {}
 
-    bool is_open() const { return log_.is_open(); }
+    bool is_open() const { return log_ != nullptr; }
     void say_here_and_log(const std::string& here, const std::string& in_log) {
         say_text(here);
-        log_ << in_log << std::flush;
+        const bool written = std::fwrite(in_log.data(), 1, in_log.size(), log_.get()) == in_log.size();
+        is_complete_ = std::fflush(log_.get()) == 0 && written && is_complete_;
     }
     void say_both(const std::string& text) { say_here_and_log(text, text); }
     /// Whether the log holds all that was said.
-    bool close() {
-        log_.close();
-        return !log_.fail();
-    }
+    bool close() { return std::fclose(log_.release()) == 0 && is_complete_; }
 
 private:
-    std::ofstream log_;
+    File log_;
+    bool is_complete_ = true;
 };
 
-/// The next line, of any length, with its newline.
-std::optional<std::string> next_line(std::istream& suite) {
+/// The next line with its newline. One longer than `longest_line` is read no further than it takes to see that.
+std::optional<std::string> next_line(std::FILE* suite) {
     std::string line;
-    if (!std::getline(suite, line)) return std::nullopt;
-    if (!suite.eof()) line += '\n';
-    return line;
-}
-
-/// What a folder says, for one, only once it is read.
-bool can_be_read(std::ifstream& suite) {
-    if (!suite.is_open()) return false;
-    suite.peek();
-    return !suite.bad();
+    while (line.size() <= longest_line && !line.ends_with('\n')) {
+        const int c = std::getc(suite);
+        if (c == EOF) break;
+        line += static_cast<char>(c);
+    }
+    return line.empty() ? std::nullopt : std::optional(line);
 }
 
 /// A run over a suite: the engine that plays it and whoever hears its searches.
@@ -74,13 +72,17 @@ bool solves(SuiteRun& run, const std::string& line) {
     return move && line.find(san_text(run.game, *move)) != std::string::npos;
 }
 
-void play_suite(SuiteRun& run, std::istream& suite) {
+void play_suite(SuiteRun& run, std::FILE* suite) {
     Report& report = run.report;
     int n = 0;
     int solved = 0;
     const auto score = [&] { return std::to_string(solved) + '/' + std::to_string(n) + " problems solved.\n\n"; };
     while (const auto line = next_line(suite)) {
         const std::string number = std::to_string(++n);
+        if (line->size() > longest_line) {
+            report.say_both("error: line " + number + " of the test suite is too long.\n");
+            return;
+        }
         report.say_both("\nTest position #" + number + ": " + *line);
         if (solves(run, *line)) {
             ++solved;
@@ -104,16 +106,16 @@ void run_suite(Engine& engine, const std::string& suite_name, const std::string&
         say_text("error: the log would overwrite the test suite. cannot run test suite.\n");
         return;
     }
-    std::ifstream suite(suite_name, std::ios::binary);
+    const File suite = open_for_reading(suite_name.c_str(), Devices::terminals_and_null);
     Report report(log_name);
-    if (!can_be_read(suite) || !report.is_open()) {
+    if (suite == nullptr || !report.is_open()) {
         say_text("error: unknown file error. cannot run test suite.\n");
         return;
     }
     const auto game = new_game();
     SuiteRun run = {engine, listener, report, *game};
-    play_suite(run, suite);
-    if (suite.bad()) say_text("error: the test suite could not be read to its end.\n");
+    play_suite(run, suite.get());
+    if (std::ferror(suite.get()) != 0) say_text("error: the test suite could not be read to its end.\n");
     if (!report.close()) say_text("error: the log could not be written to its end.\n");
 }
 

@@ -12,8 +12,9 @@ namespace {
 constexpr std::int64_t held_back_ms = 20;  // for everything that isn't search
 constexpr std::int64_t increment_reserve_ms = 50;
 constexpr std::int64_t shortest_search_ms = 10;
-constexpr std::int64_t moves_planned = 30;  // an increment game is planned as if so many moves were to come
-constexpr std::int64_t moves_assumed = 40;  // before any `level`
+constexpr std::int64_t short_clock_ms = 1000;  // with less, what a move takes beside its search counts
+constexpr std::int64_t moves_planned = 30;     // an increment game is planned as if so many moves were to come
+constexpr std::int64_t moves_assumed = 40;     // before any `level`
 
 std::int64_t moves_to_go(const TimeControl& control) {
     return control.time_mode == TimeMode::none ? moves_assumed : std::max(1, control.turns_left);
@@ -49,7 +50,8 @@ void set_level(TimeControl& control, std::string_view numbers) {
 Allocation allocate_time(const TimeControl& control, std::int32_t centiseconds) {
     const std::int64_t remaining_ms = std::int64_t{10} * centiseconds - held_back_ms;
     const std::int32_t planned_ms = limit(std::max(share_of(control, remaining_ms), shortest_search_ms));
-    return {remaining_ms, planned_ms, std::min(planned_ms, limit(remaining_ms * 9 / 10))};
+    const std::int64_t highest_ms = remaining_ms < short_clock_ms ? remaining_ms / 20 : remaining_ms * 9 / 10;
+    return {remaining_ms, planned_ms, std::min(planned_ms, limit(highest_ms))};
 }
 
 std::int32_t allocate_time(const GameClock& clock, std::int64_t overhead_ms) {

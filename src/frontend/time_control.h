@@ -25,7 +25,7 @@ void set_level(TimeControl& control, std::string_view numbers);
 struct Allocation {
     std::int64_t remaining_ms;  // what the clock holds, less what is held back for everything that isn't search
     std::int32_t planned_ms;    // the move's share of it
-    std::int32_t limit_ms;      // what bounds the search: the share, but never past the clock
+    std::int32_t limit_ms;      // what bounds the search: the share, but never past the clock, nor near its end
 };
 
 Allocation allocate_time(const TimeControl& control, std::int32_t centiseconds);

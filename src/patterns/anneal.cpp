@@ -49,7 +49,9 @@ void anneal_with_progress(PatternList& list, std::uint64_t moves, Choices& choic
 }
 
 /// Gives null, with a message, where there is nothing to anneal.
-std::unique_ptr<PatternList> anneal_file(Game& game, const PositionReader& position_read, std::uint64_t moves) {
+std::unique_ptr<PatternList> anneal_file(Game& game, const PositionReader& position_read, std::uint64_t moves,
+                                         bool& has_room) {
+    has_room = true;
     say_text("loading precomputed data in memory...\n");
     auto positions = load_positions(positions_file_name, game, position_read);
     if (!positions) {
@@ -69,7 +71,8 @@ std::unique_ptr<PatternList> anneal_file(Game& game, const PositionReader& posit
     say_text("shuffling...\n");
     shuffle(positions->drawn, choices);
     auto list = std::make_unique<PatternList>(positions->drawn, positions->lines);
-    if (!can_dump_patterns(patterns_file_name, *list)) {
+    has_room = can_dump_patterns(patterns_file_name, *list);
+    if (!has_room) {
         say_text(cannot_dump_text);
         return nullptr;
     }
@@ -96,8 +99,16 @@ void anneal(PatternList& list, std::uint64_t moves, Choices& choices, UniformSta
 }
 
 void anneal_kpk(AnnealRun& run, Game& game, const PositionReader& position_read, std::uint64_t moves) {
-    if (run.is_written) run.list = anneal_file(game, position_read, moves);
+    if (run.is_written) run.list = anneal_file(game, position_read, moves, run.has_room);
     run.is_written = run.list == nullptr || dump_patterns(patterns_file_name, *run.list);
+}
+
+bool settle_patterns(AnnealRun& run) {
+    if (run.is_written) return run.has_room;
+    if (dump_patterns(patterns_file_name, *run.list)) return true;
+    const auto rescued = rescue_patterns(patterns_file_name, *run.list);
+    say_text(rescued ? "the patterns are in " + *rescued + ".\n" : "the patterns are lost.\n");
+    return false;
 }
 
 }  // namespace varn

@@ -19,6 +19,7 @@ void anneal(PatternList& list, std::uint64_t moves, Choices& choices, UniformSta
 struct AnnealRun {
     std::unique_ptr<PatternList> list;
     bool is_written = true;  // false: the boxes couldn't be written, and the next call tries once more
+    bool has_room = true;    // false: there are none, since they couldn't have been written
 };
 
 /// The whole run: reads the file `kpkbb`, anneals the positions with result 0, writes `wkpk.eb`, and says how far it
@@ -28,5 +29,10 @@ struct AnnealRun {
 ///
 /// What couldn't be written isn't lost: the next call does nothing but to try once more to write it.
 void anneal_kpk(AnnealRun& run, Game& game, const PositionReader& position_read, std::uint64_t moves = kpk_moves);
+
+/// To be called before the boxes of the run are gone with the process. What couldn't be written is tried once more, and
+/// where that fails again it goes to the folder for temporary files, which is said. Returns whether nothing is astray:
+/// false, too, where a run didn't begin because its result couldn't be written.
+bool settle_patterns(AnnealRun& run);
 
 }  // namespace varn

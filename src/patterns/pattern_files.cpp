@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <filesystem>
 #include <string_view>
 
 #include "base/file.h"
@@ -42,15 +43,6 @@ std::string file_text(const PatternList& list) {
     return text;
 }
 
-std::string unfinished_name(const std::string& file_name) { return file_name + ".tmp"; }
-
-bool write_file(const std::string& file_name, std::string_view text) {
-    std::FILE* file = std::fopen(file_name.c_str(), "w");
-    if (file == nullptr) return false;
-    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    return std::fclose(file) == 0 && written;
-}
-
 }  // namespace
 
 std::optional<LoadedPositions> load_positions(const char* file_name, Game& game, const PositionReader& position_read) {
@@ -64,17 +56,8 @@ std::optional<LoadedPositions> load_positions(const char* file_name, Game& game,
     return positions;
 }
 
-bool write_whole_file(const std::string& file_name, std::string_view text) {
-    const std::string unfinished = unfinished_name(file_name);
-    if (write_file(unfinished, text) && std::rename(unfinished.c_str(), file_name.c_str()) == 0) return true;
-    static_cast<void>(std::remove(unfinished.c_str()));  // there may be none
-    return false;
-}
-
 bool can_dump_patterns(const std::string& file_name, const PatternList& list) {
-    const std::string unfinished = unfinished_name(file_name);
-    const bool written = write_file(unfinished, file_text(list));
-    return std::remove(unfinished.c_str()) == 0 && written;
+    return can_write_whole_file(file_name, file_text(list));
 }
 
 bool dump_patterns(const std::string& file_name, const PatternList& list) {
@@ -84,6 +67,12 @@ bool dump_patterns(const std::string& file_name, const PatternList& list) {
     }
     say("finished dumping %s\n", file_name.c_str());
     return true;
+}
+
+std::optional<std::string> rescue_patterns(const std::string& file_name, const PatternList& list) {
+    std::error_code none;
+    const std::filesystem::path folder = std::filesystem::temp_directory_path(none);
+    return none ? std::nullopt : write_new_file((folder / file_name).string() + '.', file_text(list));
 }
 
 std::string board_number(Bitboard board) {

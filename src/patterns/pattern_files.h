@@ -30,15 +30,15 @@ using PositionReader = std::function<void(const PositionRemarks&)>;
 /// The game holds the last position read.
 std::optional<LoadedPositions> load_positions(const char* file_name, Game& game, const PositionReader& position_read);
 
-/// Writes a file that comes into being as a whole or not at all; returns whether it did.
-bool write_whole_file(const std::string& file_name, std::string_view text);
-
 /// Whether the list could be written as it stands: a run finds out before it begins.
 bool can_dump_patterns(const std::string& file_name, const PatternList& list);
 
 /// A line with the number of boxes and the side, then a line for every box: its boards as `board_number` writes them
 /// and the result. Says that the file was written, or that it couldn't be, and returns which.
 bool dump_patterns(const std::string& file_name, const PatternList& list);
+
+/// The same in a file of a name of its own, in the folder for temporary files; returns its name, or none.
+std::optional<std::string> rescue_patterns(const std::string& file_name, const PatternList& list);
 
 /// The high half of the board as a decimal number, left out where it is 0, and the low half, with nothing between them.
 std::string board_number(Bitboard board);

@@ -1,6 +1,5 @@
 #include "xboard/xboard.h"
 
-#include <csignal>
 #include <cstdlib>
 #include <optional>
 
@@ -252,8 +251,6 @@ void xboard_step(Protocol& protocol, std::string_view line) {
 void xboard_loop(Engine& engine) {
     end_when_unheard();
     make_tables_real(engine.search->tables);
-    // How a client may ask for attention; between its lines it has it anyway.
-    static_cast<void>(std::signal(SIGINT, SIG_IGN));
     Protocol protocol(engine);
     while (const auto line = read_line()) xboard_step(protocol, *line);
     quit(protocol, {});

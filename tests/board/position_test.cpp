@@ -42,7 +42,12 @@ TEST(PositionText, WhatIsMadeOfOddTexts) {
         // board, what follows, what is written again, what there is to say
         {all, "b qQkK - 12 34 bm Kd2;", "b KQkq -", ""},
         {all, "w KQ-k -", "w k -", ""},
-        {all, "white HAx!KK -", "w K -", ""},
+        {all, "white HAx!KK -", "w Q -", ""},  // letters are added up at their values
+        {all, "w KKKkQkqk -", "w Kk -", ""},
+        {all, "w QqqQKq -", "w Kq -", ""},
+        {all, "w KQkqKQk-kk -", "w q -", ""},
+        {few, "w KK -", "w - -", ""},
+        {few, "w KKK -", "w K -", ""},
         {few, "w KQkq -", "w K -", ""},                       // no rook, no right
         {"4k2R/8/8/8/8/8/8/r3K3 ", "w KQkq -", "w - -", ""},  // nor with the enemy's rook
         {few, "x K -", "b K -", "s"},                         // the turn stays as it was
@@ -57,12 +62,41 @@ TEST(PositionText, WhatIsMadeOfOddTexts) {
         EXPECT_EQ(remarks_on(*game, text), said) << text;
         EXPECT_EQ(position_text(*game), std::string(board) + std::string(expected)) << text;
         EXPECT_TRUE(is_consistent(*game)) << text;
+        // The rooks of rights, and no others, can lose them.
+        constexpr std::tuple<int, Man, std::uint32_t Game::*, std::uint32_t> corners[] = {
+            {h1, kingside_rook, &Game::w_castle, kingside_right},
+            {a1, queenside_rook, &Game::w_castle, queenside_right},
+            {h8, kingside_rook, &Game::b_castle, kingside_right},
+            {a8, queenside_rook, &Game::b_castle, queenside_right},
+        };
+        for (const auto& [corner, rook, rights, right] : corners) {
+            const int code = game->cells[corner];
+            if (code == no_piece) continue;
+            EXPECT_EQ(man_of(code), ((*game).*rights & right) != 0 ? rook : plain_rook) << text << corner;
+        }
     }
     EXPECT_EQ(position_text(*game_from("4k384K2R99999 w - -")), "4k3/8/4K2R/8/8/8/8/8 w - -");
     for (const char* text :
          {"rnbqkbnX/8/8/8/8/8/8/8 w - -", "8/8/8 w - -", "8/8/8/8/8/8/8/7", "8/8\n8/8", "", "\xFF"}) {
         EXPECT_EQ(remarks_on(*new_game(), text), "p") << text;
     }
+}
+
+TEST(PositionText, ItsKeysAreThoseOfTheBoardFieldAndTheTurnOfBefore) {
+    visit_random_games(10, 40, [](const Game& game) {
+        for (const Side before : {Side::white, Side::black}) {
+            const auto read = new_game(), as_read = game_from(position_text(game));
+            read->turn = before;
+            set_position(*read, position_text(game));
+            as_read->turn = before;
+            for (auto& cell : as_read->cells) {
+                if (cell != no_piece && is_rook(man_of(cell))) cell = code_of(side_of(cell), plain_rook);
+            }
+            EXPECT_EQ(keys_of(*read), position_keys(*as_read));
+            EXPECT_EQ((PositionKeys{read->pawn_key, read->pawn_lock}), pawn_keys(*as_read));
+            EXPECT_EQ(read->draw_hash[0], keys_of(*read));
+        }
+    });
 }
 
 TEST(Soundness, AnyBitOrCellAstrayIsFound) {

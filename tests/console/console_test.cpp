@@ -128,6 +128,25 @@ TEST(Console, ShowsBoardsAndScores) {
         EXPECT_EQ(console.answer(typed), text + std::to_string(score) + '\n');
 }
 
+TEST(Console, KeysOfASetPositionAreThoseOfItsPiecesAndOfTheTurnOfBefore) {
+    Session console;
+    const auto keys = [&console](const std::string& rest) {
+        const std::string report = console.raw_answer("setboard r3k2r/8/8/8/8/8/8/R3K2R " + rest + "; show");
+        const std::size_t start = report.find("Zobrist key: ");
+        return report.substr(start, report.find("\nMaterial") - start);
+    };
+    const std::string after_white = keys("w - -");
+    EXPECT_EQ(keys("b KQkq -"), after_white);
+    const std::string after_black = keys("w Kq -");
+    EXPECT_NE(after_black, after_white);
+    EXPECT_EQ(keys("b - -"), after_white);
+    EXPECT_EQ(keys("b - -"), after_black);
+    // Repetitions are told by the same keys.
+    const std::string round = "; a1b1; a8b8; b1a1; b8a8";
+    EXPECT_EQ(console.answer("pvp; setboard r3k2r/8/8/8/8/8/8/R3K2R w KQkq -" + round + round + round + "; cvc"),
+              "Draw by repetition.\n");
+}
+
 TEST(Console, AFullRecordTakesNoMoreMoves) {
     const std::string full = "the game record is full: 1000 moves have been played.\n";
     Session console("ply 1; pvp");

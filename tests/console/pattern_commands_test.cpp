@@ -1,9 +1,15 @@
 // The console's commands for king-and-pawn patterns.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cstdio>
+#include <filesystem>
+
+#include "console/console.h"
 #include "patterns/kpk_placements.h"
 #include "patterns/pattern_files.h"
 #include "process.h"
+#include "small_engine.h"
 
 namespace varn {
 namespace {
@@ -38,6 +44,23 @@ TEST(PatternCommands, RefuseWhatCannotBeAnnealed) {
     const Outcome foreign = run_console("kpkbb\nepd\n", with_positions(some_text + "\t0\nx" + some_text + "\t0\n"));
     EXPECT_EQ(foreign.output, "Varn> " + loading + "error: unrecognised character in EPD string.\n");
     EXPECT_EQ(foreign.status, 1);
+}
+
+TEST(PatternCommands, BoxesThatAreNowhereWrittenEndTheConsoleWithAnError) {
+    const WorkingFolder folder;
+    std::filesystem::create_directories("wkpk.eb/in the way");
+    const Environment temporary("TMPDIR", ".");
+    SmallEngine engine;
+    Console console = start_console(engine);
+    console.patterns = {std::make_unique<PatternList>(std::vector<Pattern>{{{1, 1 << 8, 1 << 2}}}, 1), false};
+    const auto end_input = [&console] {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        if (std::freopen("/dev/null", "r", stdin) != nullptr) console_step(console);
+    };
+    EXPECT_EXIT(end_input(), ::testing::ExitedWithCode(1),
+                "^Varn> error: cannot output evalubase file\\.\nthe patterns are in \\./wkpk\\.eb\\..*\n$");
+    console.patterns.is_written = true;
+    EXPECT_EXIT(end_input(), ::testing::ExitedWithCode(0), "^Varn> $");
 }
 
 TEST(PatternCommands, PrintAScriptOfThePlacements) {

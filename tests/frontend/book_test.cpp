@@ -73,7 +73,9 @@ TEST_F(BookTest, AnswersByTheCountOfFittingRows) {
     // The rows, the moves of a game, and the shares of the draws.
     const std::tuple<std::string, std::string, std::map<std::string, double>> cases[] = {
         {"d2d4d7d5\nd2d4g8f6\ne2e4c7c5\ne2e4e7e5\ne2e4e7e6\n", "", {{"d2d4", 0.4}, {"e2e4", 0.6}}},
-        {"e2e4c7c5\nd2d4d7d5\ne2e4e7e5\n", "e2e4", {{"c7c5", 0.5}, {"e7e5", 0.5}}},  // apart from each other
+        {"e2e4c7c5\nd2d4d7d5\ne2e4e7e5\n", "e2e4", {{"c7c5", 0.5}, {"d7d5", 0.5}}},  // apart from each other
+        {"e2e4c7c5\nd2\ne2e4e7e5\n", "e2e4", {{"c7c5", 0.5}, {off, 0.5}}},
+        {"e2e4c7c5\nd2d4b7\nd2d4b2b4\ne2e4e7e5\ne2e4e7e5\n", "e2e4", {{"c7c5", 1 / 3.0}, {off, 2 / 3.0}}},
         {"e2e4\ne2e4e7e5\n", "e2e4", {{off, 0.5}, {"e7e5", 0.5}}},
         {"e2e4,any text\ne2e4e7e5,any text", "e2e4", {{"e7e5", 1}}},
         {"e2e4,e7e5\n", "e2e4", {{off, 1}}},

@@ -18,6 +18,7 @@ TEST(Configuration, ReadsKeysAtTheStartOfALine) {
         {"hash   +12abc\nphash -7", {{12, 16777216, -7, 1}}},
         {"hash 4294967297\nqhash -99999999999\n", {{INT32_MAX, INT32_MIN, 1048576, 1}}},
         {std::string(99, 'x') + "hash 12\n", {{12, 16777216, 1048576, 1}}},  // the rest counts as a line of its own
+        {std::string(990'000, '\0') + "hash 12\n", standard},                // it isn't read for ever
         {std::string("ha\0sh 12\nphash 56\n", 18), {{21, 16777216, 56, 1}}},
     };
     const WorkingFolder folder;

@@ -1,9 +1,11 @@
 // Test suites: runs of the real process with their logs.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <regex>
 
 #include "board/status.h"
+#include "frontend/input.h"
 #include "frontend/suite.h"
 #include "process.h"
 
@@ -88,6 +90,10 @@ TEST(Suite, WithoutItsFilesItOnlySaysSo) {
         {"runsuite suite no/log", "running test suite: suite\n" + error, "old"},
         {"runsuite suite ./suite",
          "running test suite: suite\nerror: the log would overwrite the test suite. cannot run test suite.\n", "old"},
+        {"runsuite /dev/zero log", "running test suite: /dev/zero\n" + error, ""},
+        {"runsuite /dev/stdin log", "running test suite: /dev/stdin\n" + error, ""},
+        {"runsuite suite /dev/full", "running test suite: suite\n" + error, "old"},
+        {"runsuite suite /dev/stdout", "running test suite: suite\n" + error, "old"},
         {"runs", ignored + "runs\n", "old"},
         {"runsuite my suite log", ignored + "runsuite my suite log\n", "old"},
     };
@@ -96,6 +102,38 @@ TEST(Suite, WithoutItsFilesItOnlySaysSo) {
         EXPECT_EQ(run.output, "Varn> " + answer + "Varn> ");
         EXPECT_EQ(run.log, log) << line;
     }
+}
+
+TEST(Suite, NeitherWaitsForAPeerNorReadsALineWithoutEnd) {
+    const std::string solved = "k7/8/1K6/8/8/8/8/8 b - - bm Kb8;\n";
+    Files files = default_files();
+    files["suite"] = solved + std::string(longest_line + 1, ' ');
+    Process engine(files);
+    ASSERT_EQ(mkfifo(engine.folder().path_to("pipe").c_str(), 0666), 0);
+    const std::string error = "error: unknown file error. cannot run test suite.\n";
+    engine.send("runsuite pipe log\nrunsuite suite pipe\nrunsuite suite /dev/null\nrunsuite /dev/null log\nquit\n");
+    const Outcome outcome = engine.finish();
+    EXPECT_EQ(without_searches(outcome.output),
+              "Varn> running test suite: pipe\n" + error + "Varn> running test suite: suite\n" + error +
+                  "Varn> running test suite: suite\n\nTest position #1: " + solved +
+                  "Test #1: Success!\n\n1/1 problems solved.\n\nerror: line 2 of the test suite is too long.\n" +
+                  "Varn> running test suite: /dev/null\nTest suite complete.\n  0/0 problems solved.\n\nVarn> ");
+    EXPECT_EQ(engine.file("log"), "Test suite complete.\n  0/0 problems solved.\n\n");
+}
+
+TEST(Suite, GoesOnWhereItsLogIsFullAndSaysSo) {
+    Files files = default_files();
+    files["suite"] = "k7/8/1K6/8/8/8/8/8 b - - bm Kb8;\n";
+    Process engine(files);
+    engine.limit_files(20);
+    engine.send("runsuite suite log\nquit\n");
+    const Outcome outcome = engine.finish();
+    EXPECT_TRUE(
+        outcome.output.ends_with("Test suite complete.\n  1/1 problems solved.\n\n"
+                                 "error: the log could not be written to its end.\nVarn> "))
+        << outcome.output;
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(engine.file("log"), "\nTest position #1: k");
 }
 
 TEST(Suite, AForeignLineEndsTheProcessBehindACompleteLog) {

@@ -21,6 +21,20 @@ TEST(TimeControl, SharesItsTimeAmongTheMoves) {
     }
 }
 
+TEST(TimeControl, AShortClockOutlastsItsShortestMoves) {
+    for (const char* level : {"40 5 0", "2 5 0", "0 5 0", "0 5 1", "0 5 60"}) {
+        TimeControl control;
+        set_level(control, level);
+        for (int centiseconds = -1; centiseconds <= 101; ++centiseconds) {
+            const Allocation allocation = allocate_time(control, centiseconds);
+            const std::int64_t remaining_ms = std::max<std::int64_t>(0, 10 * centiseconds - 20);
+            EXPECT_LE(allocation.limit_ms, remaining_ms / 20) << level << ' ' << centiseconds;
+            EXPECT_GE(allocation.planned_ms, 10);
+        }
+        EXPECT_EQ(allocate_time(control, 102).limit_ms, std::min(allocate_time(control, 102).planned_ms, 900)) << level;
+    }
+}
+
 // --- The clock that is told before each move ------------------------------------------------------------------------
 
 TEST(GameClock, GivesNoMoveMoreThanTheClockAllows) {

@@ -1,8 +1,11 @@
 // The files of the annealing, and the run that reads and writes them.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <filesystem>
 
+#include "base/file.h"
 #include "folder.h"
 #include "patterns/anneal.h"
 #include "patterns/pattern_files.h"
@@ -11,10 +14,29 @@
 namespace varn {
 namespace {
 
+/// While it lives, no file grows beyond the size.
+class FileLimit {
+public:
+    explicit FileLimit(rlim_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limits = {bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limits);
+    }
+    ~FileLimit() { setrlimit(RLIMIT_FSIZE, &before_); }
+    FileLimit(const FileLimit&) = delete;
+    FileLimit& operator=(const FileLimit&) = delete;
+
+private:
+    rlimit before_ = {};
+};
+
 class PatternFiles : public ::testing::Test {
 protected:
     void write(const std::string& text) const { folder_.write(positions_file_name, text); }
     std::string written() const { return folder_.read(patterns_file_name); }
+    std::vector<std::string> names() const { return folder_.names(); }
+    const Folder& folder() const { return folder_; }
     /// What a run says that goes on from the one before it.
     std::string anneal() {
         const auto game = new_game();
@@ -98,26 +120,32 @@ TEST_F(PatternFiles, AReaderIsToldWhatIsWrongWithEachPosition) {
 TEST_F(PatternFiles, ComeIntoBeingAsAWholeOrNotAtAll) {
     const PatternList list(std::vector<Pattern>{some_position}, 1);
     const auto dump = [&] { dump_patterns(patterns_file_name, list); };
-    const std::string error = "error: cannot output evalubase file.\n";
-    std::filesystem::create_directory("wkpk.eb.tmp");  // can't be opened
-    EXPECT_EQ(printed(dump), error);
-    std::filesystem::remove("wkpk.eb.tmp");
     std::filesystem::create_directories("wkpk.eb/in the way");  // can't be renamed to
-    EXPECT_EQ(printed(dump), error);
-    EXPECT_FALSE(std::filesystem::exists("wkpk.eb.tmp"));
+    EXPECT_EQ(printed(dump), "error: cannot output evalubase file.\n");
+    EXPECT_EQ(names(), std::vector<std::string>{"wkpk.eb"});
     std::filesystem::remove_all("wkpk.eb");
-    std::filesystem::create_symlink("/dev/full", "wkpk.eb.tmp");  // can't be written
-    EXPECT_EQ(printed(dump), error);
-    EXPECT_FALSE(std::filesystem::exists("wkpk.eb"));
-    EXPECT_EQ(printed(dump), "finished dumping wkpk.eb\n");
+    const std::string long_text(10000, 'x');
+    {
+        const FileLimit limit(9999);
+        EXPECT_FALSE(write_whole_file("wkpk.eb", long_text));
+        EXPECT_FALSE(can_write_whole_file("wkpk.eb", long_text));
+        EXPECT_FALSE(write_whole_file("no folder/wkpk.eb", ""));
+    }
+    EXPECT_EQ(names(), std::vector<std::string>{});
+    // What a link leads to is another's.
+    folder().write("another's", "old");
+    std::filesystem::create_symlink("another's", "wkpk.eb");
+    EXPECT_TRUE(can_write_whole_file("wkpk.eb", long_text));
+    EXPECT_EQ(folder().read("wkpk.eb"), "old");
+    EXPECT_TRUE(write_whole_file("wkpk.eb", long_text));
+    EXPECT_EQ(folder().read("another's"), "old");
+    EXPECT_EQ(folder().read("wkpk.eb"), long_text);
+    EXPECT_EQ(names(), (std::vector<std::string>{"another's", "wkpk.eb"}));
 }
 
 TEST_F(PatternFiles, AreKeptWhereTheyCannotBeWritten) {
     write(some_text + "\t0\n");
     const std::string error = "error: cannot output evalubase file.\n";
-    std::filesystem::create_symlink("/dev/full", "wkpk.eb.tmp");  // no room: it is seen before the work begins
-    EXPECT_TRUE(anneal().ends_with("\nshuffling...\n" + error));
-    EXPECT_EQ(run_.list, nullptr);
     std::filesystem::create_directories("wkpk.eb/in the way");
     EXPECT_TRUE(anneal().ends_with("\nstarting annealing process...\n" + error));
     EXPECT_FALSE(run_.is_written);
@@ -126,6 +154,36 @@ TEST_F(PatternFiles, AreKeptWhereTheyCannotBeWritten) {
     EXPECT_EQ(anneal(), "finished dumping wkpk.eb\n");
     EXPECT_TRUE(run_.is_written);
     EXPECT_EQ(written(), "1 w\n1 256 4 0\n");
+}
+
+TEST_F(PatternFiles, AreRescuedBeforeTheyAreGone) {
+    const std::string error = "error: cannot output evalubase file.\n";
+    write(some_text + "\t0\n");
+    bool is_settled = false;
+    const auto settle = [&] { is_settled = settle_patterns(run_); };
+    EXPECT_EQ(printed(settle), "");
+    EXPECT_TRUE(is_settled);
+    std::filesystem::create_directories("wkpk.eb/in the way");
+    anneal();
+    std::filesystem::create_directory("temporary");
+    std::string said, said_without;
+    {
+        const Environment folder("TMPDIR", "temporary");
+        said = printed(settle);
+    }
+    {
+        const Environment none("TMPDIR", "no folder");
+        said_without = printed(settle);
+    }
+    const std::string begins = error + "the patterns are in temporary/wkpk.eb.";
+    ASSERT_TRUE(said.starts_with(begins) && said.ends_with(".\n")) << said;
+    const std::size_t name_start = said.find("temporary");
+    EXPECT_EQ(folder().read(said.substr(name_start, said.size() - 2 - name_start)), "1 w\n1 256 4 0\n");
+    EXPECT_EQ(said_without, error + "the patterns are lost.\n");
+    EXPECT_FALSE(is_settled);
+    std::filesystem::remove_all("wkpk.eb");
+    EXPECT_EQ(printed(settle), "finished dumping wkpk.eb\n");
+    EXPECT_TRUE(is_settled);
 }
 
 }  // namespace

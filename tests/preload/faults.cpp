@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
@@ -59,6 +60,13 @@ int clock_gettime(clockid_t clock, timespec* time) {
     const std::int64_t ms = wrong_ms(time->tv_sec * 1000 + time->tv_nsec / 1'000'000);
     *time = {ms / 1000, ms % 1000 * 1'000'000};
     return status;
+}
+
+// Ways in which a file goes or gets its name.
+
+int unlink(const char* name) {
+    if (is_fault("signal behind a file")) raise(SIGTERM);
+    return next<int(const char*)>("unlink")(name);
 }
 
 }  // extern "C"

@@ -33,7 +33,7 @@ class Session {
 public:
     explicit Session(const Game& game = *new_game()) {
         *engine.game = game;
-        set_base_position(engine);
+        start_from_read_position(engine);
         engine.search->clock.time_limit_ms = 1 << 30;
         testing::internal::CaptureStdout();
     }

@@ -114,6 +114,11 @@ TEST(Xboard, AnswersFromItsBookWithoutThinking) {
         "> time 999999999; new; post; e2e4; hint\ngot time: 9999999970\nturns left = 0\n"
         "allocating 249999999 milliseconds for search.\nmove e7e5\npondering enabled\nHint:   Nf3\n"
         "> new; easy; e2e4; remove; go; remove\nmove e7e5\nmove e2e4\n");
+    // As many rows as fit are drawn from, beginning with the first that does.
+    files["book.dat"] = "c2c4\ne2e4d7d5\nd2d4d7d5\ne2e4e7e5\n";
+    const std::string games = "new; easy; e2e4; new; easy; e2e4; new; easy; e2e4; new; easy; e2e4";
+    Partner("", files).expect("> " + games + "; " + games + '\n' + "move d7d5\nmove d7d5\nmove d7d5\nmove d7d5\n" +
+                              "move d7d5\nmove d7d5\nmove d7d5\nmove d7d5\n");
 }
 
 // --- Clients that misbehave -----------------------------------------------------------------------------------------
@@ -146,6 +151,17 @@ TEST(Xboard, AnswersAllOfAnInputThatHasEnded) {
     EXPECT_TRUE(std::regex_search(outcome.output, std::regex("move [a-h1-8]{4}\npondering enabled\n")))
         << outcome.output;
     EXPECT_TRUE(outcome.output.ends_with("Illegal Move: ????\nIllegal Move: a3a3\n")) << outcome.output;
+}
+
+TEST(Xboard, IsNotInterruptedFromItsFirstLineOn) {
+    Process engine(Files{{"varn.ini", "hash 22\n"}});  // takes a while to be made ready
+    engine.send("xboard\n");
+    engine.read_until("Varn> \n");
+    engine.send_signal(SIGINT);
+    engine.send("ping\nquit\n");
+    const Outcome outcome = engine.finish();
+    EXPECT_EQ(outcome.output, "Illegal Move: ????\n");
+    EXPECT_EQ(outcome.status, 0);
 }
 
 TEST(Xboard, IsNotInterrupted) {
