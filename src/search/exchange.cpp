@@ -11,6 +11,7 @@ namespace {
 
 /// The cheapest piece of side S among the attackers, as a board; a king counts only while no enemy attacks the square.
 template <Side S> Bitboard cheapest_attacker(const Game& g, Bitboard attackers) {
+    if ((pieces_of<S>(g) & attackers) == 0) return 0;
     for (const Bitboard pieces :
          {pawns_of<S>(g), knights_of<S>(g), bishops_of<S>(g), rooks_of<S>(g), queens_of<S>(g)}) {
         if ((pieces & attackers) != 0) return pieces & attackers;

@@ -41,7 +41,6 @@ std::optional<Move> pick_capture(Search& s, Game& game, Picker& picker, int lowe
         if (captures.list.scores[captures.next] < lowest_score) return std::nullopt;
         const Move move = captures.list.moves[captures.next++];
         if (move == picker.first_move) continue;
-        prefetch_child(s.tables, game, move);
         if (try_move(s, game, picker, move)) return move;
     }
     return std::nullopt;
@@ -56,19 +55,14 @@ std::optional<Move> pick_promotion(Search& s, Game& game, Picker& picker) {
     return std::nullopt;
 }
 
-/// Brings the best quiet move that is left to the front and fetches its child's slots: they are on their way while the
-/// move before it is searched.
-void look_ahead(const Search& s, const Game& game, Supply& quiets) {
-    if (is_empty(quiets)) return;
-    pick_best(quiets.list, quiets.next);
-    prefetch_child(s.tables, game, quiets.list.moves[quiets.next]);
-}
-
 std::optional<Move> pick_quiet(Search& s, Game& game, Picker& picker) {
     Supply& quiets = picker.quiets;
     while (!is_empty(quiets)) {
+        if (!picker.quiets_in_order) {
+            pick_best(quiets.list, quiets.next);
+            picker.quiets_in_order = quiets.list.scores[quiets.next] == 0;
+        }
         const Move move = quiets.list.moves[quiets.next++];
-        look_ahead(s, game, quiets);
         if (move == picker.first_move || move == picker.killer_one || move == picker.killer_two) continue;
         if (try_move(s, game, picker, move)) return move;
     }
@@ -84,6 +78,7 @@ std::optional<Move> pick_killer(Search& s, Game& game, const Picker& picker, Mov
 void fill_quiets(Search& s, const Game& game, const Picker& picker) {
     MoveList& list = picker.quiets.list;
     add_quiets(game, list);
+    prefetch_children(s.tables, game, list);
     const bool deep = picker.depth > s.iteration_depth / 2;
     if (deep && enhanced_transposition(s.tables.transposition_table, game, list, picker.depth - 1, picker.beta)) return;
     score_quiets(list, game, s.history);
@@ -137,8 +132,9 @@ std::optional<Move> next_move(Search& s, Game& game, Picker& picker) {
             if (picker.first_move) return hand_out(s, game, picker, *picker.first_move);
             [[fallthrough]];
         case Stage::make_captures:
-            picker.pins = pins_of(game);
             add_captures(game, picker.captures.list);
+            prefetch_children(s.tables, game, picker.captures.list);
+            picker.pins = pins_of(game);
             score_captures(picker.captures.list, game);
             picker.stage = Stage::good_captures;
             [[fallthrough]];
@@ -163,7 +159,6 @@ std::optional<Move> next_move(Search& s, Game& game, Picker& picker) {
             [[fallthrough]];
         case Stage::make_quiets:
             fill_quiets(s, game, picker);
-            look_ahead(s, game, picker.quiets);
             picker.stage = Stage::quiets;
             [[fallthrough]];
         case Stage::quiets:

@@ -43,6 +43,7 @@ struct Picker {
     Supply promotions;
     Supply quiets;
     Stage stage = Stage::first_move;
+    bool quiets_in_order = false;  // those left have no history, and come as they were generated
     Pins pins = {};  // of the side to move, once captures are made
     // Those that were handed out, and must not come again among the quiet moves.
     std::optional<Move> killer_one = {};

@@ -91,7 +91,10 @@ int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply) {
     MoveList& list = s.move_lists[ply];
     generate_noisy(game, list);
     const int wanted = alpha - stand - delta_margin;
-    for (int i = 0; i < list.count; ++i) list.scores[i] = noisy_gain(game, list.moves[i], wanted);
+    for (int i = 0; i < list.count; ++i) {
+        list.scores[i] = noisy_gain(game, list.moves[i], wanted);
+        if (list.scores[i] >= std::max(0, wanted)) prefetch_quiescent_child(table, game, list.moves[i]);
+    }
     UndoRecord& undo = s.undo_stack[ply];
     save_undo(game, undo);
     for (int i = 0; i < list.count; ++i) {
@@ -103,7 +106,6 @@ int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply) {
         // Kept: docs/compatibility.md#captured-piece-of-a-ply
         s.search_stack[ply].captured = game.cells[move.to];
         if (!make_if_legal(game, move, pins, undo)) continue;
-        prefetch_qhash(table, game);
         const int value = -quiesce(s, game, -beta, -alpha, ply + 1, line_ply + 1);
         unmake_move(game, move, undo);
         best = std::max(best, value);

@@ -106,7 +106,13 @@ void prefetch_child(const HashTables& tables, const Game& game, Move move) {
     prefetch(tables.quiescence_table.slot(key));
 }
 
-void prefetch_qhash(const QuiescenceTable& table, const Game& game) { prefetch(table.slot(game.zobrist_key)); }
+void prefetch_children(const HashTables& tables, const Game& game, const MoveList& list) {
+    for (const Move move : list) prefetch_child(tables, game, move);
+}
+
+void prefetch_quiescent_child(const QuiescenceTable& table, const Game& game, Move move) {
+    prefetch(table.slot(child_keys(game, move).key));
+}
 
 HashEntry* hash_probe(TranspositionTable& table, const Game& game, int depth) {
     return probe(table, keys_of(game), depth);

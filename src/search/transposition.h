@@ -87,8 +87,10 @@ void hash_store(TranspositionTable& table, const Game& game, int depth, std::opt
 /// Fetches the slots of the position after a pseudo-legal move: to be called as soon as the move is likely to be made.
 /// Memory takes as long to answer as a whole node takes.
 void prefetch_child(const HashTables& tables, const Game& game, Move move);
-/// The slot of the present position in the quiescence table alone.
-void prefetch_qhash(const QuiescenceTable& table, const Game& game);
+/// The same for each move of the list. Most are never made, but the fetches run beside the scoring of the moves.
+void prefetch_children(const HashTables& tables, const Game& game, const MoveList& list);
+/// The slot of the child in the quiescence table alone.
+void prefetch_quiescent_child(const QuiescenceTable& table, const Game& game, Move move);
 
 const QhashEntry* qhash_probe(const QuiescenceTable& table, const Game& game);
 void qhash_store(QuiescenceTable& table, const Game& game, int score, std::uint8_t bound);

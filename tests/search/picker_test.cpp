@@ -4,6 +4,8 @@
 
 #include <tuple>
 
+#include "board/legality.h"
+#include "board/movegen.h"
 #include "search/exchange.h"
 #include "search/picker.h"
 #include "search/search.h"
@@ -14,6 +16,7 @@ namespace {
 
 constexpr int ply = 3;
 constexpr int line_ply = 2;
+constexpr int quiet_stage = 5;
 
 std::vector<Move> sorted(std::vector<Move> moves) {
     std::ranges::sort(moves, {}, [](Move move) { return std::tuple(move.from, move.to, move.kind); });
@@ -43,6 +46,22 @@ protected:
     }
 
     std::pair<int, int> place_of(const Game& game, Move move, std::optional<Move> first) const;
+
+    /// The moves of the quiet stage, selected by history to the last one: what the picker hands out without selecting
+    /// must come in the same order.
+    std::vector<Move> quiets_by_selection(const Game& game, std::optional<Move> first) const {
+        MoveList list;
+        list.count = 0;
+        add_quiets(game, list);
+        score_quiets(list, game, s.history);
+        std::vector<Move> moves;
+        for (int i = 0; i < list.count; ++i) {
+            pick_best(list, i);
+            const Move move = list.moves[i];
+            if (is_legal(game, move) && place_of(game, move, first).first == quiet_stage) moves.push_back(move);
+        }
+        return moves;
+    }
 };
 
 /// The stage that a legal move belongs to, 0 to 6; within a stage of scored moves, its score.
@@ -59,7 +78,7 @@ std::pair<int, int> PickerTest::place_of(const Game& game, Move move, std::optio
         return {3, 0};
     if (is_quiet(move) && move == s.killers.killer_two[i].move && same_mover(mover, s.killers.killer_two_piece[i]))
         return {4, 0};
-    return {5, s.history[game.turn][move.from][move.to]};
+    return {quiet_stage, s.history[game.turn][move.from][move.to]};
 }
 
 TEST_F(PickerTest, HandsOutEachLegalMoveOnceStageByStage) {
@@ -94,14 +113,17 @@ TEST_F(PickerTest, HandsOutEachLegalMoveOnceStageByStage) {
             const std::vector<Move> moves = drain(game, 2, 11, first);
             ASSERT_EQ(sorted(moves), sorted(legal)) << position_text(game);
             std::pair<int, int> last = {0, 0};
+            std::vector<Move> quiet_moves;
             for (const Move move : moves) {
                 const auto place = place_of(game, move, first);
+                if (place.first == quiet_stage) quiet_moves.push_back(move);
                 ASSERT_TRUE(last.first < place.first || (last.first == place.first && last.second >= place.second))
                     << position_text(game) << " " << move_text(move);
                 last = place;
                 first_moves += place.first == 0;
                 killers += place.first == 3 || place.first == 4;
             }
+            ASSERT_EQ(quiet_moves, quiets_by_selection(game, first)) << position_text(game);
         }
     });
     EXPECT_GT(first_moves, 300);
