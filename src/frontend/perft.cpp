@@ -39,7 +39,8 @@ std::uint64_t advperft_count(Search& s, Game& game, int depth, int ply) {
     if (depth == 0) return 1;
     std::uint64_t leaves = 0;
     const auto first = first_move(s, game, ply, -mate_score, mate_score, depth);
-    Picker picker = make_picker(s, ply, ply, mate_score, depth, first);
+    const Pins pins = pins_of(game);
+    Picker picker = make_picker(s, pins, ply, ply, mate_score, depth, first);
     while (const auto move = next_move(s, game, picker)) {
         leaves += advperft_count(s, game, depth - 1, ply + 1);
         retract_move(game, *move, s.undo_stack[ply]);

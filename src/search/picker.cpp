@@ -117,10 +117,11 @@ bool killer_valid(const Game& game, const Pins& pins, Move move) {
     return reaches(game, move) && is_legal_under(game, pins, move);
 }
 
-Picker make_picker(Search& s, int ply, int line_ply, int beta, int depth, std::optional<Move> first_move) {
+Picker make_picker(Search& s, const Pins& pins, int ply, int line_ply, int beta, int depth,
+                   std::optional<Move> first_move) {
     for (auto* lists : {&s.capture_lists, &s.promotion_lists, &s.quiet_lists}) (*lists)[ply].count = 0;
     return {
-        ply, line_ply, beta, depth, first_move, {s.capture_lists[ply]}, {s.promotion_lists[ply]}, {s.quiet_lists[ply]}};
+        pins, ply, line_ply, beta, depth, first_move, {s.capture_lists[ply]}, {s.promotion_lists[ply]}, {s.quiet_lists[ply]}};
 }
 
 std::optional<Move> next_move(Search& s, Game& game, Picker& picker) {
@@ -134,7 +135,6 @@ std::optional<Move> next_move(Search& s, Game& game, Picker& picker) {
         case Stage::make_captures:
             add_captures(game, picker.captures.list);
             prefetch_children(s.tables, game, picker.captures.list);
-            picker.pins = pins_of(game);
             score_captures(picker.captures.list, game);
             picker.stage = Stage::good_captures;
             [[fallthrough]];

@@ -33,6 +33,7 @@ struct Picker {
     };
 
     // Of the node.
+    const Pins& pins;  // of the side to move
     int ply;
     int line_ply;
     int beta;
@@ -44,14 +45,14 @@ struct Picker {
     Supply quiets;
     Stage stage = Stage::first_move;
     bool quiets_in_order = false;  // those left have no history, and come as they were generated
-    Pins pins = {};  // of the side to move, once captures are made
     // Those that were handed out, and must not come again among the quiet moves.
     std::optional<Move> killer_one = {};
     std::optional<Move> killer_two = {};
 };
 
 /// A picker at its start. `first_move` must be legal.
-Picker make_picker(Search& s, int ply, int line_ply, int beta, int depth, std::optional<Move> first_move);
+Picker make_picker(Search& s, const Pins& pins, int ply, int line_ply, int beta, int depth,
+                   std::optional<Move> first_move);
 
 /// The next legal move of the node, already made on `game` with its keys pushed; none when there are no more, then and
 /// ever after. The caller takes it back with `retract_move` and `undo_stack[ply]`. Leaves the move and what it captured

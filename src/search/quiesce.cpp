@@ -40,41 +40,69 @@ bool answers(const QhashEntry& entry, int alpha, int beta) {
     return true;
 }
 
-}  // namespace
+/// Counts the node; returns whether it may be searched.
+bool enter_quiescent_node(Search& s) {
+    ++s.quiescent_nodes;
+    return enter_node(s);
+}
 
-int node_status(const Game& game, int line_ply) { return node_status(game, pins_of(game), line_ply); }
-
-int node_status(const Game& game, const Pins& pins, int line_ply) {
-    if (draw_by_rule(game)) return 0;
+/// `node_status` where no rule makes the position a draw.
+int status_without_draws(const Game& game, const Pins& pins, int line_ply) {
     if (has_legal_move(game, pins)) return game_goes_on;
     if (pins.checkers == 0) return 0;
     return game.turn == Side::black ? mate_score - line_ply : line_ply - mate_score;
 }
 
-int static_score(Search& s, const Game& game, int line_ply) { return static_score(s, game, pins_of(game), line_ply); }
-
-int static_score(Search& s, const Game& game, const Pins& pins, int line_ply) {
-    int score = node_status(game, pins, line_ply);
-    if (score == game_goes_on) {
+/// `static_score` of a position with this status.
+int static_score_of(Search& s, const Game& game, int status) {
+    int score = status;
+    if (status == game_goes_on) {
         if (material_decides(game)) return balance_for_side_to_move(game);
         score = evaluate(game, s.eval);
     }
     return game.turn == Side::white ? score : -score;
 }
 
+int search_noisy_moves(Search& s, Game& game, const Pins& pins, int stand, int alpha, int beta, int ply, int line_ply);
+
+}  // namespace
+
+int node_status(const Game& game, int line_ply) { return node_status(game, pins_of(game), line_ply); }
+
+int node_status(const Game& game, const Pins& pins, int line_ply) {
+    return draw_by_rule(game) ? 0 : status_without_draws(game, pins, line_ply);
+}
+
+int static_score(Search& s, const Game& game, int line_ply) { return static_score(s, game, pins_of(game), line_ply); }
+
+int static_score(Search& s, const Game& game, const Pins& pins, int line_ply) {
+    return static_score_of(s, game, node_status(game, pins, line_ply));
+}
+
 int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply) {
-    const bool may_search = enter_node(s);
-    ++s.quiescent_nodes;
+    const bool may_search = enter_quiescent_node(s);
     if (insufficient_material(game)) return 0;
     if (!may_search) return abort_score;
-    QuiescenceTable& table = s.tables.quiescence_table;
-    if (const QhashEntry* known = qhash_probe(table, game); known != nullptr && answers(*known, alpha, beta)) {
-        return known->score;
-    }
-
-    s.selective_depth = std::max(s.selective_depth, ply);
+    const QhashEntry* known = qhash_probe(s.tables.quiescence_table, game);
+    if (known != nullptr && answers(*known, alpha, beta)) return known->score;
     const Pins pins = pins_of(game);
     const int stand = static_score(s, game, pins, line_ply);
+    return search_noisy_moves(s, game, pins, stand, alpha, beta, ply, line_ply);
+}
+
+int quiesce_leaf(Search& s, Game& game, const Pins& pins, int alpha, int beta, int ply, int line_ply) {
+    if (!enter_quiescent_node(s)) return abort_score;
+    const QhashEntry* known = qhash_probe(s.tables.quiescence_table, game);
+    if (known != nullptr && answers(*known, alpha, beta)) return known->score;
+    const int stand = static_score_of(s, game, status_without_draws(game, pins, line_ply));
+    return search_noisy_moves(s, game, pins, stand, alpha, beta, ply, line_ply);
+}
+
+namespace {
+
+int search_noisy_moves(Search& s, Game& game, const Pins& pins, int stand, int alpha, int beta, int ply, int line_ply) {
+    QuiescenceTable& table = s.tables.quiescence_table;
+    s.selective_depth = std::max(s.selective_depth, ply);
     if (stand >= beta) {
         qhash_store(table, game, stand, bound_lower);
         return stand;
@@ -122,5 +150,7 @@ int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply) {
     qhash_store(table, game, result, bound);
     return result;
 }
+
+}  // namespace
 
 }  // namespace varn

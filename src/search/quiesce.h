@@ -11,6 +11,9 @@ namespace varn {
 /// The score for the side to move, or `abort_score` when the clock stopped the search at this very entry. `ply` indexes
 /// the per-ply arrays, `line_ply` counts the real moves from the root.
 int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply);
+/// The same for a leaf of the search, which knows the pins of the side to move, and that the position is no draw by
+/// rule.
+int quiesce_leaf(Search& s, Game& game, const Pins& pins, int alpha, int beta, int ply, int line_ply);
 
 /// The static value of the position for the side to move: the end of the game, or material alone where much of it is on
 /// the board and the difference is clear, or else the evaluation.

@@ -182,7 +182,7 @@ bool is_left_out(const Search& s, Move move) { return std::ranges::find(s.left_o
 /// What is known of a root without some of its moves is nothing for the table.
 bool table_applies(const Node& node) { return node.ply != 0 || node.s.left_out.empty(); }
 
-template <Place place> int search_moves(Node& node, PvLine& pv) {
+template <Place place> int search_moves(Node& node, const Pins& pins, PvLine& pv) {
     Search& s = node.s;
     Game& game = node.game;
     TranspositionTable& table = s.tables.transposition_table;
@@ -193,7 +193,7 @@ template <Place place> int search_moves(Node& node, PvLine& pv) {
     int move_number = 0;
 
     const auto first = first_move(s, game, node.ply, node.alpha, node.beta, node.depth);
-    Picker picker = make_picker(s, node.ply, node.line_ply, node.beta, node.depth, first);
+    Picker picker = make_picker(s, pins, node.ply, node.line_ply, node.beta, node.depth, first);
     line.length = 0;
     std::optional<Move> made = next_move(s, game, picker);
     if (!made) return score_without_moves(node);
@@ -238,7 +238,8 @@ int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame fr
     if (frame.ply >= last_ply) return static_score(s, game, frame.line_ply);
 
     Node node = {s, game, alpha, beta, depth, frame.ply, frame.line_ply, frame};
-    s.in_check_at[node.ply] = in_check(game) ? 1 : 0;
+    const Pins pins = pins_of(game);
+    s.in_check_at[node.ply] = pins.checkers != 0 ? 1 : 0;
     extend(node);
     if (table_applies(node)) {
         if (const auto known = answer_from_table(node)) return *known;
@@ -248,11 +249,11 @@ int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame fr
     ++node.frame.line_ply;
     if (node.depth <= 0) {
         pv.length = 0;
-        return quiesce(s, game, alpha, beta, node.frame.ply, node.frame.line_ply);
+        return quiesce_leaf(s, game, pins, alpha, beta, node.frame.ply, node.frame.line_ply);
     }
     if (null_move_allowed(node) && null_move_value(node) >= beta) return beta;
     s.null_move_at[node.ply] = 0;
-    return node.ply == 0 ? search_moves<Place::root>(node, pv) : search_moves<Place::inside>(node, pv);
+    return node.ply == 0 ? search_moves<Place::root>(node, pins, pv) : search_moves<Place::inside>(node, pins, pv);
 }
 
 std::optional<Move> first_move(Search& s, Game& game, int ply, int alpha, int beta, int depth) {

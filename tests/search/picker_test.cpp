@@ -31,7 +31,8 @@ protected:
     std::vector<Move> drain(Game& game, int depth, int beta, std::optional<Move> first) {
         const Game before = game;
         std::vector<Move> moves;
-        Picker picker = make_picker(s, ply, line_ply, beta, depth, first);
+        const Pins pins = pins_of(game);
+        Picker picker = make_picker(s, pins, ply, line_ply, beta, depth, first);
         while (const auto made = next_move(s, game, picker)) {
             moves.push_back(*made);
             EXPECT_EQ(s.search_stack[ply].move, *made);
