@@ -44,17 +44,17 @@ varn::PositionKeys expected_keys(const varn::Game& game, const varn::Game& base,
     return varn::position_keys(game) ^ varn::in_both(number);
 }
 
-int material_of(const varn::Game& game, varn::Bitboard men) {
+int material_of(const varn::Game& game, varn::Bitboard pieces) {
     int sum = 0;
-    while (men != 0) sum += varn::piece_values[game.cells[varn::pop_first(men)]];
+    while (pieces != 0) sum += varn::piece_values[game.cells[varn::pop_first(pieces)]];
     return sum;
 }
 
 void require_sound(const varn::Game& game, const varn::Game& base, int null_moves) {
-    const varn::Bitboard men = varn::occupied(game);
+    const varn::Bitboard pieces = varn::occupied(game);
     require(varn::is_consistent(game) && varn::is_playable(game));
-    require(game.r90 == varn::rotate_90(men) && game.r45f == varn::rotate_45f(men) &&
-            game.r45b == varn::rotate_45b(men));
+    require(game.r90 == varn::rotate_90(pieces) && game.r45f == varn::rotate_45f(pieces) &&
+            game.r45b == varn::rotate_45b(pieces));
     require(game.w_material == material_of(game, game.w_pieces) && game.b_material == material_of(game, game.b_pieces));
     require(game.material == game.w_material - game.b_material);
     require(varn::keys_of(game) == expected_keys(game, base, null_moves));

@@ -150,9 +150,9 @@ template <typename Visit> void visit_random_games(std::uint64_t seed, int plies,
     }
 }
 
-/// A king a side and up to `men` others anywhere, the pawns where pawns can stand; no castling. Either king may be in
-/// check, also that of the side that has just moved.
-inline std::string random_position_text(RandomSource& random, unsigned men) {
+/// A king a side and up to `pieces` others anywhere, the pawns where pawns can stand; no castling. Either king may be
+/// in check, also that of the side that has just moved.
+inline std::string random_position_text(RandomSource& random, unsigned pieces) {
     std::string squares(square_count, '1');
     const auto place = [&](char letter) {
         const std::size_t square = random.next() % square_count;
@@ -163,7 +163,7 @@ inline std::string random_position_text(RandomSource& random, unsigned men) {
     };
     place('K');
     while (!place('k')) continue;
-    for (unsigned i = 0; i < men; ++i) place("QRBNPPqrbnpp"[random.next() % 12]);
+    for (unsigned i = 0; i < pieces; ++i) place("QRBNPPqrbnpp"[random.next() % 12]);
     return squares + (random.next() % 2 == 0 ? " w - -" : " b - -");
 }
 

@@ -39,11 +39,11 @@ void* zeroed_bytes(std::uint64_t bytes) {
     void* block = std::calloc(1, bytes);
     if (block == nullptr) return nullptr;
     prefer_large_pages(block, bytes);
-    if (bytes >= lazy_bytes) make_real(block, bytes);
+    if (bytes >= lazy_bytes) prefault(block, bytes);
     return block;
 }
 
-void make_real(void* block, std::uint64_t bytes) {
+void prefault(void* block, std::uint64_t bytes) {
     const auto page_bytes = static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE));
     auto* first = static_cast<volatile char*>(block);
     for (std::uint64_t offset = 0; offset < bytes; offset += page_bytes) {

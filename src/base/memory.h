@@ -18,7 +18,7 @@ std::uint64_t physical_memory_bytes();
 void* zeroed_bytes(std::uint64_t bytes);
 
 /// Touches every page of a block, so that no later use of it waits for memory. What the block holds stays.
-void make_real(void* block, std::uint64_t bytes);
+void prefault(void* block, std::uint64_t bytes);
 
 /// Asks for the memory of a record that is soon to be read, so that it is on its way while other work goes on. The
 /// record must lie within one line of the cache.

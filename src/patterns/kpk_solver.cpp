@@ -9,23 +9,23 @@ namespace {
 constexpr std::uint8_t as_square(int square) { return static_cast<std::uint8_t>(square); }
 
 /// What a rook or a queen on `square` attacks with these pieces on the board.
-Bitboard slider_attacks(Man man, int square, Bitboard men) {
-    Bitboard attacks = rank_attacks[square][line_index(men, rank_line[square])] |
-                       file_attacks[square][line_index(rotate_90(men), file_line[square])];
-    if (man == queen) {
-        attacks |= r45f_attacks[square][line_index(rotate_45f(men), r45f_line[square])] |
-                   r45b_attacks[square][line_index(rotate_45b(men), r45b_line[square])];
+Bitboard slider_attacks(PieceType type, int square, Bitboard pieces) {
+    Bitboard attacks = rank_attacks[square][line_index(pieces, rank_line[square])] |
+                       file_attacks[square][line_index(rotate_90(pieces), file_line[square])];
+    if (type == queen) {
+        attacks |= r45f_attacks[square][line_index(rotate_45f(pieces), r45f_line[square])] |
+                   r45b_attacks[square][line_index(rotate_45b(pieces), r45b_line[square])];
     }
     return attacks;
 }
 
 /// Whether a fresh queen or rook on `target` wins against the black king, who is to move.
-bool promotion_wins(Man man, int white_king, int target, int black_king) {
+bool promotion_wins(PieceType type, int white_king, int target, int black_king) {
     const Bitboard guarded = king_moves[white_king];
     const Bitboard black_moves = king_moves[black_king] & ~guarded;
     if ((black_moves & bit_mask(target)) != 0) return false;
     // Lines go on behind the black king: he can't step back out of a check along its line.
-    const Bitboard attacked = slider_attacks(man, target, bit_mask(white_king));
+    const Bitboard attacked = slider_attacks(type, target, bit_mask(white_king));
     const bool in_check = (attacked & bit_mask(black_king)) != 0;
     return in_check || (black_moves & ~attacked) != 0;
 }

@@ -13,7 +13,7 @@ namespace varn {
 
 namespace {
 
-/// With much material on the board and a clear difference the balance alone is the score.
+/// Lazy evaluation: with much material on the board and a clear imbalance, material alone is the score.
 bool material_decides(const Game& g) {
     constexpr int much_material = 3000;
     constexpr int clearly_behind = -299;
@@ -23,18 +23,19 @@ bool material_decides(const Game& g) {
     return balance <= clearly_behind || balance >= clearly_ahead;
 }
 
-constexpr int delta_margin = 300;    // what a position may gain beyond the exchange itself
-constexpr int not_worth_a_try = -1;  // what isn't searched, like all that loses material
+constexpr int delta_margin = 300;  // positional gain allowed on top of the material won
+constexpr int pruned = -1;         // scored like a losing capture, so not searched
 
-/// What a capture or promotion gains by exchange: a promotion counts from the new piece alone, also where it captures.
-/// Delta pruning comes first: a capture that falls short of what is wanted even if nothing takes back isn't looked at.
+/// The material that a capture or promotion gains. A promotion counts only the new piece, even if it captures. Delta
+/// pruning comes before the exchange evaluation: a capture that cannot raise alpha even if the piece is won outright is
+/// pruned.
 int noisy_gain(const Game& game, Move move, int wanted) {
     if (is_promotion(move.kind)) return piece_values[move.kind] - pawn_value;
     if (move.kind == kind_en_passant) return exchange_gain(game, move);
-    return piece_values[game.cells[move.to]] < wanted ? not_worth_a_try : exchange_gain(game, move);
+    return piece_values[game.cells[move.to]] < wanted ? pruned : exchange_gain(game, move);
 }
 
-bool answers(const QhashEntry& entry, int alpha, int beta) {
+bool gives_cutoff(const QhashEntry& entry, int alpha, int beta) {
     if (entry.bound == bound_upper) return entry.score <= alpha;
     if (entry.bound == bound_lower) return entry.score >= beta;
     return true;
@@ -68,7 +69,7 @@ int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply) {
     if (insufficient_material(game)) return 0;
     if (!may_search) return abort_score;
     QuiescenceTable& table = s.tables.quiescence_table;
-    if (const QhashEntry* known = qhash_probe(table, game); known != nullptr && answers(*known, alpha, beta)) {
+    if (const QhashEntry* known = qhash_probe(table, game); known != nullptr && gives_cutoff(*known, alpha, beta)) {
         return known->score;
     }
 

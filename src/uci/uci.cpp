@@ -65,7 +65,7 @@ void set_debug(Uci& uci, std::string_view arguments) {
 /// Waits for the tables' memory now, while no clock runs.
 void say_ready(Uci& uci, std::string_view) {
     if (!uci.tables_are_real && !uci.job.thread.is_active) {
-        make_tables_real(uci.search->tables);
+        prefault_tables(uci.search->tables);
         uci.tables_are_real = true;
     }
     say_text("readyok\n");
@@ -73,7 +73,7 @@ void say_ready(Uci& uci, std::string_view) {
 
 void start_new_game(Uci& uci, std::string_view) {
     finish_search(uci);
-    forget_all(*uci.search);
+    reset_search(*uci.search);
 }
 
 void stop_command(Uci& uci, std::string_view) { stop(uci); }

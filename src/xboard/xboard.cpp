@@ -250,7 +250,7 @@ void xboard_step(Protocol& protocol, std::string_view line) {
 
 void xboard_loop(Engine& engine) {
     end_when_unheard();
-    make_tables_real(engine.search->tables);
+    prefault_tables(engine.search->tables);
     Protocol protocol(engine);
     while (const auto line = read_line()) xboard_step(protocol, *line);
     quit(protocol, {});

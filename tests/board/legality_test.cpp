@@ -59,10 +59,10 @@ std::string before_a_double_step(RandomSource& random) {
     std::string text = random_position_text(random, static_cast<unsigned>(random.below(16)));
     const std::size_t file = random.below(8);
     const std::size_t beside = file == 0 || (file < 7 && random.below(2) == 0) ? file + 1 : file - 1;
-    for (const auto& [square, man] :
+    for (const auto& [square, piece] :
          {std::pair{48 + file, 'P'}, {40 + file, '1'}, {32 + file, '1'}, {32 + beside, 'p'}}) {
         if (text[square] == 'K' || text[square] == 'k') return "";
-        text[square] = man;
+        text[square] = piece;
     }
     text[square_count + 1] = 'w';
     return text;

@@ -46,7 +46,7 @@ void keep_rights(Model& m, std::uint32_t& rights, int king_code, int home, std::
 Model model_after(Model m, Move move) {
     auto& cells = m.cells;
     const PieceCode mover = cells[move.from];
-    const bool is_pawn = man_of(mover) == pawn, is_king = man_of(mover) == king;
+    const bool is_pawn = type_of(mover) == pawn, is_king = type_of(mover) == king;
     m.fifty = is_pawn || cells[move.to] != no_piece ? 0 : static_cast<std::uint8_t>(std::min(m.fifty + 1, 255));
     cells[move.to] = is_promotion(move.kind) ? static_cast<PieceCode>(move.kind) : mover;
     cells[move.from] = no_piece;

@@ -13,9 +13,9 @@ template <Side S> Bitboard pinned_by_a_walk(const Game& game) {
     const int king_square = king_square_of<S>(game);
     Bitboard pinned = 0;
     for (const auto& [ranks, files] : {std::pair{0, 1}, {0, -1}, {1, 0}, {-1, 0}, {1, 1}, {1, -1}, {-1, 1}, {-1, -1}}) {
-        const Bitboard men = occupied(game);
-        const Bitboard first = walk(king_square, ranks, files, men) & men;
-        const Bitboard second = walk(king_square, ranks, files, men & ~first) & men & ~first;
+        const Bitboard pieces = occupied(game);
+        const Bitboard first = walk(king_square, ranks, files, pieces) & pieces;
+        const Bitboard second = walk(king_square, ranks, files, pieces & ~first) & pieces & ~first;
         const Bitboard sliders =
             queens_of<them>(game) | (ranks * files == 0 ? rooks_of<them>(game) : bishops_of<them>(game));
         if ((second & sliders) != 0) pinned |= first & pieces_of<S>(game);

@@ -10,11 +10,11 @@ namespace {
 
 /// A move with its whole from-square, spelled with all signs that belong to it and one that may not.
 std::string long_text(const Game& game, Move move) {
-    const char man = piece_letter(man_of(game.cells[move.from]));
+    const char piece = piece_letter(type_of(game.cells[move.from]));
     const bool captures = game.cells[move.to] != no_piece || move.kind == kind_en_passant;
     std::string text = square_text(move.from) + (captures ? 'x' : '-') + square_text(move.to);
-    if (man != 'P') text = man + text;
-    if (is_promotion(move.kind)) text += std::string("=") + piece_letter(man_of(move.kind));
+    if (piece != 'P') text = piece + text;
+    if (is_promotion(move.kind)) text += std::string("=") + piece_letter(type_of(move.kind));
     return text + (move.kind == kind_en_passant ? " e.p." : "") + "+!?";
 }
 

@@ -136,11 +136,11 @@ TEST(Evaluate, ChangesSignWhenTheBoardIsMirrored) {
     RandomSource random(4);
     for (int round = 0; round < 1000; ++round) {
         std::string board = "11111111/11111111/11111111/11111111/11111111/11111111/11111111/11111111";
-        for (std::uint64_t men = random.next() % 100; men > 0; --men) {
-            const char man = "KQRBNPkqrbnp"[random.next() % 12];
-            const bool second_king = (man == 'K' || man == 'k') && board.find(man) != std::string::npos;
+        for (std::uint64_t pieces = random.next() % 100; pieces > 0; --pieces) {
+            const char piece = "KQRBNPkqrbnp"[random.next() % 12];
+            const bool second_king = (piece == 'K' || piece == 'k') && board.find(piece) != std::string::npos;
             char& square = board[random.next() % board.size()];
-            if (square != '/' && !second_king) square = man;
+            if (square != '/' && !second_king) square = piece;
         }
         expect_mirrored(full_text(board));
         EXPECT_LE(std::abs(attack_eval(*game_from(full_text(board)))), 600);

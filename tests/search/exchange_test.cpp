@@ -18,7 +18,7 @@ int reply_gain(const Game& game, int target) {
     };
     Move move = std::ranges::min(captures, {}, cost);  // a king comes last
     const int won = piece_values[game.cells[target]];
-    if (man_of(game.cells[move.from]) == king) {
+    if (type_of(game.cells[move.from]) == king) {
         return game.turn == Side::white ? (attacked_by_black(game, target) ? 0 : won)
                                         : (attacked_by_white(game, target) ? 0 : won);
     }

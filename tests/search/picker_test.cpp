@@ -106,7 +106,7 @@ TEST_F(PickerTest, HandsOutEachLegalMoveOnceStageByStage) {
             std::tie(two.move, two_piece) =
                 quiets[quiets.size() - 1 - random.below(std::min<std::size_t>(quiets.size(), 9))];
             if (first && round == 1) one.move = *first;
-            if (round == 2 && is_rook(man_of(two_piece))) two_piece = code_of(game.turn, plain_rook);
+            if (round == 2 && is_rook(type_of(two_piece))) two_piece = code_of(game.turn, plain_rook);
             if (round == 3) two_piece ^= 1;
             if (one.move == two.move) one.move = {};
 

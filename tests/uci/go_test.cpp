@@ -64,7 +64,7 @@ TEST(UciGo, SearchesTheSameNodesAsTheSearchItself) {
         session.send("ucinewgame; " + fen_line(known.text));
         if (every_legal_move(*session.uci.game).empty()) continue;
         const std::string said = session.search("go depth 5");
-        forget_all(*other);
+        reset_search(*other);
         const auto move = think(*other, *game_from(known.text), {.depth = 5, .search_forced = true}, {});
         EXPECT_EQ(session.uci.search->search_nodes, other->search_nodes) << known.text;
         EXPECT_EQ(best_move_in(said), move_text(*move)) << known.text;
