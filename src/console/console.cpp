@@ -44,8 +44,8 @@ enum class Listing : std::uint8_t { none, help, debug };
 using enum Match;
 using enum Listing;
 
-/// A command is a row: how it is told, where it is listed, what it does, and its lines in the listing. Their order
-/// matters to the listings only. The row without a text is that of a typed move, which is told by its shape.
+/// A command: how it is recognised, where it is listed, its handler and its help lines. The order matters only for the
+/// listings. The row without text is a typed move, recognised by its shape.
 struct Command {
     std::string_view text;
     Match match;
@@ -142,7 +142,7 @@ constexpr Command commands[] = {
     {"xboard\n", whole_line, none, speak_xboard},
 };
 
-/// Whether a line could fit two rows: one would hide the other.
+/// Whether a line could match two rows: one would hide the other.
 constexpr bool rows_overlap() {
     for (const Command& command : commands) {
         for (const Command& other : commands) {

@@ -58,7 +58,7 @@ void pass_turn(Engine& engine) {
     switch_turn(*engine.game);
     std::vector<int>& passes = engine.passes;
     if (!passes.empty() && passes.back() == engine.game->move_counter) {
-        passes.pop_back();  // there and back again
+        passes.pop_back();  // two passes in a row cancel
     } else {
         passes.push_back(engine.game->move_counter);
     }
