@@ -1,4 +1,4 @@
-// Turns test positions in EPD into a test suite of the engine's.
+// Converts EPD test positions to a test suite.
 #include <fstream>
 #include <iostream>
 #include <string_view>

@@ -1,4 +1,4 @@
-// Solves king and pawn against king, and looks after the files of the annealing, all in the working directory.
+// Solves king and pawn against king, and anneals and checks its files, all in the working directory.
 #include <charconv>
 #include <cstdint>
 #include <cstdio>

@@ -1,6 +1,6 @@
-// Builds an opening book out of games in PGN.
+// Builds an opening book from PGN games.
 //
-// The book is written when all games have been read, and takes the place of an old one only as a whole.
+// The book is written after all games have been read, and replaces an old one atomically.
 #include <charconv>
 #include <filesystem>
 #include <fstream>
@@ -17,7 +17,7 @@ namespace {
 constexpr int some_unreadable = 1;
 constexpr int unusable = 2;
 
-// Of the engine's book: it is asked for the first 22 moves, and holds 10000 rows.
+// Limits of the engine's book: moves per game and rows.
 constexpr int most_plies = 22;
 constexpr std::size_t most_rows = 10000;
 constexpr int most_games = 1000000000;
@@ -34,7 +34,7 @@ struct Options {
     int games = 3;
     std::string output;
     std::vector<std::string> files;
-    std::string fault;  // empty where the options can be used
+    std::string fault;  // empty if the options are valid
 };
 
 std::optional<int> number(std::string_view text, int most) {
@@ -44,7 +44,7 @@ std::optional<int> number(std::string_view text, int most) {
     return whole && value >= 1 && value <= most ? std::optional(value) : std::nullopt;
 }
 
-/// Takes a number from 1 to `most`, or notes that it is none.
+/// Reads a number from 1 to `most`, or records a fault.
 void take_number(const std::string& option, const std::string& text, int most, int& value, Options& options) {
     const auto read = number(text, most);
     if (read) {

@@ -28,7 +28,7 @@ void shuffle(std::vector<Pattern>& patterns, Choices& choices) {
     }
 }
 
-/// Anneals in chunks of about a second and shows the progress on a terminal.
+/// Anneals in chunks and shows the progress on a terminal, about once per second.
 void anneal_with_progress(PatternList& list, std::uint64_t moves, Choices& choices, UniformState& acceptance) {
     constexpr std::uint64_t portion = 1 << 24;
     const bool is_watched = isatty(STDERR_FILENO) == 1;

@@ -1,4 +1,4 @@
-// Pins and checkers against a walk from the king. What they mean for moves is asked in legality_test.cpp.
+// Pins and checkers, compared with a walk from the king. Legality is tested in legality_test.cpp.
 #include <gtest/gtest.h>
 
 #include "board/attacks.h"
@@ -30,7 +30,7 @@ template <Side S> void expect_pins(const Game& game) {
     EXPECT_EQ(pins.king_square, king_square_of<S>(game));
 }
 
-TEST(Pins, AgreeWithAWalkFromTheKing) {
+TEST(Pins, MatchAWalkFromTheKing) {
     RandomSource random(7);
     Bitboard seen = 0;
     for (unsigned round = 0; round < 4000; ++round) {
@@ -40,7 +40,7 @@ TEST(Pins, AgreeWithAWalkFromTheKing) {
         seen |= pins_of(*game).pinned;
         ASSERT_FALSE(HasFailure()) << position_text(*game);
     }
-    EXPECT_GT(popcount(seen), 50);  // of 60: no piece is pinned in a corner
+    EXPECT_GT(popcount(seen), 50);  // of 60: no pins in corners
 }
 
 }  // namespace
