@@ -20,7 +20,7 @@ std::vector<std::string> line_of(const PgnGame& pgn, int plies, std::string& pro
         if (std::ssize(line) == plies) return line;
         const auto move = read_san(*game, text);
         if (!move) {
-            problem = "\"" + text + "\" is no move after " + std::to_string(line.size()) + " moves";
+            problem = "\"" + text + "\" is not a legal move after " + std::to_string(line.size()) + " moves";
             return line;
         }
         if (is_promotion(move->kind)) return line;

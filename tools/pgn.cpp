@@ -86,14 +86,14 @@ std::optional<PgnGame> PgnReader::next() {
         switch (rest_.front()) {
             case '[':
                 if (in_moves && (variations == 0 || begins_game())) {
-                    if (variations != 0) game.problem = "a variation has no end";
+                    if (variations != 0) game.problem = "unterminated variation";
                     return game;
                 }
                 read_tag(game);
                 continue;
             case '{':
                 if (skip_comment()) continue;
-                game.problem = "a comment has no end";
+                game.problem = "unterminated comment";
                 return game;
             case ';': rest_ = {}; continue;
             case '(': ++variations; break;
@@ -107,7 +107,7 @@ std::optional<PgnGame> PgnReader::next() {
         const std::string_view move = without_number(word);
         if (!is_annotation(move)) game.moves.emplace_back(move);
     }
-    if (variations != 0) game.problem = "a variation has no end";
+    if (variations != 0) game.problem = "unterminated variation";
     return game;
 }
 

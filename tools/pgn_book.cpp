@@ -23,10 +23,12 @@ constexpr std::size_t most_rows = 10000;
 constexpr int most_games = 1000000000;
 
 void print_usage() {
-    std::cout << "usage: pgn_book [--plies N] [--games N] --output book.dat file.pgn ...\n"
-              << "A line of the book has up to N plies (20; 1 to " << most_plies << "), and at least N games (3) began "
-              << "with it.\nGames that start from a set-up position are left out. Games that can't be read are named "
-              << "on the error stream, and\nthe exit status is then 1; it is 2 where no book is written.\n";
+    std::cout
+        << "usage: pgn_book [--plies N] [--games N] --output book.dat file.pgn ...\n"
+        << "Book lines have up to --plies plies (20; 1 to " << most_plies
+        << ") and occur in at least --games games (3).\n"
+        << "Games from set-up positions are skipped. Unreadable games are reported on standard error, and the exit\n"
+        << "status is then 1; it is 2 if no book is written.\n";
 }
 
 struct Options {
@@ -70,12 +72,12 @@ Options read_options(const std::vector<std::string>& arguments) {
         } else if (argument == "--output") {
             options.output = value;
         } else {
-            options.fault = "there is no option " + argument;
+            options.fault = "unknown option " + argument;
         }
     }
     if (!options.fault.empty()) return options;
-    if (options.output.empty()) options.fault = "--output has to name the book";
-    if (options.files.empty()) options.fault = "there are no games to read";
+    if (options.output.empty()) options.fault = "--output is required";
+    if (options.files.empty()) options.fault = "no PGN files given";
     for (const std::string& file : options.files) {
         std::error_code no_such_file;
         if (std::filesystem::equivalent(file, options.output, no_such_file))
@@ -98,14 +100,14 @@ int main(int argc, char** argv) {
         return 0;
     }
     const Options options = read_options(arguments);
-    if (!options.fault.empty()) return complain(options.fault + "; --help tells its use");
+    if (!options.fault.empty()) return complain(options.fault + "; see --help");
     varn::draw_hash_numbers(0);
     varn::BookNode root;
     varn::BookCounts all;
     for (const std::string& name : options.files) {
         std::ifstream file(name, std::ios::binary);
         const varn::BookCounts counts = varn::add_games(file, name, options.plies, root, std::cerr);
-        if (!file.is_open() || file.bad()) return complain(name + " can't be read");
+        if (!file.is_open() || file.bad()) return complain("can't read " + name);
         all.used += counts.used;
         all.set_up += counts.set_up;
         all.unreadable += counts.unreadable;

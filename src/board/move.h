@@ -31,7 +31,7 @@ constexpr bool is_promotion(int kind) {
     return kind <= 14 && (type == queen || type == bishop || type == knight || type == plain_rook);
 }
 
-/// Fixed-capacity list that all generators fill. `scores` belongs to whoever orders the moves.
+/// Fixed-capacity move list, filled by the generators. `scores` is set by move ordering.
 struct MoveList {
     static constexpr int capacity = 1000;
     std::int32_t count;

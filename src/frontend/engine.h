@@ -50,7 +50,7 @@ void pass_turn(Engine& engine);
 void take_back_moves(Engine& engine, int taken_back);
 
 /// The engine's move: from the book, or from a search that reports to the listener. None if there is no legal move. If
-/// the book has no move it is switched off for good.
+/// the book has no move it is switched off.
 std::optional<Move> choose_move(Engine& engine, const Game& game, const SearchListener& listener);
 
 /// Prints the remarks; an invalid piece ends the process with status 1.

@@ -146,7 +146,7 @@ TEST_F(Think, ReportsEachIterationAndEachBetterLine) {
     };
     listener.iteration_finished = [&](const SearchReport& report) {
         expect_report(report);
-        EXPECT_EQ(report.score, last_score) << "not that of the line told last";
+        EXPECT_EQ(report.score, last_score) << "not the score of the last line reported";
         EXPECT_EQ(report.score, s.root_score);
         order += static_cast<char>('0' + report.depth);
     };

@@ -55,8 +55,8 @@ TEST(BookBuilder, ReportsUnreadableGamesAndContinues) {
         20, 1);
     EXPECT_EQ(built.rows, (std::vector<std::string>{"d2d4d7d5,", "e2e4e7e5,"}));
     EXPECT_EQ(built.complaints,
-              "x.pgn: game 3: \"Qxh7\" is no move after 2 moves\nx.pgn: game 4: a comment has no end\n"
-              "x.pgn: game 5: a variation has no end\n");
+              "x.pgn: game 3: \"Qxh7\" is not a legal move after 2 moves\nx.pgn: game 4: unterminated comment\n"
+              "x.pgn: game 5: unterminated variation\n");
     EXPECT_EQ(built.counts.used, 2);
     EXPECT_EQ(built.counts.set_up, 1);
     EXPECT_EQ(built.counts.unreadable, 3);
