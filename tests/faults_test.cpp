@@ -104,7 +104,7 @@ TEST(Faults, SignalsEndLongRunsAndKeepFinishedFiles) {
     }
 }
 
-TEST(Faults, NoPartOfAFileIsLeftBehind) {
+TEST(Faults, SizeLimitsAndSignalsLeaveNoPartialFiles) {
     const std::string positions = repeated(100, "8/8/8/8/8/8/7P/5k1K w - - 0 1\t0\n");
     const std::vector<std::string> before = {"kpkbb", "varn.ini"};
     Files files = default_files();

@@ -36,7 +36,7 @@ public:
         stream << content;
         if (!stream.flush()) throw std::system_error(errno, std::generic_category(), name);
     }
-    /// Of all that is in it, in order.
+    /// Names of all files in it, sorted.
     std::vector<std::string> names() const {
         std::vector<std::string> names;
         for (const auto& entry : std::filesystem::directory_iterator(path_)) names.push_back(entry.path().filename());

@@ -49,7 +49,7 @@ template <typename Act> std::string printed(Act act) {
 inline std::unique_ptr<Game> game_from(std::string_view text) {
     auto game = new_game();
     set_position(*game, text);
-    complete_record(*game);  // keys that are a function of the position
+    complete_record(*game);  // keys depend on the position only
     return game;
 }
 

@@ -70,12 +70,12 @@ public:
     /// Limits the stack of its main thread.
     void limit_stack(std::size_t bytes);
 
-    /// No file that it writes grows beyond this.
+    /// Limits the size of files that it writes.
     void limit_files(std::size_t bytes);
 
-    /// The engine's folder, for a look at what it wrote.
+    /// The engine's folder.
     const Folder& folder() const { return folder_; }
-    /// The content of a file there; throws if there is none.
+    /// The content of a file in it; throws if there is none.
     std::string file(const std::string& name) const { return folder_.read(name); }
 
 private:

@@ -27,8 +27,8 @@ File open_for_reading(const char* name, Devices devices = Devices::none);
 /// Creates or overwrites a file; null on failure.
 File open_for_writing(const char* name, Devices devices);
 
-/// Writes the text to a new file with a unique name that begins with `beginning`, and returns the name. None on failure;
-/// then no file is left behind.
+/// Writes the text to a new file with a unique name that begins with `beginning`, and returns the name. None on
+/// failure; then no file is left behind.
 std::optional<std::string> write_new_file(const std::string& beginning, std::string_view text);
 
 /// Writes a file atomically; returns whether it succeeded. Signals that would end the process are delayed, so that no

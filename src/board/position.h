@@ -16,10 +16,10 @@ struct PositionRemarks {
 };
 
 /// Sets up the position and clears the game's moves. The text ends at its first newline; missing fields are empty.
-/// Castling letters are added up as the values of their rights, so that "KK" is the queenside right; rights without king
-/// and rook in place are dropped. The hashes are those of the board field alone, with plain rooks and the previous side
-/// to move: `complete_record` recomputes them. Whether the position can be played is not tested: see `is_playable`.
-/// After `foreign_piece` the game must be set again before use.
+/// Castling letters are added up as the values of their rights, so that "KK" is the queenside right; rights without
+/// king and rook in place are dropped. The hashes are those of the board field alone, with plain rooks and the previous
+/// side to move: `complete_record` recomputes them. Whether the position can be played is not tested: see
+/// `is_playable`. After `foreign_piece` the game must be set again before use.
 PositionRemarks set_position(Game& game, std::string_view text);
 
 /// The four fields as read by `set_position`; the game must be consistent.

@@ -28,9 +28,9 @@ void do_nothing(Console&, const CommandLine&) {}
 [[noreturn]] void quit(Console& console, const CommandLine&) { std::exit(settle_patterns(console.patterns) ? 0 : 1); }
 
 [[noreturn]] void speak_xboard(Console& console, const CommandLine&) {
-    // How a client may ask for attention, which between its lines it has anyway. It may come at once, so this is first.
+    // Clients may send SIGINT to get attention; input is read anyway. It may arrive at once, so this comes first.
     static_cast<void>(std::signal(SIGINT, SIG_IGN));
-    settle_patterns(console.patterns);  // the console doesn't come back
+    settle_patterns(console.patterns);  // doesn't return to the console
     say_text("\n");
     xboard_loop(console.engine);
 }

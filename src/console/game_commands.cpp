@@ -21,8 +21,8 @@ namespace {
 bool is_letter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
 bool is_rank_digit(char c) { return c >= '1' && c <= '8'; }
 
-/// Files continue beyond h into the rank below, so that "i3i5" is a2a4. Without validation illegal moves are allowed, but
-/// none that would corrupt the game, and no wrapped squares, which are hardly intended.
+/// Files continue beyond h into the rank below, so that "i3i5" is a2a4. Without validation illegal moves are allowed,
+/// but none that would corrupt the game, and no wrapped squares, which are hardly intended.
 bool may_play(const Console& console, std::string_view text, Move move) {
     const Game& game = *console.engine.game;
     if (console.human_move_validation) return is_valid_move(game, move);

@@ -15,7 +15,7 @@ void switch_turn(Game& game) {
     game.zobrist_key ^= zobrist_side_number;
 }
 
-/// The game's moves start from the position in which the game stands.
+/// Makes the current position the base position.
 void set_base_position(Engine& engine) {
     engine.base_position = *engine.game;
     engine.passes.clear();

@@ -62,7 +62,7 @@ TEST(PositionText, ReadsMalformedText) {
         EXPECT_EQ(remarks_on(*game, text), said) << text;
         EXPECT_EQ(position_text(*game), std::string(board) + std::string(expected)) << text;
         EXPECT_TRUE(is_consistent(*game)) << text;
-        // The rooks of rights, and no others, can lose them.
+        // Exactly the rooks of existing rights can lose them.
         constexpr std::tuple<int, PieceType, std::uint32_t Game::*, std::uint32_t> corners[] = {
             {h1, kingside_rook, &Game::w_castle, kingside_right},
             {a1, queenside_rook, &Game::w_castle, queenside_right},

@@ -14,7 +14,7 @@
 namespace varn {
 namespace {
 
-/// While it lives, no file grows beyond the size.
+/// Limits the size of files while it exists.
 class FileLimit {
 public:
     explicit FileLimit(rlim_t bytes) {
@@ -156,7 +156,7 @@ TEST_F(PatternFiles, ResultsSurviveWriteErrors) {
     EXPECT_EQ(written(), "1 w\n1 256 4 0\n");
 }
 
-TEST_F(PatternFiles, AreRescuedBeforeTheyAreGone) {
+TEST_F(PatternFiles, ResultsAreRescuedBeforeExit) {
     const std::string error = "error: cannot output evalubase file.\n";
     write(some_text + "\t0\n");
     bool is_settled = false;

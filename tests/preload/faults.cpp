@@ -62,7 +62,7 @@ int clock_gettime(clockid_t clock, timespec* time) {
     return status;
 }
 
-// Ways in which a file goes or gets its name.
+// Functions that remove or rename files.
 
 int unlink(const char* name) {
     if (is_fault("signal behind a file")) raise(SIGTERM);

@@ -114,7 +114,7 @@ TEST(Xboard, BookMovesNeedNoSearch) {
         "> time 999999999; new; post; e2e4; hint\ngot time: 9999999970\nturns left = 0\n"
         "allocating 249999999 milliseconds for search.\nmove e7e5\npondering enabled\nHint:   Nf3\n"
         "> new; easy; e2e4; remove; go; remove\nmove e7e5\nmove e2e4\n");
-    // As many rows as fit are drawn from, beginning with the first that does.
+    // The choice is among as many rows as fit, from the first of them on.
     files["book.dat"] = "c2c4\ne2e4d7d5\nd2d4d7d5\ne2e4e7e5\n";
     const std::string games = "new; easy; e2e4; new; easy; e2e4; new; easy; e2e4; new; easy; e2e4";
     Partner("", files).expect("> " + games + "; " + games + '\n' + "move d7d5\nmove d7d5\nmove d7d5\nmove d7d5\n" +
