@@ -1,15 +1,15 @@
-# The UCI program in one step, as test farms for engines build it:
+# Builds the UCI program in one step, as engine test frameworks expect:
 #
 #     make EXE=varn-uci CXX=clang++
 #
-# Everything else is CMake's: see README.md.
+# For everything else use CMake: see README.md.
 EXE ?= varn-uci
 CXX ?= g++
 VERSION := $(shell sed -n 's/.*Varn VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 SOURCES := $(filter-out src/console/main.cpp, $(wildcard src/*/*.cpp))
 HEADERS := $(wildcard src/*/*.h)
 
-# A whole program to optimise, and tables to build that take more steps than the compilers allow by default.
+# Link-time optimisation, and higher limits for the constexpr tables.
 BY_COMPILER := $(if $(findstring clang,$(shell $(CXX) --version)),-flto -fconstexpr-steps=100000000,-flto=auto -fconstexpr-ops-limit=1000000000)
 
 $(EXE): $(SOURCES) $(HEADERS)

@@ -1,7 +1,6 @@
-// What a move of the annealing costs, and how that changes as the list gets shorter: the same number of moves from the
-// same boxes, by the list with its groups and by the plain walk over all boxes. The argument is the number of moves,
-// in thousands, that were made before; the counter `boxes` tells how many boxes these left. The rate is in moves a
-// second.
+// Cost of an annealing move as the list gets shorter: the same number of moves from the same boxes with the real list
+// and with the reference implementation. The argument is the number of preceding moves in thousands; the counter
+// `boxes` is the number of boxes left by them. The rate is in moves per second.
 #include <benchmark/benchmark.h>
 
 #include <map>
@@ -22,9 +21,9 @@ std::vector<Pattern> shuffled_draws() {
     return positions;
 }
 
-std::map<std::int64_t, PatternList> lists;  // that were made so far, by thousand moves
+std::map<std::int64_t, PatternList> lists;  // computed so far, by thousand moves
 
-/// The list after so many moves from single positions; made once.
+/// The list after so many moves, computed once.
 const PatternList& list_after(std::int64_t thousand_moves) {
     const auto found = lists.find(thousand_moves);
     if (found != lists.end()) return found->second;
@@ -50,7 +49,7 @@ void plain_anneal(PlainList& list, std::uint64_t moves, Choices& choices, Unifor
     }
 }
 
-/// A round starts from a fresh copy of the list, so that its length stays what it is said to be.
+/// Each iteration starts from a fresh copy, so that the list keeps its length.
 template <typename List, void (*Anneal)(List&, std::uint64_t, Choices&, UniformState&)>
 void run_rounds(benchmark::State& state, const List& start) {
     constexpr std::uint64_t moves_a_round = 10000;

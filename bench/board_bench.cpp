@@ -1,5 +1,5 @@
-// What the board's operations cost, each over a dozen positions from all phases of a game: make with unmake, the check
-// test, generation, and the test for any legal move. Rates are in calls a second, for make in moves made and unmade.
+// Cost of board operations on a dozen positions from all game phases: make and unmake, check test, generation, and the
+// test for any legal move. Rates are in calls per second, for make in moves made and unmade.
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -67,7 +67,7 @@ void make_and_unmake(benchmark::State& state) {
 }
 BENCHMARK(make_and_unmake)->Name("make and unmake/legal moves");
 
-/// One call of `operation` for each game a round.
+/// Calls `operation` once per game and iteration.
 template <auto operation> void on_every_game(benchmark::State& state) {
     const auto games = all_games();
     for (auto _ : state) {

@@ -1,4 +1,4 @@
-"""The tables of the documents that programs write: text between two comments, the first of which names the program.
+"""Generated tables in documents: text between two comments, the first of which names the command.
 
     <!-- made by bench/compare search --build build/release -->
     ...
@@ -9,7 +9,7 @@ import re
 
 
 def made_text(path, command):
-    """The text that the command has made in the document."""
+    """The generated text of a command in the document."""
     return _find(path, command)[1]
 
 
@@ -27,7 +27,7 @@ def _find(path, command):
 
 
 def read_table(text):
-    """Rows of cells, the first of them the head."""
+    """The rows of a table, header first."""
     rows = [[cell.strip() for cell in line.strip("|").split("|")] for line in text.splitlines() if line.startswith("|")]
     return rows[:1] + rows[2:]
 

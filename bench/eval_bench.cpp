@@ -1,5 +1,5 @@
-// What one static evaluation costs, with the pawns known to the pawn hash table and with the table just cleared. A
-// round evaluates a dozen positions from all phases of a game; the rate is in positions a second.
+// Cost of a static evaluation, with a warm and with a cleared pawn hash table. Each iteration evaluates a dozen
+// positions from all game phases; the rate is in positions per second.
 #include <benchmark/benchmark.h>
 
 #include <memory>

@@ -1,7 +1,7 @@
-// Whole searches at a fixed depth over a dozen positions: prints the nodes of each, their total and the speed.
+// Fixed-depth searches of a dozen positions: prints the nodes of each, the total and the speed.
 //
-// The hash numbers come from a fixed seed, so the total is a signature: a change that only makes the engine faster
-// leaves it as it is, and one that alters it has changed what the search or the evaluation does.
+// Hash numbers come from a fixed seed, so the total is a signature: pure speed-ups keep it, and any change of it means
+// that search or evaluation behave differently.
 //
 // Usage: search_bench [depth]
 #include <cstdio>

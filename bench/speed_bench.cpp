@@ -1,6 +1,6 @@
-// How many nodes a second a search looks at, positions from an opening to an ending, each for the same time: searched
-// anew if the last depth is reached before the time is over. Counted over all iterations, the unfinished one included.
-// The rate is by the processor's time, which other work on the machine disturbs less than the clock on the wall.
+// Search speed in nodes per second on positions from opening to ending, each searched for the same time, repeatedly if
+// the maximum depth is reached. All iterations count, the unfinished one included. The rate is by CPU time, which is
+// less affected by other load than wall time.
 //
 // Usage: speed_bench [milliseconds [hash bits [last depth [position]]]]
 #include <chrono>
@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::uint64_t hash_seed = 20080519;
 
-/// Of the benchmark's: the start, "everything hangs", a quiet middle game and a rook ending.
+/// Indices of benchmark positions: the start, "everything hangs", a quiet middlegame and a rook ending.
 constexpr int positions[] = {0, 1, 2, 8};
 
 double processor_seconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }

@@ -1,4 +1,4 @@
-// The book's file: whatever it holds, the book gives legal moves or none.
+// Book files: whatever the file contains, the book gives legal moves or none.
 #include <cstdlib>
 
 #include "board/legality.h"

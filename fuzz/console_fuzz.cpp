@@ -1,5 +1,5 @@
-// A whole session at the console. Searches are kept to one ply. What takes long by itself is left out, and so are runs
-// of test suites outside the fuzzer's folder.
+// Console sessions. Searches are limited to one ply. Slow commands are skipped, and so are test suites outside the
+// fuzzer's folder.
 #include <algorithm>
 #include <cstdio>
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Counts deeper than two plies, searches of fixed depth, and the pattern tool.
+/// Perft deeper than two plies, fixed-depth searches, and the pattern tool.
 bool takes_long(std::string_view line) {
     for (const std::string_view text : {"perft ", "advperft "}) {
         if (line.starts_with(text)) return line != std::string(text) + "1\n" && line != std::string(text) + "2\n";
@@ -17,19 +17,19 @@ bool takes_long(std::string_view line) {
     return line == "kpk\n" || line == "kpkbb\n" || line == "xboard\n" || line == "nm\n";
 }
 
-/// The console's next line: up to a newline, but no more than it reads at once.
+/// The console's next line: up to a newline, but no longer than it reads at once.
 std::string_view next_line(std::string_view input) {
     constexpr std::size_t longest_piece = 255;
     const std::string_view piece = input.substr(0, longest_piece);
     return piece.substr(0, std::min(piece.find('\n'), piece.size() - 1) + 1);
 }
 
-/// The suite and the log of a run may have any name.
+/// Suite and log names with a path.
 bool leaves_folder(std::string_view line) {
     return line.starts_with("runs") && line.find('/') != std::string_view::npos;
 }
 
-/// Each line that is left out leaves its newline behind, so that no other two lines come together.
+/// Skipped lines leave their newline, so that other lines aren't joined.
 std::string bounded(std::string_view input) {
     std::string lines;
     while (!input.empty()) {

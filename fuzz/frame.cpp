@@ -13,11 +13,11 @@
 
 namespace {
 
-/// Thrown in place of an exit, while an input runs.
+/// Thrown instead of exiting while an input runs.
 struct EndOfProcess {};
 bool may_exit = true;
-std::unique_ptr<varn::Engine> engine;  // null before the start
-std::string folder;                    // the engine's, once it was started
+std::unique_ptr<varn::Engine> engine;  // null until started
+std::string folder;                    // working directory of the engine
 
 void remove_folder() {
     std::error_code ignored;
@@ -26,7 +26,7 @@ void remove_folder() {
 
 }  // namespace
 
-// The linker leads every call of `exit` here, and names both.
+// The linker redirects `exit` here (--wrap); the names are given by it.
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 [[noreturn]] void __real_exit(int status);
@@ -65,7 +65,7 @@ void run_to_exit(void (*action)(std::string_view), std::string_view input) {
     try {
         action(input);
     } catch (const EndOfProcess&) {
-        // The session ended; the next one starts afresh.
+        // The session ended.
     }
     may_exit = before;
 }

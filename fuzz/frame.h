@@ -1,5 +1,4 @@
-// What all fuzz targets share: an engine that is started once, a folder to write files in, and a way out of whatever
-// would end the process.
+// Shared by all fuzz targets: an engine that is started once, a folder for files, and interception of process exits.
 #pragma once
 
 #include <string_view>
@@ -8,20 +7,19 @@
 
 namespace varn {
 
-/// Starts the engine with small tables in an empty folder of its own, and drops all output. The first call does it.
+/// Starts the engine with small tables in an empty folder and discards all output. Only the first call has an effect.
 void start_engine();
 
-/// The engine at the beginning of a game, as a session that begins finds it. Its tables are those of the last session,
-/// emptied.
+/// The engine at the start of a game, with cleared tables.
 Engine& fresh_engine();
 
-/// Calls `action`. Where the engine ends the process, the call returns instead.
+/// Calls `action`. Returns if the engine tries to end the process.
 void run_to_exit(void (*action)(std::string_view input), std::string_view input);
 
-/// Puts a file into the folder.
+/// Writes a file into the folder.
 void write_file(const char* name, std::string_view content);
 
 }  // namespace varn
 
-/// What a target does with an input of any bytes.
+/// Runs a target on arbitrary input.
 void run_input(std::string_view input);

@@ -1,4 +1,4 @@
-// The input of the pattern tool, and some moves of its annealing.
+// Input files of the pattern tool, followed by some annealing moves.
 #include "frame.h"
 #include "frontend/engine.h"
 #include "patterns/anneal.h"

@@ -1,5 +1,5 @@
-// Bytes choose moves, take-backs, null moves and positions; after each step everything that is kept incrementally must
-// be what a computation from scratch gives.
+// Input bytes choose moves, take-backs, null moves and positions; after each step all incremental values must equal a
+// computation from scratch.
 #include <cstdlib>
 #include <vector>
 
@@ -32,7 +32,7 @@ struct Step {
     varn::UndoRecord undo;
 };
 
-/// The hashes carry the numbers of lost rights and of open null moves on top of the sum over the pieces.
+/// Hashes include the numbers of lost rights and open null moves in addition to the sum over the pieces.
 varn::PositionKeys expected_keys(const varn::Game& game, const varn::Game& base, int null_moves) {
     const std::uint32_t w_lost = base.w_castle & ~game.w_castle;
     const std::uint32_t b_lost = base.b_castle & ~game.b_castle;
@@ -44,21 +44,21 @@ varn::PositionKeys expected_keys(const varn::Game& game, const varn::Game& base,
     return varn::position_keys(game) ^ varn::in_both(number);
 }
 
-int material_of(const varn::Game& game, varn::Bitboard men) {
+int material_of(const varn::Game& game, varn::Bitboard pieces) {
     int sum = 0;
-    while (men != 0) sum += varn::piece_values[game.cells[varn::pop_first(men)]];
+    while (pieces != 0) sum += varn::piece_values[game.cells[varn::pop_first(pieces)]];
     return sum;
 }
 
 void require_sound(const varn::Game& game, const varn::Game& base, int null_moves) {
-    const varn::Bitboard men = varn::occupied(game);
+    const varn::Bitboard pieces = varn::occupied(game);
     require(varn::is_consistent(game) && varn::is_playable(game));
-    require(game.r90 == varn::rotate_90(men) && game.r45f == varn::rotate_45f(men) &&
-            game.r45b == varn::rotate_45b(men));
+    require(game.r90 == varn::rotate_90(pieces) && game.r45f == varn::rotate_45f(pieces) &&
+            game.r45b == varn::rotate_45b(pieces));
     require(game.w_material == material_of(game, game.w_pieces) && game.b_material == material_of(game, game.b_pieces));
     require(game.material == game.w_material - game.b_material);
     require(varn::keys_of(game) == expected_keys(game, base, null_moves));
-    // The side to move is in the pawn hashes as it was in the base position.
+    // The pawn hashes keep the side to move of the base position.
     varn::PositionKeys pawns = varn::pawn_keys(game);
     if (game.turn != base.turn) {
         pawns.key ^= varn::zobrist_side_number;
@@ -75,8 +75,8 @@ void take_back(varn::Game& game, const Step& step) {
     }
 }
 
-/// One move out of the pseudo-legal ones; false where there is none or the one chosen isn't legal. What is said of the
-/// move beforehand must come true.
+/// Makes the chosen pseudo-legal move; returns false if there is none or it is illegal. All predictions about the move
+/// must be right.
 bool make_chosen(varn::Game& game, unsigned choice, Step& step) {
     varn::MoveList list;
     varn::generate_all(game, list);

@@ -1,4 +1,4 @@
-// A position's text: what can be read can be written and read again, and a playable position can be played in.
+// Position text: whatever is read can be written and read again, and playable positions can be played.
 #include <cstdlib>
 
 #include "board/legality.h"

@@ -1,4 +1,4 @@
-// The settings file. Tables aren't allocated from it: sizes that can't be are tested elsewhere.
+// The settings file. No tables are allocated: invalid sizes are tested elsewhere.
 #include "frame.h"
 #include "frontend/configuration.h"
 

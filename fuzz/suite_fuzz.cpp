@@ -1,4 +1,4 @@
-// A test suite's lines.
+// Lines of test suites.
 #include "frame.h"
 #include "frontend/suite.h"
 

@@ -1,5 +1,4 @@
-// The lines of the Universal Chess Interface, any bytes in them, as fast as they come, with searches on the second
-// thread in between.
+// UCI input of arbitrary bytes, sent without pauses while searches run on the second thread.
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
@@ -13,7 +12,7 @@ namespace {
 
 using varn::Uci;
 
-/// Kept from one input to the next: tables take long to be had.
+/// Kept between inputs, because allocating tables is slow.
 Uci& front_end() {
     static Uci uci;
     static const bool started =
@@ -23,7 +22,7 @@ Uci& front_end() {
     return uci;
 }
 
-/// What stands behind a word of the line; nothing where the word isn't there.
+/// The part of the line after a word; none if the word is missing.
 std::optional<std::string_view> behind(std::string_view line, std::string_view wanted) {
     for (std::string_view word = varn::take_word(line); !word.empty(); word = varn::take_word(line)) {
         if (word == wanted) return line;
@@ -33,7 +32,7 @@ std::optional<std::string_view> behind(std::string_view line, std::string_view w
 
 bool has_word(std::string_view line, std::string_view wanted) { return behind(line, wanted).has_value(); }
 
-/// Counts of moves deeper than two plies; books that aren't of the folder; tables that it takes long to empty.
+/// Perft deeper than two plies, books outside the folder, and tables that are slow to clear.
 bool is_left_out(std::string_view line) {
     std::string lower(line);
     std::ranges::transform(lower, lower.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; });
@@ -51,7 +50,7 @@ void carry_out(std::string_view lines) {
     while (!lines.empty()) {
         const std::string_view line = lines.substr(0, lines.find('\n'));
         if (!is_left_out(line) && !varn::uci_step(uci, line)) break;
-        // Whatever comes next finds a search that has had a moment, or none: as the line's length will have it.
+        // The next command meets a search that has just started or was stopped, depending on the line's length.
         if (has_word(line, "go") && line.size() % 2 == 0) varn::stop(uci);
         lines.remove_prefix(std::min(lines.size(), line.size() + 1));
     }

@@ -1,4 +1,4 @@
-// The lines of the protocol, as fast as they come, with searches on the second thread in between.
+// xboard input, sent without pauses while searches run on the second thread.
 #include <optional>
 
 #include "frame.h"
@@ -21,7 +21,7 @@ void run_input(std::string_view input) {
             while (!lines.empty()) {
                 const std::string_view line = lines.substr(0, lines.find('\n') + 1);
                 const std::string_view taken = line.empty() ? lines : line;
-                // A search on this thread must be short; the one on the other thread has the time that it has.
+                // Searches on this thread must be short; a pondering search keeps its limit.
                 if (!varn::is_pondering(protocol->pondering)) time_limit_ms = short_search_ms;
                 if (!taken.starts_with("time ")) varn::xboard_step(*protocol, taken);
                 lines.remove_prefix(taken.size());

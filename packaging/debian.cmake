@@ -1,5 +1,5 @@
-# Brings the staged documents into the form of Debian's policy, before the package is made of them: both changelogs under
-# their names, and what is compressed, compressed without the time, so that equal sources make equal packages.
+# Adapts the staged documents to Debian policy: names of the changelogs, and compression without time stamps for
+# reproducible packages.
 set(share ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share)
 set(documents ${share}/doc/varn)
 file(RENAME ${documents}/CHANGELOG.md ${documents}/changelog)

@@ -1,5 +1,4 @@
-// Dialogues with the engine, whichever of its front ends it is that answers: written down as transcripts, and led with
-// the protocol's side as a chess program leads it.
+// Dialogues with either front end: transcripts, and sessions of the xboard protocol.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -18,7 +17,7 @@
 
 namespace varn {
 
-/// Plays a transcript: a line that begins with "> " is typed, what follows it is what `answer` must give.
+/// Plays a transcript: lines that begin with "> " are typed, and `answer` must return the lines after them.
 template <typename Answer> void expect_transcript(const std::string& transcript, Answer answer) {
     for (std::size_t start = 0, end; start < transcript.size(); start = end) {
         const std::size_t line_end = transcript.find('\n', start);
@@ -28,14 +27,14 @@ template <typename Answer> void expect_transcript(const std::string& transcript,
     }
 }
 
-/// Names the program and its version where the text says "{program}".
+/// Replaces "{program}" by the program's name and version.
 inline std::string with_program_name(std::string text) {
     constexpr std::string_view name = "{program}";
     for (std::size_t at; (at = text.find(name)) != std::string::npos;) text.replace(at, name.size(), program_name);
     return text;
 }
 
-/// Hands out the transcripts of a file as `play(title, transcript)`: one stands below each title line.
+/// Calls `play(title, transcript)` for each transcript of a file; each follows its title line.
 template <typename Play> void for_each_transcript(const std::string& name, Play play) {
     std::ifstream file(VARN_TEST_FOLDER "/transcripts/" + name);
     const std::string text = '\n' + std::string(std::istreambuf_iterator<char>(file), {});
@@ -50,7 +49,7 @@ template <typename Play> void for_each_transcript(const std::string& name, Play 
 inline const std::string features =
     with_program_name("feature analyse=0\nfeature setboard=0\nfeature myname=\"{program}\"\nfeature done=1\n");
 
-/// What the protocol says of how a game stands.
+/// The protocol's message for a game status.
 inline std::string result_text(const Game& game) {
     switch (protocol_status(game)) {
         case GameStatus::goes_on: return "";
@@ -63,7 +62,7 @@ inline std::string result_text(const Game& game) {
     }
 }
 
-/// The engine as a chess program meets it: first some lines at the console, then the protocol.
+/// The engine under the xboard protocol, after some lines at the console.
 class Partner {
 public:
     explicit Partner(std::string_view console_lines = "", const Files& files = default_files()) : process_(files) {
@@ -72,7 +71,7 @@ public:
         EXPECT_TRUE(answer("").ends_with("Varn> \n"));
     }
 
-    /// What the lines, with "; " between them, are answered with. The request for the features marks the end.
+    /// The answer to the lines (separated by "; "). A request for the features marks the end.
     std::string answer(std::string_view lines) {
         for (const std::string& line : split(lines, "; ")) process_.send(line + '\n');
         process_.send("protover 2\n");

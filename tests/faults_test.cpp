@@ -1,5 +1,4 @@
-// What the system may do to a process: memory that runs out, ends of pipes that don't wait, signals, clocks that jump,
-// and games that are longer than their record.
+// System faults: out of memory, non-blocking pipes, signals, clock jumps, and games longer than their record.
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -12,7 +11,7 @@
 namespace varn {
 namespace {
 
-/// While it lives, engines are started with something that goes wrong.
+/// While it exists, engines start with the given fault.
 class Fault {
 public:
     explicit Fault(const char* name) : name_("VARN_FAULT", name) {}
@@ -28,7 +27,7 @@ std::string repeated(int times, std::string_view text) {
     return all;
 }
 
-TEST(Faults, WithoutMemoryTheProcessEndsWithALine) {
+TEST(Faults, OutOfMemoryEndsTheProcessWithAMessage) {
     if (!std::string_view(VARN_SANITIZERS).empty()) GTEST_SKIP() << "a sanitizer has an allocator of its own";
     const Fault memory("memory");
     const std::pair<Files, std::string> cases[] = {
@@ -44,7 +43,7 @@ TEST(Faults, WithoutMemoryTheProcessEndsWithALine) {
     }
 }
 
-TEST(Faults, NothingIsLostAtSlowEndsOfPipesAndBySignals) {
+TEST(Faults, SlowPipesAndSignalsLoseNothing) {
     const std::pair<std::string, std::string> cases[] = {
         {repeated(600, "help\n"), ""},
         {"xboard\n" + repeated(30000, "ping\n"), "Varn> \n" + repeated(30000, "Illegal Move: ????\n")},
@@ -54,10 +53,10 @@ TEST(Faults, NothingIsLostAtSlowEndsOfPipesAndBySignals) {
             const std::string output = expected.empty() ? run_console(input).output : expected;
             const Fault fault(name);
             Process engine;
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));  // it waits for its first line
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));  // waiting for its first line
             engine.send(input);
             for (const int signal : {SIGSTOP, SIGWINCH, SIGCONT, SIGURG}) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(50));  // its output is not read
+                std::this_thread::sleep_for(std::chrono::milliseconds(50));  // its output isn't read
                 engine.send_signal(signal);
             }
             engine.close_input();
@@ -68,14 +67,14 @@ TEST(Faults, NothingIsLostAtSlowEndsOfPipesAndBySignals) {
     }
 }
 
-TEST(Faults, AClockThatWrapsOrJumpsBackEndsNoSearchForGood) {
+TEST(Faults, ClockJumpsDoNotBreakSearches) {
     const std::pair<const char*, int> cases[] = {{"none", 500}, {"clock wraps", 500}, {"clock jumps back", 0}};
     for (const auto& [name, least_ms] : cases) {
         const Fault fault(name);
         Process engine;
         const auto started = std::chrono::steady_clock::now();
         engine.send("time 500\ne2e4\n");
-        engine.close_input();  // and a search doesn't hear the end of the input
+        engine.close_input();  // and a search doesn't notice the end of input
         engine.read_until("my move is: ");
         const auto taken = std::chrono::steady_clock::now() - started;
         EXPECT_GE(taken, std::chrono::milliseconds(least_ms)) << name;
@@ -84,7 +83,7 @@ TEST(Faults, AClockThatWrapsOrJumpsBackEndsNoSearchForGood) {
     }
 }
 
-TEST(Faults, ASignalEndsALongRunAndLeavesWhatIsFinished) {
+TEST(Faults, SignalsEndLongRunsAndKeepFinishedFiles) {
     const std::string start_text(known_positions[0].text);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         Process engine({{"varn.ini", "hash 10"}, {"suite", "k7/8/1K6/8/8/8/8/8 b - - Kb8\n" + start_text + "\n"}});
@@ -105,7 +104,7 @@ TEST(Faults, ASignalEndsALongRunAndLeavesWhatIsFinished) {
     }
 }
 
-TEST(Faults, NoPartOfAFileIsLeftBehind) {
+TEST(Faults, SizeLimitsAndSignalsLeaveNoPartialFiles) {
     const std::string positions = repeated(100, "8/8/8/8/8/8/7P/5k1K w - - 0 1\t0\n");
     const std::vector<std::string> before = {"kpkbb", "varn.ini"};
     Files files = default_files();
@@ -127,7 +126,7 @@ TEST(Faults, NoPartOfAFileIsLeftBehind) {
 
 TEST(Faults, DeepSearchesFitASmallStack) {
     if (!std::string_view(VARN_SANITIZERS).empty()) GTEST_SKIP() << "sanitizers need more stack";
-    // An ending of blocked pawns, in which a search comes deeper than anywhere else.
+    // An endgame with blocked pawns, where the search goes deepest.
     const std::string position = "setboard 8/k7/3p4/p2P1p2/P2P1P2/8/8/K7 w - -\nply 50\ntime 2000\n";
     Process console;
     console.limit_stack(512U << 10U);
@@ -139,7 +138,7 @@ TEST(Faults, DeepSearchesFitASmallStack) {
     Partner ponderer(position);
     ponderer.process().limit_stack(512U << 10U);
     ponderer.answer("sd 50");
-    // A search that its clock ends in the midst of an iteration doesn't always expect a reply to ponder on.
+    // A search stopped in the middle of an iteration doesn't always have an expected reply.
     std::string said;
     for (const char* move : {"a1b1", "b1c1", "c1d1", "d1e1", "e1f1"}) {
         said = ponderer.answer("time 4000; " + std::string(move));
@@ -152,10 +151,10 @@ TEST(Faults, DeepSearchesFitASmallStack) {
 
 // --- A thousand moves -----------------------------------------------------------------------------------------------
 
-/// Shuffles, and then a pawn's step, with which the draws by repetition and by the fifty moves are over.
+/// Shuffles followed by a pawn move, which ends repetitions and the fifty-move count.
 const std::string moves_997 = repeated(249, "g1f3\ng8f6\nf3g1\nf6g8\n") + "e2e3\n";
 
-TEST(Faults, AtTheConsoleAGameEndsWithItsRecord) {
+TEST(Faults, ConsoleEndsTheGameWithAFullRecord) {
     const std::string full = "the game record is full: 1000 moves have been played.\nVarn> ";
     Process engine;
     engine.send("ply 2\npvp\n" + moves_997 + "flags\n");
@@ -167,7 +166,7 @@ TEST(Faults, AtTheConsoleAGameEndsWithItsRecord) {
     const std::string itself = answer("cvc");
     EXPECT_NE(itself.find("Turn 3: my move is: "), std::string::npos) << itself;
     EXPECT_TRUE(itself.ends_with("\n\nDraw by game length.\nVarn> ")) << itself;
-    // The engine's reply is the last move, and then the move that it would reply to.
+    // The engine's reply fills the record; the next reply is refused.
     answer("back 2");
     EXPECT_NE(answer("b1a3").find("my move is: "), std::string::npos);
     EXPECT_EQ(answer("a3b1"), full);
@@ -178,7 +177,7 @@ TEST(Faults, AtTheConsoleAGameEndsWithItsRecord) {
     EXPECT_NE(answer("hint").find("I recommend: "), std::string::npos);
 }
 
-TEST(Faults, InTheProtocolAGameEndsWithItsRecordAlsoWhenPondering) {
+TEST(Faults, XboardEndsTheGameWithAFullRecordAlsoWhenPondering) {
     const std::string drawn = "1/2-1/2 {Draw by game length}\n";
     Partner partner("pvp\n" + moves_997);
     const std::string reply = partner.answer("sd 3; e7e6");

@@ -1,4 +1,4 @@
-// Folders that come with a test and go with it, whatever is in them by then.
+// Temporary folders, removed with all their contents.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 
 namespace varn {
 
-/// A folder of its own for whoever holds it.
+/// A temporary folder.
 class Folder {
 public:
     Folder() {
@@ -23,7 +23,7 @@ public:
         path_ = name;
     }
     ~Folder() {
-        std::error_code ignored;  // a folder left behind fails no test
+        std::error_code ignored;  // failing to remove it is no test failure
         std::filesystem::remove_all(path_, ignored);
     }
     Folder(const Folder&) = delete;
@@ -36,7 +36,7 @@ public:
         stream << content;
         if (!stream.flush()) throw std::system_error(errno, std::generic_category(), name);
     }
-    /// Of all that is in it, in order.
+    /// Names of all files in it, sorted.
     std::vector<std::string> names() const {
         std::vector<std::string> names;
         for (const auto& entry : std::filesystem::directory_iterator(path_)) names.push_back(entry.path().filename());
@@ -53,7 +53,7 @@ private:
     std::filesystem::path path_;
 };
 
-/// A variable of the environment that has another value meanwhile.
+/// An environment variable with another value while this exists.
 class Environment {
 public:
     Environment(const char* name, const char* value) : name_(name) {
@@ -75,7 +75,7 @@ private:
     std::optional<std::string> before_;
 };
 
-/// A folder that is the working directory meanwhile.
+/// A temporary folder that is the working directory while it exists.
 class WorkingFolder : public Folder {
 public:
     WorkingFolder() { std::filesystem::current_path(path_to(".")); }

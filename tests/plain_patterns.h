@@ -1,5 +1,4 @@
-// The moves of the annealing as they are told: by walking the list from its beginning, box by box. Slow, and the
-// yardstick for the list that is made to be fast. And the positions to try both on.
+// Reference implementation of the annealing moves, which walks the list box by box, and test positions.
 #pragma once
 
 #include <algorithm>
@@ -11,7 +10,7 @@
 
 namespace varn {
 
-/// A box for each draw with white to move, or for one of so many.
+/// One box for every `every`-th draw with white to move.
 inline std::vector<Pattern> drawn_positions(std::size_t every = 1) {
     const auto wins = solve_kpk();
     std::vector<Pattern> positions;

@@ -1,5 +1,4 @@
-// What the tests of every room share: positions worth standing in, games played at random from them, and a walk over
-// the board that needs none of the engine's tables.
+// Shared by all tests: positions, random games, and a board walk that uses none of the engine's tables.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -23,13 +22,13 @@
 
 namespace varn {
 
-/// No game may exist before the hash numbers do.
+/// Hash numbers must be drawn before any game exists.
 inline const bool hash_numbers_drawn = (draw_hash_numbers(20010911), true);
 
 struct KnownPosition {
     std::string text;
     int depth;
-    std::uint64_t leaves;  // of the tree of legal moves at that depth
+    std::uint64_t leaves;  // perft count at that depth
 };
 
 inline const std::vector<KnownPosition> known_positions = [] {
@@ -40,7 +39,7 @@ inline const std::vector<KnownPosition> known_positions = [] {
     return positions;
 }();
 
-/// What `act` says on standard output.
+/// What `act` prints on standard output.
 template <typename Act> std::string printed(Act act) {
     testing::internal::CaptureStdout();
     act();
@@ -50,24 +49,24 @@ template <typename Act> std::string printed(Act act) {
 inline std::unique_ptr<Game> game_from(std::string_view text) {
     auto game = new_game();
     set_position(*game, text);
-    complete_record(*game);  // keys that are a function of the position
+    complete_record(*game);  // keys depend on the position only
     return game;
 }
 
-/// The game of a row that begins with a position and the half-moves since its last pawn move or capture.
+/// The game for a text of a position and its halfmove clock.
 inline std::unique_ptr<Game> game_of_row(const std::vector<std::string>& row) {
     auto game = game_from(row.at(0));
     game->fifty = static_cast<std::uint8_t>(std::stoi(row.at(1)));
     return game;
 }
 
-/// Equal in all but the keys behind the last position, which mean nothing.
+/// Equal except for the unused part of the key list.
 inline bool same_game(Game a, const Game& b) {
     std::copy(b.draw_hash.begin() + b.draw_hash_count, b.draw_hash.end(), a.draw_hash.begin() + b.draw_hash_count);
     return a == b;
 }
 
-/// The same position with the colours changed and the board turned over, rank by rank; without an en-passant square.
+/// The position mirrored by rank with colours swapped, without an en-passant square.
 inline std::string mirrored_text(std::string_view text) {
     const std::size_t blank = text.find(' ');
     std::string board;
@@ -82,7 +81,7 @@ inline std::string mirrored_text(std::string_view text) {
     return mirrored;
 }
 
-/// What is kept beside the mailbox agrees with it. The hashes apart: they are exact only relative to their start.
+/// Whether all values except the hashes agree with the mailbox. Hashes are exact only relative to their start.
 inline void expect_sound(const Game& game) {
     EXPECT_TRUE(is_consistent(game) && is_playable(game));
     EXPECT_EQ(occupied(game), game.w_pieces | game.b_pieces);
@@ -96,7 +95,7 @@ inline void expect_sound(const Game& game) {
     EXPECT_EQ(game.w_material, material[0]);
     EXPECT_EQ(game.b_material, material[1]);
     EXPECT_EQ(game.material, material[0] - material[1]);
-    // The pawn just passed must be there to take.
+    // The pawn that made the double step must be there.
     const Bitboard pawns = game.ep_side == Side::white ? game.b_pawns << 8 : game.w_pawns >> 8;
     EXPECT_EQ(game.enpassant & (occupied(game) | ~pawns), 0U);
 }
@@ -122,15 +121,15 @@ inline std::unique_ptr<Game> after(const Game& game, Move move) {
     return child;
 }
 
-/// A position and the moves played from it, in coordinate form.
+/// A position and moves played from it, in coordinate notation.
 inline std::unique_ptr<Game> game_after(std::string_view text, std::initializer_list<const char*> moves) {
     auto game = game_from(text);
     for (const char* move : moves) play_move(*game, parse_move(*game, move));
     return game;
 }
 
-/// One of the moves by chance; there must be one. En passant, castling, promotions and double steps have half of the
-/// chance among them, so that games of random moves see enough of each.
+/// A random move of a non-empty list. Special moves (en passant, castling, promotions, double steps) get half of the
+/// probability, so that random games contain enough of them.
 inline Move random_move(RandomSource& random, std::vector<Move> moves) {
     const auto is_common = [](Move move) { return move.kind == kind_quiet || move.kind == kind_capture; };
     if (random.next() % 2 == 0 && !std::ranges::all_of(moves, is_common)) std::erase_if(moves, is_common);
@@ -150,9 +149,9 @@ template <typename Visit> void visit_random_games(std::uint64_t seed, int plies,
     }
 }
 
-/// A king a side and up to `men` others anywhere, the pawns where pawns can stand; no castling. Either king may be in
-/// check, also that of the side that has just moved.
-inline std::string random_position_text(RandomSource& random, unsigned men) {
+/// Both kings and up to `pieces` others on random squares, pawns on ranks 2 to 7; no castling. Either king may be in
+/// check, also with the other side to move.
+inline std::string random_position_text(RandomSource& random, unsigned pieces) {
     std::string squares(square_count, '1');
     const auto place = [&](char letter) {
         const std::size_t square = random.next() % square_count;
@@ -163,11 +162,11 @@ inline std::string random_position_text(RandomSource& random, unsigned men) {
     };
     place('K');
     while (!place('k')) continue;
-    for (unsigned i = 0; i < men; ++i) place("QRBNPPqrbnpp"[random.next() % 12]);
+    for (unsigned i = 0; i < pieces; ++i) place("QRBNPPqrbnpp"[random.next() % 12]);
     return squares + (random.next() % 2 == 0 ? " w - -" : " b - -");
 }
 
-/// The squares from `square` in steps of ranks and files, up to the edge or to the first one of `blockers`, included.
+/// Squares from `square` in the given direction, up to the edge or the first blocker, inclusive.
 inline Bitboard walk(int square, int ranks, int files, Bitboard blockers) {
     Bitboard reached = 0;
     int rank = square / 8 + ranks, file = square % 8 + files;

@@ -30,7 +30,7 @@ void close_end(int& end) {
     end = -1;
 }
 
-/// A pipe that no other process started meanwhile inherits: its end of input would never come.
+/// A close-on-exec pipe: an end inherited by another process would hide the end of input.
 struct Pipe {
     int read_end = -1;
     int write_end = -1;
@@ -51,17 +51,17 @@ struct Pipe {
 
 int take(int& end) { return std::exchange(end, -1); }
 
-/// The child's side of the start. Other threads of the parent don't exist here, but their locks do: system calls only.
+/// The child after the fork: other threads are gone but their locks are not, so only system calls are safe.
 [[noreturn]] void become_engine(const char* program, const char* folder, const Pipe& input, const Pipe& output) {
-    constexpr int cannot_execute = 127;  // as a shell has it
+    constexpr int cannot_execute = 127;  // the shell's convention
     const bool connected = dup2(input.read_end, STDIN_FILENO) >= 0 && dup2(output.write_end, STDOUT_FILENO) >= 0;
-    // A shell that starts the tests in the background has them ignore interrupts, and what they start, too.
+    // Background shells start their children with interrupts ignored; undo that.
     for (const int number : {SIGPIPE, SIGINT, SIGHUP, SIGTERM}) std::signal(number, SIG_DFL);
     if (connected && chdir(folder) == 0) execl(program, program, static_cast<char*>(nullptr));
     _exit(cannot_execute);
 }
 
-/// For `poll`: what is left until the deadline, rounded up, at least 0.
+/// Milliseconds until the deadline for `poll`, rounded up, at least 0.
 int remaining_ms(std::chrono::steady_clock::time_point deadline) {
     const auto left = std::chrono::ceil<milliseconds>(deadline - std::chrono::steady_clock::now());
     return static_cast<int>(std::max(left, milliseconds(0)).count());
@@ -88,7 +88,7 @@ Process::~Process() {
 void Process::start(const char* program) {
     Pipe input;
     Pipe output;
-    // Writing to an engine that has ended is an error to be met, not the end of the tests.
+    // Writing to an engine that has exited is an error, not a signal.
     std::signal(SIGPIPE, SIG_IGN);
     const std::string folder = folder_.path_to(".");
     pid_ = fork();
@@ -146,7 +146,7 @@ std::string Process::read_until(std::string_view text, milliseconds timeout) {
                                      (output_ < 0 ? "\" before the end of the output: \"" : "\" in time in: \"") +
                                      unread_ + '"');
         }
-        // The text may have begun already.
+        // The text may start in what was read before.
         searched = unread_.size() - std::min(unread_.size(), text.size());
     }
 }
@@ -163,11 +163,10 @@ Outcome Process::finish(milliseconds timeout) {
     return outcome;
 }
 
-/// Waits until the engine takes input or gives output, and carries out what it can. False once the output has ended or
-/// the deadline has passed.
+/// Waits for input or output and transfers what it can. Returns false at the end of output or the deadline.
 bool Process::exchange(Clock::time_point deadline) {
     if (output_ < 0) return false;
-    // A negative descriptor is skipped: an input with nothing to write would always be ready.
+    // Negative descriptors are skipped: an idle input would always be ready.
     std::array<pollfd, 2> ends = {{{output_, POLLIN, 0}, {pending_.empty() ? -1 : input_, POLLOUT, 0}}};
     const int ready = poll(ends.data(), ends.size(), remaining_ms(deadline));
     if (ready < 0 && errno != EINTR) refuse("poll");
@@ -206,7 +205,7 @@ void Process::read_available() {
     }
 }
 
-/// Waits for the end of the process, whose output may have ended earlier.
+/// Waits for the process to exit; its output may have ended earlier.
 bool Process::has_ended(Clock::time_point deadline) {
     while (pid_ >= 0) {
         const pid_t ended = waitpid(pid_, &status_, WNOHANG);

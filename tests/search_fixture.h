@@ -1,4 +1,4 @@
-// What the tests of the search share: a search of their own with small tables.
+// A search with small tables for tests.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 
 namespace varn {
 
-/// A search of 65535 entries and 26214 in quiescence, whose clock runs and never ends.
+/// 65535 transposition entries and 26214 quiescence entries; the clock runs and never expires.
 inline std::unique_ptr<Search> small_search() {
     auto s = new_search();
     EXPECT_EQ(allocate_tables(*s, {.hash_bits = 16, .qhash_bytes = 1 << 20, .phash_bytes = 1 << 20}), TableFault::none);

@@ -1,4 +1,4 @@
-// An engine in this process, as the front ends drive it.
+// An engine in this process.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 
 namespace varn {
 
-/// With small tables, at the beginning of a game.
+/// With small tables, at the start of a game.
 struct SmallEngine : Engine {
     SmallEngine() {
         configuration.tables = {.hash_bits = 16, .qhash_bytes = 1 << 20, .phash_bytes = 1 << 16};

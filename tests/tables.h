@@ -1,4 +1,4 @@
-// Cases that are data rather than code: files below `tables`, a case a line.
+// Test cases as data: files below `tables`, one case per line.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ inline std::vector<std::string> split(std::string_view text, std::string_view se
     return parts;
 }
 
-/// The cases of a file: the fields between bars, without the blanks around them. What stands behind "  # " is a remark.
+/// The cases of a file: fields separated by bars and trimmed. Text after "  # " is a comment.
 inline std::vector<std::vector<std::string>> table_rows(const std::string& name) {
     std::vector<std::vector<std::string>> rows;
     std::ifstream file(VARN_TEST_FOLDER "/tables/" + name);

@@ -1,7 +1,6 @@
 # shellcheck shell=bash
 #
-# What every script begins with: it sources this file, which prints the comment at the script's head when asked for
-# help, and goes to the project's root.
+# Sourced at the start of every script: prints the script's head comment for --help and changes to the project root.
 script=$(readlink -f "$0")
 
 if [[ ${1-} == --help || ${1-} == -h ]]; then
@@ -10,11 +9,11 @@ if [[ ${1-} == --help || ${1-} == -h ]]; then
 fi
 
 refuse() {
-    echo "$(basename "$script"): $1; --help tells its use" >&2
+    echo "$(basename "$script"): $1; see --help" >&2
     exit 2
 }
 
-refuse_arguments() { if (($# != 0)); then refuse "it takes no arguments, and was given $*"; fi; }
+refuse_arguments() { if (($# != 0)); then refuse "unexpected arguments: $*"; fi; }
 
 is_listed() { [[ " ${*:2} " == *" $1 "* ]]; }
 

@@ -12,7 +12,7 @@ namespace varn {
 
 namespace {
 
-/// The line of a game in coordinate text, as far as `plies`; `problem` says where it can't be read.
+/// The first `plies` moves of a game in coordinate notation; `problem` says where it becomes unreadable.
 std::vector<std::string> line_of(const PgnGame& pgn, int plies, std::string& problem) {
     std::vector<std::string> line;
     const auto game = new_game();
@@ -20,7 +20,7 @@ std::vector<std::string> line_of(const PgnGame& pgn, int plies, std::string& pro
         if (std::ssize(line) == plies) return line;
         const auto move = read_san(*game, text);
         if (!move) {
-            problem = "\"" + text + "\" is no move after " + std::to_string(line.size()) + " moves";
+            problem = "\"" + text + "\" is not a legal move after " + std::to_string(line.size()) + " moves";
             return line;
         }
         if (is_promotion(move->kind)) return line;
@@ -40,8 +40,8 @@ void add_line(const std::vector<std::string>& line, BookNode& root) {
     }
 }
 
-/// The rows that go through a node: those of its frequent moves, and behind them one for each share of games that went
-/// on otherwise. They must stand together, and a shorter row before the longer ones is sorted.
+/// Collects the rows of a node: those of its frequent moves, then one per share of games that continued otherwise. They
+/// must be adjacent, and prefixes come first when sorted.
 void collect_rows(const BookNode& node, const std::string& moves, long fewest_games, long games_per_row,
                   std::vector<std::string>& rows) {
     long elsewhere = node.games;
@@ -89,7 +89,7 @@ std::vector<std::string> book_rows(const BookNode& root, long fewest_games, std:
         rows.clear();
         collect_rows(root, "", fewest_games, games_per_row, rows);
         if (rows.size() <= most_rows) return rows;
-        // Every line keeps one row at least: where there are too many lines, only those more often played stay.
+        // Every line keeps at least one row: if there are too many lines, only more frequent ones are kept.
         if (games_per_row >= root.games) return book_rows(root, 2 * fewest_games, most_rows, games_per_row);
     }
 }

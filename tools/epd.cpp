@@ -20,7 +20,7 @@ namespace varn {
 
 namespace {
 
-/// Why a line is refused; empty while nothing speaks against it.
+/// Why a line is refused; empty if it isn't.
 using Fault = std::string;
 
 bool is_blank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
@@ -28,13 +28,13 @@ bool is_one_of(std::string_view letters, char c) { return letters.find(c) != std
 
 std::string quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
 
-// --- The line's words -----------------------------------------------------------------------------------------------
+// --- Tokens ---------------------------------------------------------------------------------------------------------
 
 void skip_blanks(std::string_view& text) {
     while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
 }
 
-/// The next word: a text in quotes, a ";", or what goes up to the next of these or a blank; empty at the end.
+/// The next token: a quoted text, a ";", or text up to one of these or a blank; empty at the end.
 std::string_view take_word(std::string_view& text) {
     skip_blanks(text);
     std::size_t length = 0;
@@ -55,7 +55,7 @@ struct Operation {
     std::vector<std::string_view> operands;
 };
 
-/// Move counts, as other forms of position text have them, may stand before the first operation.
+/// Move counters, as in FEN, may precede the first operation.
 std::vector<Operation> operations_of(std::string_view text) {
     std::vector<Operation> operations;
     bool opened = false;
@@ -80,7 +80,7 @@ const Operation* find_operation(const std::vector<Operation>& operations, std::s
 
 // --- The position ---------------------------------------------------------------------------------------------------
 
-/// `set_position` takes any board whose squares add up, and ends the process over a foreign letter.
+/// Needed because `set_position` accepts any board whose squares add up, and ends the process on an invalid letter.
 Fault board_fault(std::string_view board) {
     constexpr int size = 8;
     int rows = 1;
@@ -100,7 +100,7 @@ Fault board_fault(std::string_view board) {
     return rows == size && squares == size ? "" : "the board doesn't have eight rows of eight squares";
 }
 
-/// A suite can't hold an en-passant square. It isn't missed where no pawn can capture on it.
+/// Suites can't express an en-passant square. It is dropped if no pawn can capture there.
 Fault enpassant_fault(std::string_view field, const Game& game) {
     if (field == "-") return "";
     const int square = field.size() == 2 ? square_from_text(field) : -1;
@@ -116,8 +116,7 @@ Fault fields_fault(std::string_view board, std::string_view side, std::string_vi
     return are_rights ? "" : quoted(castling) + " are no castling rights";
 }
 
-/// Takes the four fields off the front of the line and sets up their position, as far as nothing speaks against it;
-/// notes the castling rights that aren't there.
+/// Reads the four fields and sets up the position if they are valid; notes dropped castling rights.
 Fault take_position(std::string_view& text, Game& game, std::string& note) {
     const std::string_view board = take_word(text);
     const std::string_view side = take_word(text);
@@ -140,7 +139,7 @@ Fault take_position(std::string_view& text, Game& game, std::string& note) {
 
 // --- Moves ----------------------------------------------------------------------------------------------------------
 
-/// Finds the best moves and writes them as the engine does.
+/// Reads the best moves and writes them in the engine's notation.
 Fault take_best_moves(const std::vector<Operation>& operations, Game& game, std::vector<std::string>& best) {
     const Operation* operation = find_operation(operations, "bm");
     if (operation == nullptr) {
@@ -148,7 +147,7 @@ Fault take_best_moves(const std::vector<Operation>& operations, Game& game, std:
     }
     for (std::string_view word : operation->operands) {
         while (word.ends_with(',')) word.remove_suffix(1);
-        // Marks that stand apart from their move.
+        // Annotations separated from their move.
         if (word == "e.p." || word.find_first_not_of("!?+#") == std::string_view::npos) continue;
         const auto move = read_san(game, word);
         if (!move) return quoted(word) + " names no single legal move";
@@ -158,7 +157,7 @@ Fault take_best_moves(const std::vector<Operation>& operations, Game& game, std:
     return best.empty() ? "no best move" : "";
 }
 
-/// Moves that aren't among the best, but whose text occurs in the line all the same.
+/// Other moves whose text occurs in the line.
 std::string false_friends(const std::string& line, const std::vector<std::string>& best, Game& game) {
     std::string friends;
     for (const Move move : legal_moves(game)) {

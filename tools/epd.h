@@ -1,8 +1,8 @@
-// Test positions in the common EPD form, turned into lines of the engine's test suites.
+// Converts EPD test positions to lines of the engine's test suites.
 //
-// EPD is four fields of a position and then operations, each an opcode with its operands, closed by ";". Of these "bm",
-// the best moves, "dm", the length of a mate, and "id" are kept. Everything else goes: a suite counts a position as
-// solved wherever in its line it finds the engine's move.
+// EPD is four fields of a position followed by operations, each an opcode with operands, ended by ";". Kept are "bm"
+// (best moves), "dm" (mate distance) and "id". Everything else is dropped, because a suite counts a position as solved
+// wherever the engine's move occurs in the line.
 #pragma once
 
 #include <iosfwd>
@@ -11,21 +11,20 @@
 
 namespace varn {
 
-/// What became of a line.
+/// Result of a conversion.
 struct Conversion {
-    std::string line;     // of the suite, without a newline; empty where the line was refused
+    std::string line;     // suite line without newline; empty if refused
     std::string refusal;  // the reason
-    std::string note;     // what else there is to say, "" for nothing
+    std::string note;     // other remarks, or ""
 };
 
-/// Turns a line of EPD into one of a suite, with the best moves in the engine's own text. A line that holds no position
-/// that can be played, no best move, or one that names no single legal move, is refused. Castling rights whose pieces
-/// don't stand at home, and an en-passant square where nothing can capture, are left out; a position with an en-passant
-/// capture is refused, as no suite can hold it.
+/// Converts a line of EPD to a suite line, with the best moves in the engine's notation. Refused are lines without a
+/// playable position or a best move, ambiguous or illegal best moves, and positions with an en-passant capture, which
+/// suites can't express. Castling rights without king and rook at home and unusable en-passant squares are dropped.
 Conversion convert_epd_line(std::string_view epd);
 
-/// Converts line by line, and says on `messages`, with the line's number, what it refuses or notes; blank lines and
-/// comments, which begin with "#", count but go nowhere. Returns how many lines it refused.
+/// Converts line by line and reports refusals and notes on `messages` with line numbers. Blank lines and "#" comments
+/// are skipped but counted. Returns the number of refused lines.
 int convert_epd(std::istream& epd, std::ostream& suite, std::ostream& messages);
 
 }  // namespace varn

@@ -1,4 +1,4 @@
-// Turns test positions in EPD into a test suite of the engine's.
+// Converts EPD test positions to a test suite.
 #include <fstream>
 #include <iostream>
 #include <string_view>
@@ -10,9 +10,9 @@ namespace {
 
 constexpr std::string_view usage =
     "usage: epd_to_suite [file.epd] >file\n"
-    "Reads standard input where no file is named. Lines that can't be turned are named on the error stream; the exit\n"
-    "status is then 1, and 2 where the files themselves fail. Blank lines and lines that begin with \"#\" are left "
-    "out.\n";
+    "Reads standard input if no file is given. Lines that can't be converted are reported on standard error; the exit\n"
+    "status is then 1, and 2 if a file can't be read or written. Blank lines and lines that start with \"#\" are "
+    "skipped.\n";
 
 constexpr int some_refused = 1;
 constexpr int unusable = 2;
@@ -26,13 +26,13 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (argc > 2 || name.starts_with('-')) {
-        std::cerr << "epd_to_suite: it takes one file, and no options but --help\n";
+        std::cerr << "epd_to_suite: expects one file or --help\n";
         return unusable;
     }
     std::ifstream file;
     if (argc == 2) file.open(argv[1]);
     if (argc == 2 && !file) {
-        std::cerr << "epd_to_suite: " << name << " can't be opened\n";
+        std::cerr << "epd_to_suite: can't open " << name << '\n';
         return unusable;
     }
     varn::draw_hash_numbers(0);

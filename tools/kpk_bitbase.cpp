@@ -1,4 +1,4 @@
-// Solves king and pawn against king, and looks after the files of the annealing, all in the working directory.
+// Solves king and pawn against king, and anneals and checks its files, all in the working directory.
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
@@ -20,9 +20,9 @@ namespace {
 
 constexpr const char* usage =
     "usage: kpk_bitbase [anneal MOVES | check]\n"
-    "kpk_bitbase                 writes kpkbb: every placement with white to move, 1 for a win of white, 0 for a draw\n"
-    "kpk_bitbase anneal MOVES    makes wkpk.eb from kpkbb as the console does, with so many moves\n"
-    "kpk_bitbase check           tells whether the boxes of wkpk.eb hold exactly the draws of kpkbb\n";
+    "kpk_bitbase                 writes kpkbb: all placements with white to move, 1 if white wins, 0 for a draw\n"
+    "kpk_bitbase anneal MOVES    writes wkpk.eb from kpkbb like the console, with this number of moves\n"
+    "kpk_bitbase check           checks that the boxes of wkpk.eb contain exactly the draws of kpkbb\n";
 
 bool write_bitbase() {
     const auto wins = solve_kpk();
@@ -64,9 +64,7 @@ bool run(std::span<const std::string_view> arguments) {
     const auto moves = arguments.size() == 2 && task == "anneal" ? number(arguments[1]) : std::nullopt;
     if (moves) return anneal(*moves);
     static_cast<void>(
-        std::fputs("kpk_bitbase: it takes `check`, `anneal` with a number of moves, or nothing; --help tells "
-                   "its use\n",
-                   stderr));
+        std::fputs("kpk_bitbase: expects nothing, `check`, or `anneal` with a number of moves; see --help\n", stderr));
     return false;
 }
 

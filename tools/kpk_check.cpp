@@ -14,12 +14,12 @@ namespace varn {
 
 namespace {
 
-/// A set of positions, by the squares of the three pieces.
+/// A set of positions, indexed by the squares of the three pieces.
 using Positions = std::bitset<std::size_t{square_count} * square_count * square_count>;
-/// The boxes that a line of the file may stand for.
+/// The boxes that a line of the file may represent.
 using Readings = std::vector<Pattern>;
 
-/// Calls `visit(index)` for each position of the box, as long as it returns true; returns whether it always did.
+/// Calls `visit(index)` for each position of the box while it returns true; returns whether it always did.
 template <typename Visit> bool all_positions(const Pattern& box, Visit visit) {
     for (Bitboard kings = box.squares[white_king_field]; kings != 0;) {
         const int white_king = pop_first(kings);
@@ -53,7 +53,7 @@ std::optional<std::uint32_t> half_of(std::string_view digits) {
     return half;
 }
 
-/// What a board's number in the file may stand for: its two halves run together with nothing between them.
+/// All boards that a number may represent: its halves are written without a separator.
 std::vector<Bitboard> readings_of(std::string_view digits) {
     std::vector<Bitboard> boards;
     if (const auto low = half_of(digits)) boards.push_back(*low);
@@ -65,7 +65,7 @@ std::vector<Bitboard> readings_of(std::string_view digits) {
     return boards;
 }
 
-/// The boxes of a line that hold nothing but these positions.
+/// The possible boxes of a line that contain only these positions.
 Readings boxes_of(const std::string (&numbers)[field_count], const Positions& positions) {
     Readings boxes;
     for (const Bitboard white_king : readings_of(numbers[0])) {
@@ -80,7 +80,7 @@ Readings boxes_of(const std::string (&numbers)[field_count], const Positions& po
     return boxes;
 }
 
-/// Takes out what the lines with a single reading hold, and leaves the other lines; false where they overlap.
+/// Removes the positions of lines with a single reading, and those lines; false if they overlap.
 bool settle(std::vector<Readings>& lines, Positions& left) {
     for (const Readings& readings : lines) {
         if (readings.size() != 1) continue;
@@ -91,8 +91,8 @@ bool settle(std::vector<Readings>& lines, Positions& left) {
     return true;
 }
 
-/// Whether one reading of each line can be chosen so that together they hold each position that is left exactly once.
-/// What is certain is settled first; only where nothing is, one reading is tried after the other.
+/// Whether a reading of each line can be chosen so that together they contain each remaining position exactly once.
+/// Unique readings are settled first, then alternatives are tried.
 bool can_cover(std::vector<Readings> lines, Positions left) {
     for (std::size_t before = 0; before != lines.size();) {
         before = lines.size();

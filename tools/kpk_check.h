@@ -1,4 +1,4 @@
-// Reading the boxes of a pattern file back, and holding them against the positions that they were made from.
+// Reads the boxes of a pattern file back and compares them with the original positions.
 #pragma once
 
 #include <span>
@@ -7,8 +7,8 @@
 
 namespace varn {
 
-/// Whether the lines of the file can be read as boxes that hold each of the positions exactly once, and nothing else.
-/// Says what it found, or the first thing that is wrong.
+/// Whether the file's boxes contain each of the positions exactly once and nothing else. Prints the result or the first
+/// error.
 bool covers_exactly(const char* file_name, std::span<const Pattern> positions);
 
 }  // namespace varn

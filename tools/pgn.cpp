@@ -12,7 +12,7 @@ bool is_result(std::string_view word) {
     return word == "1-0" || word == "0-1" || word == "1/2-1/2" || word == "1/2" || word == "*";
 }
 
-/// Without a move number and its dots, which may stand right before the move.
+/// Removes a move number and its dots.
 std::string_view without_number(std::string_view word) {
     const std::size_t digits = word.find_first_not_of("0123456789");
     if (digits == std::string_view::npos) return {};
@@ -20,7 +20,7 @@ std::string_view without_number(std::string_view word) {
     return word.substr(std::min(word.find_first_not_of('.', digits), word.size()));
 }
 
-/// Signs such as "!?" or "+-", and the mark of an en-passant capture, may stand on their own.
+/// Annotations and en-passant marks separated from their move.
 bool is_annotation(std::string_view word) {
     return word == "e.p." || word == "ep" || word.find_first_not_of("!?+-=~#/") == std::string_view::npos;
 }
@@ -28,16 +28,16 @@ bool is_annotation(std::string_view word) {
 }  // namespace
 
 bool PgnReader::next_line() {
-    // A line of which the first character says so is none of the game's.
+    // Lines starting with an escape character are skipped.
     do {
         if (!std::getline(input_, line_)) return false;
     } while (line_.starts_with('%'));
     rest_ = line_;
-    if (rest_.starts_with("\xEF\xBB\xBF")) rest_.remove_prefix(3);  // how some editors begin a file
+    if (rest_.starts_with("\xEF\xBB\xBF")) rest_.remove_prefix(3);  // byte order mark
     return true;
 }
 
-/// Moves on to the next character that isn't blank; false where there is none.
+/// Skips to the next nonblank character; false if there is none.
 bool PgnReader::skip_blanks() {
     for (;;) {
         rest_.remove_prefix(std::min(rest_.find_first_not_of(blanks), rest_.size()));
@@ -59,7 +59,7 @@ void PgnReader::read_tag(PgnGame& game) {
     rest_.remove_prefix(std::min(end + 1, rest_.size()));
 }
 
-/// Past a comment in braces; false where it has no end.
+/// Skips a comment in braces; false if it isn't closed.
 bool PgnReader::skip_comment() {
     for (std::size_t end = rest_.find('}'); end == std::string_view::npos; end = rest_.find('}')) {
         if (!next_line() || begins_game()) return false;
@@ -81,19 +81,19 @@ std::optional<PgnGame> PgnReader::next() {
     PgnGame game;
     game.number = ++games_;
     bool in_moves = false;
-    int variations = 0;  // open ones
+    int variations = 0;  // nesting depth
     while (skip_blanks()) {
         switch (rest_.front()) {
             case '[':
                 if (in_moves && (variations == 0 || begins_game())) {
-                    if (variations != 0) game.problem = "a variation has no end";
+                    if (variations != 0) game.problem = "unterminated variation";
                     return game;
                 }
                 read_tag(game);
                 continue;
             case '{':
                 if (skip_comment()) continue;
-                game.problem = "a comment has no end";
+                game.problem = "unterminated comment";
                 return game;
             case ';': rest_ = {}; continue;
             case '(': ++variations; break;
@@ -107,7 +107,7 @@ std::optional<PgnGame> PgnReader::next() {
         const std::string_view move = without_number(word);
         if (!is_annotation(move)) game.moves.emplace_back(move);
     }
-    if (variations != 0) game.problem = "a variation has no end";
+    if (variations != 0) game.problem = "unterminated variation";
     return game;
 }
 

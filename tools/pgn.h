@@ -1,5 +1,4 @@
-// Games in PGN as they come from anywhere: comments, variations, annotations, either line end, tags in any number, and
-// text that breaks off.
+// PGN reader: accepts comments, variations, annotations, any line ends and tags, and truncated text.
 #pragma once
 
 #include <istream>
@@ -11,18 +10,18 @@
 namespace varn {
 
 struct PgnGame {
-    long number = 0;                    // in its file, from 1
-    bool starts_from_position = false;  // its tags set up a position
-    std::vector<std::string> moves;     // of the main line, as written, without numbers and annotations
-    std::string problem;                // why its text ends too early; empty where it doesn't
+    long number = 0;                    // within its file, from 1
+    bool starts_from_position = false;  // the tags set up a position
+    std::vector<std::string> moves;     // main line as written, without numbers and annotations
+    std::string problem;                // why the text is incomplete, or empty
 };
 
-/// Reads a stream game by game. A line that begins with an "Event" tag begins a game, whatever was open before it.
+/// Reads games from a stream. An "Event" tag always starts a new game.
 class PgnReader {
 public:
     explicit PgnReader(std::istream& input) : input_(input) {}
 
-    /// The next game, or none at the end of the stream.
+    /// The next game; none at the end of the stream.
     std::optional<PgnGame> next();
 
 private:
@@ -35,7 +34,7 @@ private:
 
     std::istream& input_;
     std::string line_;
-    std::string_view rest_;  // of the line
+    std::string_view rest_;  // of the current line
     long games_ = 0;
 };
 

@@ -1,6 +1,6 @@
-// Builds an opening book out of games in PGN.
+// Builds an opening book from PGN games.
 //
-// The book is written when all games have been read, and takes the place of an old one only as a whole.
+// The book is written after all games have been read, and replaces an old one atomically.
 #include <charconv>
 #include <filesystem>
 #include <fstream>
@@ -17,16 +17,18 @@ namespace {
 constexpr int some_unreadable = 1;
 constexpr int unusable = 2;
 
-// Of the engine's book: it is asked for the first 22 moves, and holds 10000 rows.
+// Limits of the engine's book: moves per game and rows.
 constexpr int most_plies = 22;
 constexpr std::size_t most_rows = 10000;
 constexpr int most_games = 1000000000;
 
 void print_usage() {
-    std::cout << "usage: pgn_book [--plies N] [--games N] --output book.dat file.pgn ...\n"
-              << "A line of the book has up to N plies (20; 1 to " << most_plies << "), and at least N games (3) began "
-              << "with it.\nGames that start from a set-up position are left out. Games that can't be read are named "
-              << "on the error stream, and\nthe exit status is then 1; it is 2 where no book is written.\n";
+    std::cout
+        << "usage: pgn_book [--plies N] [--games N] --output book.dat file.pgn ...\n"
+        << "Book lines have up to --plies plies (20; 1 to " << most_plies
+        << ") and occur in at least --games games (3).\n"
+        << "Games from set-up positions are skipped. Unreadable games are reported on standard error, and the exit\n"
+        << "status is then 1; it is 2 if no book is written.\n";
 }
 
 struct Options {
@@ -34,7 +36,7 @@ struct Options {
     int games = 3;
     std::string output;
     std::vector<std::string> files;
-    std::string fault;  // empty where the options can be used
+    std::string fault;  // empty if the options are valid
 };
 
 std::optional<int> number(std::string_view text, int most) {
@@ -44,7 +46,7 @@ std::optional<int> number(std::string_view text, int most) {
     return whole && value >= 1 && value <= most ? std::optional(value) : std::nullopt;
 }
 
-/// Takes a number from 1 to `most`, or notes that it is none.
+/// Reads a number from 1 to `most`, or records a fault.
 void take_number(const std::string& option, const std::string& text, int most, int& value, Options& options) {
     const auto read = number(text, most);
     if (read) {
@@ -70,12 +72,12 @@ Options read_options(const std::vector<std::string>& arguments) {
         } else if (argument == "--output") {
             options.output = value;
         } else {
-            options.fault = "there is no option " + argument;
+            options.fault = "unknown option " + argument;
         }
     }
     if (!options.fault.empty()) return options;
-    if (options.output.empty()) options.fault = "--output has to name the book";
-    if (options.files.empty()) options.fault = "there are no games to read";
+    if (options.output.empty()) options.fault = "--output is required";
+    if (options.files.empty()) options.fault = "no PGN files given";
     for (const std::string& file : options.files) {
         std::error_code no_such_file;
         if (std::filesystem::equivalent(file, options.output, no_such_file))
@@ -98,14 +100,14 @@ int main(int argc, char** argv) {
         return 0;
     }
     const Options options = read_options(arguments);
-    if (!options.fault.empty()) return complain(options.fault + "; --help tells its use");
+    if (!options.fault.empty()) return complain(options.fault + "; see --help");
     varn::draw_hash_numbers(0);
     varn::BookNode root;
     varn::BookCounts all;
     for (const std::string& name : options.files) {
         std::ifstream file(name, std::ios::binary);
         const varn::BookCounts counts = varn::add_games(file, name, options.plies, root, std::cerr);
-        if (!file.is_open() || file.bad()) return complain(name + " can't be read");
+        if (!file.is_open() || file.bad()) return complain("can't read " + name);
         all.used += counts.used;
         all.set_up += counts.set_up;
         all.unreadable += counts.unreadable;

@@ -1,4 +1,4 @@
-// How far a long run has come, for whoever watches it.
+// Progress display of long runs.
 #pragma once
 
 #include <unistd.h>
@@ -10,14 +10,14 @@
 
 namespace varn {
 
-/// Where a program's result goes: a progress line would come in between on a terminal.
+/// Where the result goes: on a terminal progress would mix with it.
 enum class Result : std::uint8_t { to_standard_output, to_file };
 
-/// A line on the error stream that is written anew as the count grows. It appears where that stream is a terminal and
-/// the result goes elsewhere, and only once a run has taken longer than two seconds.
+/// A status line on the error stream. It is shown only if that is a terminal, the result goes elsewhere, and the run
+/// has taken more than two seconds.
 class Progress {
 public:
-    /// `unit`: what is counted, as in "lines".
+    /// `unit`: what is counted, such as "lines".
     Progress(std::string unit, Result result)
         : unit_(std::move(unit)),
           watched_(isatty(STDERR_FILENO) == 1 && (result == Result::to_file || isatty(STDOUT_FILENO) == 0)) {}
@@ -33,7 +33,7 @@ public:
         static_cast<void>(std::fprintf(stderr, "\r%ld %s", count, unit_.c_str()));
         shown_ = true;
     }
-    /// Makes room for other text.
+    /// Erases the line before other output.
     void erase() {
         if (shown_) static_cast<void>(std::fputs("\r\033[K", stderr));
         shown_ = false;

@@ -13,7 +13,7 @@ namespace varn {
 
 namespace {
 
-constexpr mode_t created_mode = 0666;  // less what the user's mask takes off
+constexpr mode_t created_mode = 0666;  // before the umask
 
 bool is_null_device(const struct stat& status) {
     struct stat null_device = {};
@@ -27,7 +27,7 @@ bool is_usable(int descriptor, Devices devices) {
     return devices == Devices::terminals_and_null && (isatty(descriptor) == 1 || is_null_device(status));
 }
 
-/// A pipe without a peer would have the opening wait; what is used afterwards does wait.
+/// Opened without blocking, because a pipe without a peer would block; later reads and writes do block.
 File open_usable(const char* name, int flags, const char* mode, Devices devices) {
     const int descriptor = open(name, flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, created_mode);
     if (descriptor < 0) return nullptr;
@@ -37,7 +37,7 @@ File open_usable(const char* name, int flags, const char* mode, Devices devices)
     return file;
 }
 
-/// While it lives, no signal that can be caught ends the process.
+/// While this exists, signals that would end the process are blocked.
 class SignalsWait {
 public:
     SignalsWait() {
@@ -79,7 +79,7 @@ File open_for_writing(const char* name, Devices devices) {
     return open_usable(name, O_WRONLY | O_CREAT | O_TRUNC, "w", devices);
 }
 
-// Exclusive creation follows no link, and takes no file that is another's.
+// Exclusive creation follows no link and never takes an existing file.
 std::optional<std::string> write_new_file(const std::string& beginning, std::string_view text) {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     RandomSource random(static_cast<std::uint64_t>(std::chrono::nanoseconds(now).count()));

@@ -1,4 +1,4 @@
-// Files that close themselves or come into being as a whole, and descriptors that aren't ready yet.
+// Self-closing files, atomic writing of files, and waiting for descriptors.
 #pragma once
 
 #include <poll.h>
@@ -12,34 +12,34 @@
 
 namespace varn {
 
-/// For files that are read: one that is written must be released and closed by hand, since that may fail.
+/// For reading: a file that is written must be released and closed explicitly, since closing can fail.
 struct FileCloser {
     void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Which files besides regular ones will do. A pipe or another device could keep its user waiting or reading for ever.
+/// Which files besides regular ones are accepted. Pipes and other devices could block or be read forever.
 enum class Devices : bool { none, terminals_and_null };
 
-/// Null where there is no such file that can be read.
+/// Opens a file for reading; null if there is no such file.
 File open_for_reading(const char* name, Devices devices = Devices::none);
 
-/// Created or overwritten; null where that can't be done.
+/// Creates or overwrites a file; null on failure.
 File open_for_writing(const char* name, Devices devices);
 
-/// A new file that holds the text. Its name begins with `beginning` and is no file's yet; none where it can't be
-/// written, and then no file is left behind.
+/// Writes the text to a new file with a unique name that begins with `beginning`, and returns the name. None on
+/// failure; then no file is left behind.
 std::optional<std::string> write_new_file(const std::string& beginning, std::string_view text);
 
-/// Writes a file that comes into being as a whole or not at all; returns whether it did. A signal that would end the
-/// process has to wait, so that no part of it is left behind.
+/// Writes a file atomically; returns whether it succeeded. Signals that would end the process are delayed, so that no
+/// partial file is left behind.
 bool write_whole_file(const std::string& file_name, std::string_view text);
 
-/// Whether the text could be written as such a file now; leaves nothing behind.
+/// Whether such a file could be written now; leaves nothing behind.
 bool can_write_whole_file(const std::string& file_name, std::string_view text);
 
-/// To be asked after a failed read or write: waits where the descriptor only wasn't ready, as happens where another
-/// process that has it, too, told it not to wait. False where it failed for good.
+/// Call after a failed read or write: if the descriptor was only not ready (another process may have made it
+/// non-blocking) waits until it is, and returns true. Returns false on a real error.
 inline bool wait_until_ready(int descriptor, short event) {
     if (errno == EINTR) return true;
     if (errno != EAGAIN) return false;

@@ -7,8 +7,8 @@ namespace varn {
 
 namespace {
 
-/// Asks for pages as large as the system has. A table is read all over, and with small pages nearly every look into it
-/// waits for the page's own entry to be found first. Where the system refuses, nothing is lost but time.
+/// Asks for huge pages: hash tables are accessed at random, and with small pages nearly every access misses the TLB.
+/// Failure only costs speed.
 void prefer_large_pages([[maybe_unused]] void* block, [[maybe_unused]] std::uint64_t bytes) {
 #ifdef MADV_HUGEPAGE
     const auto page_bytes = static_cast<std::uintptr_t>(sysconf(_SC_PAGE_SIZE));
@@ -19,8 +19,8 @@ void prefer_large_pages([[maybe_unused]] void* block, [[maybe_unused]] std::uint
 #endif
 }
 
-/// Blocks from this size on are made real when they are allocated. While a page comes into being the search waits: with
-/// a small table that is over after a few moments, with a large one the first moves of a game would have no time left.
+/// Blocks from this size on are prefaulted when allocated. Page faults slow the search; with a small table that is soon
+/// over, with a large one it would cost the first moves of a game most of their time.
 constexpr std::uint64_t lazy_bytes = 256 << 20;
 
 }  // namespace
@@ -32,18 +32,17 @@ std::uint64_t physical_memory_bytes() {
     return static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(page_bytes);
 }
 
-// The system itself promises more memory than it has, and the process would end without a word when it comes to be
-// touched.
+// Checked here because the system overcommits: the process would be killed when the memory is touched.
 void* zeroed_bytes(std::uint64_t bytes) {
     if (bytes > physical_memory_bytes()) return nullptr;
     void* block = std::calloc(1, bytes);
     if (block == nullptr) return nullptr;
     prefer_large_pages(block, bytes);
-    if (bytes >= lazy_bytes) make_real(block, bytes);
+    if (bytes >= lazy_bytes) prefault(block, bytes);
     return block;
 }
 
-void make_real(void* block, std::uint64_t bytes) {
+void prefault(void* block, std::uint64_t bytes) {
     const auto page_bytes = static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE));
     auto* first = static_cast<volatile char*>(block);
     for (std::uint64_t offset = 0; offset < bytes; offset += page_bytes) {

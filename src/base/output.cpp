@@ -22,8 +22,8 @@ bool is_pipe(int descriptor) {
     return fstat(descriptor, &status) == 0 && (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
 }
 
-// A signal handler, and all that it calls is allowed in one. The signals come for other reasons, too.
-extern "C" void end_if_unheard(int) {
+// Signal handler: calls only async-signal-safe functions. The signals may have other causes as well.
+extern "C" void exit_if_reader_gone(int) {
     const int interrupted_error = errno;
     pollfd output = {STDOUT_FILENO, 0, 0};
     if (poll(&output, 1, 0) == 1 && (output.revents & (POLLERR | POLLHUP)) != 0) _exit(0);
@@ -32,17 +32,17 @@ extern "C" void end_if_unheard(int) {
 
 }  // namespace
 
-void end_when_unheard() {
+void exit_when_reader_gone() {
     if (!is_pipe(STDOUT_FILENO)) return;
     struct sigaction action = {};
-    action.sa_handler = end_if_unheard;
+    action.sa_handler = exit_if_reader_gone;
     action.sa_flags = SA_RESTART;
     sigaction(SIGPIPE, &action, nullptr);
     sigaction(SIGIO, &action, nullptr);
-    // The kernel says by SIGIO when something happens at either end of the pipe.
+    // The kernel sends SIGIO when something happens at either end of the pipe.
     fcntl(STDOUT_FILENO, F_SETOWN, getpid());
     fcntl(STDOUT_FILENO, F_SETFL, fcntl(STDOUT_FILENO, F_GETFL) | O_ASYNC);
-    end_if_unheard(SIGIO);  // what happened before
+    exit_if_reader_gone(SIGIO);  // the reader may already be gone
 }
 
 void set_up_output() {
@@ -50,7 +50,7 @@ void set_up_output() {
     static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
 }
 
-// A failure for good is not reported: there is nowhere left to report it.
+// Errors are not reported: there is no place left to report them.
 void say_text(std::string_view text) {
     std::size_t said = 0;
     while (said < text.size()) {
@@ -63,7 +63,7 @@ void say_text(std::string_view text) {
     }
 }
 
-// NOLINTNEXTLINE(cert-dcl50-cpp): it takes what `printf` takes, and the compiler checks its arguments.
+// NOLINTNEXTLINE(cert-dcl50-cpp): printf-style; the compiler checks the arguments.
 void say(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);

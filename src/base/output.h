@@ -1,22 +1,22 @@
-// Standard output, where everything the engine has to say goes: each text leaves the process in one piece, at once.
+// Standard output: each text is written at once, in one piece.
 #pragma once
 
 #include <string_view>
 
 namespace varn {
 
-/// Writing to a closed pipe ends the process, also where it was started to ignore that signal. Work that prints nothing
-/// goes on to its end. A file that grows past the limit of its size fails like one on a full disk.
+/// Makes writing to a closed pipe end the process, even if SIGPIPE was ignored by the parent. Work that prints nothing
+/// runs to its end. Exceeding the file size limit becomes a write error like on a full disk.
 void set_up_output();
 
-/// From now on the process ends, with status 0, as soon as the reader of the pipe that is its standard output is gone:
-/// at once, also in the middle of a long search.
-void end_when_unheard();
+/// From now on the process ends with status 0 as soon as the reader of its standard output closes the pipe, even in the
+/// middle of a search.
+void exit_when_reader_gone();
 
-/// Prints as `printf` does, in one write.
+/// Like `printf`, in one write.
 [[gnu::format(printf, 1, 2)]] void say(const char* format, ...);
 
-/// Prints the text as it stands, and waits for a slow reader for as long as it takes.
+/// Prints the text unchanged; blocks while the reader is slow.
 void say_text(std::string_view text);
 
 }  // namespace varn

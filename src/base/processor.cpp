@@ -1,5 +1,5 @@
-// Looks before anything else whether the processor knows the instructions that the engine is compiled to. This file is
-// compiled for any processor, and not optimised together with the rest: see CMakeLists.txt.
+// Checks at start-up whether the processor has the instructions that the engine is compiled for. This file itself is
+// compiled for any processor and without link-time optimisation: see CMakeLists.txt.
 #include <unistd.h>
 
 #include <string_view>
@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view too_old_text = "error: this processor is too old: Varn needs SSE4.2 and POPCNT.\n";
 
-// Of all initialisers the first.
+// Runs before all other initialisers.
 [[gnu::constructor(101)]] void refuse_old_processor() {
     __builtin_cpu_init();
     if (__builtin_cpu_supports("ssse3") != 0 && __builtin_cpu_supports("sse4.2") != 0 &&

@@ -1,4 +1,4 @@
-// The engine's random source: fast, seeded once, uniform over any range. Nothing drawn from it is stored between runs.
+// Random numbers: fast, seeded once, uniform over any range.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,6 @@ class RandomSource {
 public:
     explicit constexpr RandomSource(std::uint64_t seed) : state_(seed) {}
 
-    /// 64 fresh bits.
     constexpr std::uint64_t next() {
         state_ += 0x9E3779B97F4A7C15ULL;
         std::uint64_t mixed = state_;
@@ -19,9 +18,9 @@ public:
         return mixed ^ (mixed >> 31);
     }
 
-    /// A number from 0 to `range` - 1, each as likely as the others; `range` must not be 0.
+    /// A uniform number from 0 to `range` - 1; `range` must not be 0.
     constexpr std::uint64_t below(std::uint64_t range) {
-        // The few lowest draws, which would favour small remainders, are drawn again.
+        // Rejects the lowest draws, which would favour small remainders.
         const std::uint64_t uneven = (0 - range) % range;
         std::uint64_t drawn = next();
         while (drawn < uneven) drawn = next();

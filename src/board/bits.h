@@ -1,5 +1,4 @@
-// Helpers on a 64-bit board. They are the innermost operation of the engine: one instruction each, no table.
-// Every bit loop has the form: copy the board, and while the copy isn't empty take `pop_first` of it.
+// Bitboard helpers, one instruction each. Loops over a bitboard copy it and call `pop_first` until the copy is empty.
 #pragma once
 
 #include <bit>
@@ -15,25 +14,25 @@ constexpr Bitboard bit_mask(int square) {
 }
 constexpr Bitboard not_bit(int square) { return ~bit_mask(square); }
 
-/// The lowest square of a board that must not be empty.
+/// The lowest set square; the board must not be empty.
 constexpr int first_one(Bitboard board) {
     assert(board != 0);
     return std::countr_zero(board);
 }
 
-/// The lowest square of a board that must not be empty; it is cleared in the board given.
+/// Removes and returns the lowest set square; the board must not be empty.
 constexpr int pop_first(Bitboard& board) {
     const int square = first_one(board);
     board &= board - 1;
     return square;
 }
 
-/// The highest square of a board, -1 where it is empty.
+/// The highest set square, or -1 if the board is empty.
 constexpr int last_one(Bitboard board) { return 63 - std::countl_zero(board); }
 
 constexpr int popcount(Bitboard board) { return std::popcount(board); }
 
-/// Whether the board has at least `n` squares, for an `n` of 1 or more; false for any other `n`.
+/// Whether at least `n` bits are set; false if `n` is less than 1.
 constexpr bool has_at_least(Bitboard board, int n) { return n >= 1 && popcount(board) >= n; }
 
 }  // namespace varn

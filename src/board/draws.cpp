@@ -9,8 +9,8 @@ namespace varn {
 
 namespace {
 
-/// Whether a position with these keys stood at least `times` before index `place` of the game's list of keys. Nothing
-/// before the last pawn move or capture, `fifty` plies ago, can match.
+/// Whether these keys occurred at least `times` before index `place` of the game's key list. Nothing before the last
+/// irreversible move, `fifty` plies ago, can match.
 bool occurred_before(const Game& g, PositionKeys keys, int place, int fifty, int times) {
     const int oldest = std::max(0, place - fifty);
     for (int i = place - 1; i >= oldest; --i) {
@@ -19,7 +19,7 @@ bool occurred_before(const Game& g, PositionKeys keys, int place, int fifty, int
     return false;
 }
 
-/// The present position's own keys are the last of the list.
+/// The last keys of the list are those of the current position.
 bool occurred_before(const Game& g, int times) {
     return occurred_before(g, keys_of(g), static_cast<int>(g.draw_hash_count) - 1, g.fifty, times);
 }
@@ -33,11 +33,11 @@ template <Side S> Bitboard minor_pieces(const Game& g) { return bishops_of<S>(g)
 /// `insufficient_material` of the position after the move.
 bool insufficient_material_after(const Game& g, Move move) {
     const int mover = is_promotion(move.kind) ? move.kind : g.cells[move.from];
-    const Man man = man_of(mover);
+    const PieceType type = type_of(mover);
     const Bitboard untouched = not_bit(move.from) & not_bit(move.to);
-    // After an en-passant capture the mover itself is the pawn that may still mate.
-    if (man == pawn || man == queen || is_rook(man) || (mating_pieces(g) & untouched) != 0) return false;
-    const Bitboard arrived = man == king ? 0 : bit_mask(move.to);
+    // This covers en passant as well: the capturing pawn remains.
+    if (type == pawn || type == queen || is_rook(type) || (mating_pieces(g) & untouched) != 0) return false;
+    const Bitboard arrived = type == king ? 0 : bit_mask(move.to);
     const bool white_moves = side_of(mover) == Side::white;
     const Bitboard white = (minor_pieces<Side::white>(g) & untouched) | (white_moves ? arrived : 0);
     const Bitboard black = (minor_pieces<Side::black>(g) & untouched) | (white_moves ? 0 : arrived);
@@ -45,7 +45,7 @@ bool insufficient_material_after(const Game& g, Move move) {
 }
 
 bool is_irreversible(const Game& g, Move move) {
-    return g.cells[move.to] != no_piece || man_of(g.cells[move.from]) == pawn;
+    return g.cells[move.to] != no_piece || type_of(g.cells[move.from]) == pawn;
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ constexpr std::string_view piece_letters = "KQRBNPkqrbnp";
 
 bool contains(std::string_view letters, char c) { return letters.find(c) != std::string_view::npos; }
 
-/// Takes a field off the front of the text, blanks before it included; empty at the end.
+/// Removes the next field and the blanks before it from the text; empty at the end.
 std::string_view take_field(std::string_view& text) {
     constexpr std::string_view blanks = " \t\r\n\v\f";
     text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
@@ -27,7 +27,7 @@ std::string_view take_field(std::string_view& text) {
     return field;
 }
 
-/// A whole number from 0 to `highest`, and nothing else.
+/// An integer from 0 to `highest`; nothing else may follow.
 std::optional<int> counter(std::string_view field, int highest) {
     int number = 0;
     const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), number);
@@ -35,7 +35,7 @@ std::optional<int> counter(std::string_view field, int highest) {
     return is_whole && number >= 0 && number <= highest ? std::optional(number) : std::nullopt;
 }
 
-// Each returns the fault that it finds, empty for none.
+// Each check returns a fault, or an empty text.
 
 std::string row_fault(std::string_view row) {
     int squares = 0;
@@ -66,7 +66,7 @@ std::string castling_fault(std::string_view field) {
     return "";
 }
 
-/// Of a position whose fields have their forms.
+/// Checks a position whose fields are well formed.
 std::string position_fault(const Game& game, std::string_view castling) {
     if (popcount(game.w_king) != 1 || popcount(game.b_king) != 1) return "there must be one king a side";
     if (!is_playable(game)) return "a pawn stands on the first or last rank";
@@ -78,7 +78,8 @@ std::string position_fault(const Game& game, std::string_view castling) {
     return "";
 }
 
-/// The square must be one that the last move can have passed over. It is kept as make keeps it.
+/// The last move must have been a double step over the square. As in make, the square is kept only if a pawn can
+/// capture there.
 template <Side S> std::string set_enpassant(Game& g, int square) {
     constexpr Side them = other(S);
     const Bitboard passed = bit_mask(square);

@@ -1,4 +1,4 @@
-// Positions in Forsyth-Edwards notation, read whole: what isn't a legal position is refused with the reason.
+// Strict FEN reader and writer: positions that cannot be legal are refused with a reason.
 #pragma once
 
 #include <memory>
@@ -12,16 +12,16 @@ namespace varn {
 inline constexpr std::string_view start_fen = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";
 
 struct FenReading {
-    std::unique_ptr<Game> game;  // null where the text is refused
+    std::unique_ptr<Game> game;  // null if the text is refused
     int move_number = 1;
-    std::string fault;  // why it is refused
+    std::string fault;  // the reason
 };
 
-/// Reads the six fields; the two counters may be left out. The en-passant square is kept where a pawn stands ready to
-/// capture there, and `fifty` is the half-move clock, up to 255.
+/// Reads six fields; the two counters may be omitted. The en-passant square is kept only if a pawn can capture there,
+/// and `fifty` is the halfmove clock, up to 255.
 FenReading read_fen(std::string_view text);
 
-/// The six fields.
+/// All six fields.
 std::string fen_text(const Game& game, int move_number);
 
 }  // namespace varn

@@ -9,8 +9,9 @@ namespace varn {
 
 namespace {
 
-/// Codes of the first rank from the h-file to the a-file, as white has them.
-constexpr Table<Man, 8> back_rank = {{kingside_rook, knight, bishop, king, queen, bishop, knight, queenside_rook}};
+/// White's first rank from the h-file to the a-file.
+constexpr Table<PieceType, 8> back_rank = {
+    {kingside_rook, knight, bishop, king, queen, bishop, knight, queenside_rook}};
 
 template <Side S> void set_up_side(Game& g) {
     for (int file = 1; file <= 8; ++file) {
@@ -20,10 +21,10 @@ template <Side S> void set_up_side(Game& g) {
     for (int rank = 1; rank <= 2; ++rank) {
         for (Bitboard squares = own_rank_mask<S>(rank); squares != 0;) {
             const int square = pop_first(squares);
-            const Man man = man_of(g.cells[square]);
+            const PieceType type = type_of(g.cells[square]);
             pieces_of<S>(g) |= bit_mask(square);
-            board_of<S>(g, man) |= bit_mask(square);
-            material_of<S>(g) += piece_values[man];
+            board_of<S>(g, type) |= bit_mask(square);
+            material_of<S>(g) += piece_values[type];
         }
     }
     king_square_of<S>(g) = own_square<S>(e1);
@@ -33,10 +34,10 @@ template <Side S> void set_up_side(Game& g) {
 }  // namespace
 
 void complete_record(Game& game) {
-    game.men = game.w_pieces | game.b_pieces;
-    game.r90 = rotate_90(game.men);
-    game.r45f = rotate_45f(game.men);
-    game.r45b = rotate_45b(game.men);
+    game.pieces = game.w_pieces | game.b_pieces;
+    game.r90 = rotate_90(game.pieces);
+    game.r45f = rotate_45f(game.pieces);
+    game.r45b = rotate_45b(game.pieces);
     rehash(game);
     reset_draw_hash(game);
 }

@@ -1,4 +1,4 @@
-// The fields of a game by side: the one place where a side's name meets a field's.
+// Access to a game's fields by side.
 #pragma once
 
 #include "board/game.h"
@@ -6,7 +6,7 @@
 
 namespace varn {
 
-// References, const where the game is.
+// References, const if the game is.
 template <Side S> constexpr auto& pieces_of(auto& g) { return choose<S>(g.w_pieces, g.b_pieces); }
 template <Side S> constexpr auto& pawns_of(auto& g) { return choose<S>(g.w_pawns, g.b_pawns); }
 template <Side S> constexpr auto& knights_of(auto& g) { return choose<S>(g.w_knights, g.b_knights); }
@@ -19,19 +19,19 @@ template <Side S> constexpr auto& castle_of(auto& g) { return choose<S>(g.w_cast
 template <Side S> constexpr auto& material_of(auto& g) { return choose<S>(g.w_material, g.b_material); }
 
 template <Side S>
-inline constexpr Table<Bitboard Game::*, 8> boards_by_man =
+inline constexpr Table<Bitboard Game::*, 8> boards_by_type =
     S == Side::white ? Table<Bitboard Game::*, 8>{{&Game::w_king, &Game::w_queens, &Game::w_bishops, &Game::w_knights,
                                                    &Game::w_rooks, &Game::w_rooks, &Game::w_rooks, &Game::w_pawns}}
                      : Table<Bitboard Game::*, 8>{{&Game::b_king, &Game::b_queens, &Game::b_bishops, &Game::b_knights,
                                                    &Game::b_rooks, &Game::b_rooks, &Game::b_rooks, &Game::b_pawns}};
 
-/// The board of one kind of piece; all three kinds of rook share one.
-template <Side S> constexpr auto& board_of(auto& g, Man man) {
-    const auto board = boards_by_man<S>[man];
+/// The board of one piece type; the three rook types share one.
+template <Side S> constexpr auto& board_of(auto& g, PieceType type) {
+    const auto board = boards_by_type<S>[type];
     return g.*board;
 }
 
-/// The material balance from the point of view of the side to move.
+/// Material balance for the side to move.
 constexpr std::int32_t balance_for_side_to_move(const Game& g) {
     return g.turn == Side::white ? g.material : -g.material;
 }

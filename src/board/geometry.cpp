@@ -1,4 +1,4 @@
-// The builders of the large geometric tables. All of them run in the compiler.
+// Builders of the large geometric tables, evaluated at compile time.
 #include "board/geometry.h"
 
 #include <initializer_list>
@@ -15,7 +15,7 @@ struct Step {
 constexpr Table<Step, direction_count> direction_steps = {
     {{0, 0}, {1, 0}, {-1, 0}, {0, 1}, {0, -1}, {1, 1}, {1, -1}, {-1, 1}, {-1, -1}}};
 
-/// One family of lines: the bit order that serves it, and one of the two steps along it.
+/// A family of parallel lines: its bit order and one of the two steps along it.
 struct LineFamily {
     const PerSquare<std::uint8_t>* map;
     Step along;
@@ -29,7 +29,7 @@ constexpr LineFamily r45b_family = {&r45b_map, {1, 1}};
 
 constexpr Step reversed(Step s) { return {-s.ranks, -s.files}; }
 
-/// The squares of the line of `square`: its first bit position on the family's board and how many there are.
+/// The line through a square: its first bit on the family's board, and its length.
 struct Line {
     int first_bit;
     int length;
@@ -52,7 +52,7 @@ constexpr PerSquare<LineIndex> line_indices(const LineFamily& family) {
     PerSquare<LineIndex> indices{};
     for (int sq = 0; sq < square_count; ++sq) {
         const Line line = line_through(family, sq);
-        // A line of one or two squares has no inner square: its mask is 0 and its shift only has to be a valid one.
+        // A line of one or two squares has no inner squares: its mask is 0, and any valid shift will do.
         const bool has_inner_squares = line.length > 2;
         indices[sq] = {
             static_cast<std::uint8_t>(has_inner_squares ? line.first_bit + 1 : 0),

@@ -1,7 +1,7 @@
-// Every geometric fact about the board, as tables that the compiler builds: ranks, files and
-// diagonals, the rotated bit orders, what sliders reach along a line, where steppers step, directions and rays.
+// Board geometry as compile-time tables: ranks, files and diagonals, rotated bit orders, slider attacks along a line,
+// knight, king and pawn attacks, directions and rays.
 //
-// In this file r and f are rank and file counted from 0; f grows from the h-file, so west is +1 and north is +8.
+// r and f are rank and file counted from 0 in this file; f grows from the h-file, so west is +1 and north is +8.
 #pragma once
 
 #include "board/bits.h"
@@ -29,13 +29,12 @@ inline constexpr auto file_masks = [] {
     return masks;
 }();
 
-/// A rank by its number as the side counts it.
+/// A rank as the side counts it.
 template <Side S> constexpr Bitboard own_rank_mask(int rank) { return rank_masks[own_rank<S>(rank)]; }
 
 // --- Rotated bit orders -------------------------------------------------------------------------------------------
-// The bit position of each square on the three rotated boards, chosen so that the squares of a line lie in adjacent
-// bits: files on r90, diagonals parallel to a1-h8 on r45f, diagonals parallel to h1-a8 on r45b. No diagonal wraps past
-// bit 63.
+// The bit of each square on the three rotated boards. The squares of a line are adjacent bits: files on r90, diagonals
+// parallel to a1-h8 on r45f, diagonals parallel to h1-a8 on r45b. No diagonal wraps past bit 63.
 
 template <typename T, typename Builder> constexpr PerSquare<T> per_square(Builder build) {
     PerSquare<T> table{};
@@ -49,7 +48,7 @@ inline constexpr auto r45f_map =
 inline constexpr auto r45b_map =
     per_square<std::uint8_t>([](int sq) { return (63 - 8 * (sq / 8) + 7 * (sq % 8)) & 63; });
 
-/// A plain board brought into a rotated bit order.
+/// Converts a plain board to a rotated bit order.
 constexpr Bitboard rotate(Bitboard board, const PerSquare<std::uint8_t>& map) {
     Bitboard rotated = 0;
     while (board != 0) rotated |= bit_mask(map[pop_first(board)]);
@@ -59,22 +58,21 @@ constexpr Bitboard rotate_90(Bitboard board) { return rotate(board, r90_map); }
 constexpr Bitboard rotate_45f(Bitboard board) { return rotate(board, r45f_map); }
 constexpr Bitboard rotate_45b(Bitboard board) { return rotate(board, r45b_map); }
 
-/// How to take the line of a square out of its board: shift right, then mask. What comes out are the line's inner
-/// squares only: whether an end square is occupied changes nothing that a slider reaches. It is the same for all
-/// squares of a line.
+/// How to extract a square's line from its board: shift, then mask. Only inner squares are kept, because the end
+/// squares don't affect slider attacks. All squares of a line share this.
 struct LineIndex {
     std::uint8_t shift;
     std::uint8_t mask;
 };
 extern const PerSquare<LineIndex> rank_line, file_line, r45f_line, r45b_line;
 
-/// What a slider reaches along one line, both ways, up to and including the first piece: by square and line index.
+/// Slider attacks along one line, in both directions, up to and including the first piece: by square and line index.
 using LineAttacks = PerSquare<PerSquare<Bitboard>>;
 extern const LineAttacks rank_attacks, file_attacks, r45f_attacks, r45b_attacks;
 
 // --- Steps --------------------------------------------------------------------------------------------------------
 
-/// The square reached from `square` by a step in ranks and files, as a board; empty where that leaves the board.
+/// The square at an offset in ranks and files, as a board; empty if off the board.
 constexpr Bitboard step(int square, int ranks, int files) {
     const int rank = rank_of(square) + ranks;
     const int file = file_of(square) + files;
@@ -91,14 +89,14 @@ inline constexpr auto king_moves = per_square<Bitboard>([](int sq) {
            step(sq, -1, 0) | step(sq, -1, -1);
 });
 
-/// The squares that a pawn of the side attacks. Read the other way round, `pawn_attacks<S>[sq]` holds the squares from
-/// which a pawn of the other side attacks `sq`.
+/// Squares attacked by a pawn of the side. Equally, `pawn_attacks<S>[sq]` are the squares from which an enemy pawn
+/// attacks `sq`.
 template <Side S>
 inline constexpr auto pawn_attacks = per_square<Bitboard>([](int sq) {
     return step(sq, sign_of<S>, -1) | step(sq, sign_of<S>, 1);
 });
 
-/// The squares that must be empty for castling.
+/// Squares that must be empty for castling.
 template <Side S> inline constexpr Bitboard kingside_path = bit_mask(own_square<S>(g1)) | bit_mask(own_square<S>(f1));
 template <Side S>
 inline constexpr Bitboard queenside_path = bit_mask(own_square<S>(d1)) | bit_mask(own_square<S>(c1)) |
@@ -120,18 +118,18 @@ enum Direction : std::uint8_t {
 inline constexpr int direction_count = 9;
 
 constexpr bool is_diagonal(Direction direction) { return direction >= north_west; }
-/// Whether the square numbers grow that way.
+/// Whether square numbers increase in that direction.
 constexpr bool leads_up(Direction direction) {
     return direction == north || direction == west || direction == north_west || direction == north_east;
 }
 
-/// The direction in which b lies seen from a: `direction_table[a][b]`; `no_direction` if a is b or they share no line.
+/// The direction from a to b: `direction_table[a][b]`; `no_direction` if they are equal or share no line.
 extern const PerSquare<PerSquare<Direction>> direction_table;
 
-/// All squares from a square to the edge of the board in a direction, without itself: `rays[direction][square]`.
+/// Squares from a square to the edge in a direction, without itself: `rays[direction][square]`.
 extern const Table<PerSquare<Bitboard>, direction_count> rays;
 
-/// All squares of the rank and the file, or of the two diagonals, of a square, without itself.
+/// The rank and file, or the two diagonals, of a square, without itself.
 extern const PerSquare<Bitboard> straight_lines, diagonal_lines;
 
 }  // namespace varn

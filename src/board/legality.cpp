@@ -9,15 +9,15 @@ namespace varn {
 
 namespace {
 
-/// The candidates of a side, tried one by one until one is legal.
+/// Candidate moves of a side, tested until one is legal.
 template <Side S> struct Candidates {
     const Game& g;
     const Pins& pins;
 
-    /// Whether one of the pieces has a legal move of `kind` to a square that `targets_of` gives for its own.
-    template <typename Targets> bool any(Bitboard men, std::uint8_t kind, Targets targets_of) const {
-        while (men != 0) {
-            const auto from = static_cast<std::uint8_t>(pop_first(men));
+    /// Whether one of the pieces has a legal move of `kind` to one of its targets.
+    template <typename Targets> bool any(Bitboard pieces, std::uint8_t kind, Targets targets_of) const {
+        while (pieces != 0) {
+            const auto from = static_cast<std::uint8_t>(pop_first(pieces));
             Bitboard targets = targets_of(from);
             while (targets != 0) {
                 const auto to = static_cast<std::uint8_t>(pop_first(targets));
@@ -34,13 +34,13 @@ template <Side S> bool pawn_has_legal_move(const Candidates<S>& candidates, Bitb
     const Game& g = candidates.g;
     const Bitboard pawns = pawns_of<S>(g);
     const Bitboard steppers = pawns & ~behind<S>(occupied(g));
-    // In nearly every position some pawn settles it here.
+    // Settles nearly every position.
     if ((steppers & candidates.pins.free) != 0) return true;
 
     const Bitboard doubles = steppers & own_rank_mask<S>(2) & ~behind<S>(behind<S>(occupied(g)));
     if (candidates.any(steppers, kind_quiet, [](int from) { return bit_mask(from + up<S>); })) return true;
     if (candidates.any(doubles, kind_double_step, [](int from) { return bit_mask(from + 2 * up<S>); })) return true;
-    // Where the queen's promotion isn't legal no other is.
+    // If promoting to a queen is illegal, so is every other promotion.
     if (candidates.any(pawns, queening, [&](int from) { return pawn_attacks<S>[from] & enemies; })) return true;
     const Bitboard passed = g.enpassant & own_rank_mask<S>(6);
     if (passed == 0) return false;
@@ -48,21 +48,21 @@ template <Side S> bool pawn_has_legal_move(const Candidates<S>& candidates, Bitb
     return candidates.any(capturers, kind_en_passant, [&](int) { return passed; });
 }
 
-/// The kind of a piece's move doesn't matter to its being legal. Castling need not be tried: where it is legal the
-/// king's single step that way is legal too.
+/// Legality doesn't depend on whether a piece's move captures. Castling needs no test: if it is legal, so is the king's
+/// single step that way.
 template <Side S> bool side_has_legal_move(const Game& g, const Pins& pins) {
     constexpr Side them = other(S);
     const Candidates<S> candidates = {g, pins};
     const Bitboard targets = ~pieces_of<S>(g) & not_bit(king_square_of<them>(g));
     if (pawn_has_legal_move<S>(candidates, pieces_of<them>(g) & targets)) return true;
-    const auto try_men = [&](Bitboard men, auto reach) {
-        return candidates.any(men, kind_quiet, [&](int from) { return reach(from) & targets; });
+    const auto try_pieces = [&](Bitboard pieces, auto reach) {
+        return candidates.any(pieces, kind_quiet, [&](int from) { return reach(from) & targets; });
     };
-    return try_men(queens_of<S>(g), [&](int from) { return rook_reach(g, from) | bishop_reach(g, from); }) ||
-           try_men(knights_of<S>(g), [](int from) { return knight_moves[from]; }) ||
-           try_men(bishops_of<S>(g), [&](int from) { return bishop_reach(g, from); }) ||
-           try_men(rooks_of<S>(g), [&](int from) { return rook_reach(g, from); }) ||
-           try_men(king_of<S>(g), [](int from) { return king_moves[from]; });
+    return try_pieces(queens_of<S>(g), [&](int from) { return rook_reach(g, from) | bishop_reach(g, from); }) ||
+           try_pieces(knights_of<S>(g), [](int from) { return knight_moves[from]; }) ||
+           try_pieces(bishops_of<S>(g), [&](int from) { return bishop_reach(g, from); }) ||
+           try_pieces(rooks_of<S>(g), [&](int from) { return rook_reach(g, from); }) ||
+           try_pieces(king_of<S>(g), [](int from) { return king_moves[from]; });
 }
 
 }  // namespace

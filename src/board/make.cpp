@@ -14,17 +14,16 @@ namespace {
 
 constexpr std::uint8_t fifty_ceiling = 255;
 
-// --- The rule of the keys -------------------------------------------------------------------------------------------
-// What each part of a move does to the keys, told once: `make_for` adds it up as it goes, `child_keys_of` without a
-// board to change.
+// --- Keys -----------------------------------------------------------------------------------------------------------
+// How each part of a move changes the keys, shared by `make_for` and `child_keys_of`.
 
-/// The rights that go with a piece of this kind when it moves or is captured.
+/// Castling rights lost when a piece of this type moves or is captured.
 constexpr Table<std::uint32_t, 8> rights_of = {
     {kingside_right | queenside_right, 0, 0, 0, kingside_right, queenside_right, 0, 0}};
 
-/// The rights that side S still has and that go with this piece.
+/// The rights that side S loses with this piece.
 template <Side S> std::uint32_t rights_lost(const Game& g, int code) {
-    return castle_of<S>(g) & rights_of[man_of(code)];
+    return castle_of<S>(g) & rights_of[type_of(code)];
 }
 
 template <Side S> void toggle_rights(PositionKeys& keys, std::uint32_t lost) {
@@ -34,25 +33,25 @@ template <Side S> void toggle_rights(PositionKeys& keys, std::uint32_t lost) {
 
 PositionKeys moved_piece(int from, int to, int code) { return zobrist_numbers[from][code] ^ zobrist_numbers[to][code]; }
 
-/// A pawn on `square` becomes the piece with this code.
+/// A pawn on `square` is replaced by the piece with this code.
 template <Side S> PositionKeys promoted_piece(int square, int code) {
     return zobrist_numbers[square][code_of(S, pawn)] ^ zobrist_numbers[square][code];
 }
 
-/// The keys of the position with the turn passed and no en-passant square.
+/// Keys after passing the turn, without an en-passant square.
 PositionKeys keys_of_next_turn(const Game& g) {
     PositionKeys keys = keys_of(g) ^ in_both(zobrist_side_number);
     if (g.enpassant != 0) keys ^= in_both(zobrist_ep_numbers[first_one(g.enpassant)]);
     return keys;
 }
 
-/// Whether a double step across the square gives an en-passant square: an enemy pawn must stand ready to capture
-/// there; whether that would be legal isn't asked.
+/// Whether a double step over the square sets the en-passant square: an enemy pawn must attack it; legality isn't
+/// tested.
 template <Side S> bool leaves_enpassant(const Game& g, int passed) {
     return (pawn_attacks<S>[passed] & pawns_of<other(S)>(g)) != 0;
 }
 
-/// The rook's part of castling, fixed by the king's move.
+/// The rook's move in castling.
 struct RookMove {
     int from;
     int to;
@@ -64,7 +63,7 @@ template <Side S> RookMove castling_rook(int kind) {
     return {own_square<S>(a1), own_square<S>(d1), code_of(S, queenside_rook)};
 }
 
-/// The square of the pawn that an en-passant capture on `target` takes.
+/// The square of the pawn captured en passant on `target`.
 template <Side S> int victim_of_en_passant(int target) { return target - up<S>; }
 
 template <Side S> PositionKeys child_keys_of(const Game& g, Move move) {
@@ -99,9 +98,9 @@ template <Side S> PositionKeys child_keys_of(const Game& g, Move move) {
 
 // --- The boards -----------------------------------------------------------------------------------------------------
 
-/// A square as the boards of all pieces have it.
+/// A square's bit on each of the four occupancy boards.
 struct Bits {
-    Bitboard men, r90, r45f, r45b;
+    Bitboard pieces, r90, r45f, r45b;
 };
 
 alignas(64) constexpr auto bits_of = per_square<Bits>([](int sq) {
@@ -110,7 +109,7 @@ alignas(64) constexpr auto bits_of = per_square<Bits>([](int sq) {
 
 void toggle_occupied(Game& g, int square) {
     const Bits& bits = bits_of[square];
-    g.men ^= bits.men;
+    g.pieces ^= bits.pieces;
     g.r90 ^= bits.r90;
     g.r45f ^= bits.r45f;
     g.r45b ^= bits.r45b;
@@ -126,8 +125,8 @@ void set_keys(Game& g, PositionKeys keys) {
     g.zobrist_lock = keys.lock;
 }
 
-// What a move does beyond moving a piece, told by where it is needed. The keys are worked out apart from the record and
-// written once, since a store to the mailbox could change any field, for all the compiler knows.
+// Parts of a move besides moving the piece. The keys are kept in a local and written once: otherwise every store to the
+// mailbox would make the compiler reload them.
 
 template <Side S> void lose_rights(Game& g, int code, PositionKeys& keys) {
     const std::uint32_t lost = rights_lost<S>(g, code);
@@ -143,7 +142,7 @@ template <Side S> void set_enpassant(Game& g, int passed, PositionKeys& keys) {
     keys ^= in_both(zobrist_ep_numbers[passed]);
 }
 
-/// Moves a castling rook between two squares, in either direction; the keys are the caller's.
+/// Moves a castling rook, in either direction, without updating the keys.
 template <Side S> void shift_rook(Game& g, int from, int to, int code) {
     const Bitboard squares = bit_mask(from) | bit_mask(to);
     rooks_of<S>(g) ^= squares;
@@ -160,20 +159,20 @@ template <Side S> void castle_rook(Game& g, int kind, PositionKeys& keys) {
     keys ^= moved_piece(rook.from, rook.to, rook.code);
 }
 
-/// Adds to side S's material and to the balance.
+/// Updates the material of side S and the balance.
 template <Side S> void add_material(Game& g, int value) {
     material_of<S>(g) += value;
     g.material += sign_of<S> * value;
 }
 
-/// Takes the piece with this code of side S off the board and out of every count.
+/// Removes a piece of side S from its boards, the material and the keys.
 template <Side S> void remove_piece(Game& g, int square, int code, PositionKeys& keys) {
     const PositionKeys numbers = zobrist_numbers[square][code];
     pieces_of<S>(g) ^= bit_mask(square);
-    board_of<S>(g, man_of(code)) ^= bit_mask(square);
+    board_of<S>(g, type_of(code)) ^= bit_mask(square);
     add_material<S>(g, -piece_values[code]);
     keys ^= numbers;
-    if (man_of(code) == pawn) toggle_pawn_keys(g, numbers);
+    if (type_of(code) == pawn) toggle_pawn_keys(g, numbers);
 }
 
 template <Side S> void capture_pawn_en_passant(Game& g, int target, PositionKeys& keys) {
@@ -184,10 +183,10 @@ template <Side S> void capture_pawn_en_passant(Game& g, int target, PositionKeys
     remove_piece<them>(g, square, code_of(them, pawn), keys);
 }
 
-/// A pawn turns into a piece on the square that it has come to.
+/// Replaces the pawn on the target square.
 template <Side S> void promote(Game& g, Move move, PositionKeys& keys) {
     pawns_of<S>(g) ^= bit_mask(move.to);
-    board_of<S>(g, man_of(move.kind)) ^= bit_mask(move.to);
+    board_of<S>(g, type_of(move.kind)) ^= bit_mask(move.to);
     g.cells[move.to] = static_cast<PieceCode>(move.kind);
     toggle_pawn_keys(g, zobrist_numbers[move.to][code_of(S, pawn)]);
     keys ^= promoted_piece<S>(move.to, move.kind);
@@ -204,8 +203,8 @@ template <Side S> void finish_pawn_move(Game& g, Move move, PositionKeys& keys) 
     }
 }
 
-/// The front of a game and of an undo record: a whole number of wide registers, so that no field is copied in parts
-/// and then waits for both.
+/// The common front of a game and an undo record: a multiple of the vector register size, to avoid store forwarding
+/// stalls.
 constexpr std::size_t saved_bytes = 64;
 static_assert(offsetof(UndoRecord, captured) == saved_bytes && offsetof(Game, zobrist_key) == 0 &&
               offsetof(Game, enpassant) == offsetof(UndoRecord, enpassant) &&
@@ -238,7 +237,7 @@ template <Side S> void make_for(Game& g, Move move) {
     g.turn = other(g.turn);
     if (g.fifty < fifty_ceiling) ++g.fifty;
     pieces_of<S>(g) ^= squares;
-    board_of<S>(g, man_of(mover)) ^= squares;
+    board_of<S>(g, type_of(mover)) ^= squares;
     g.cells[from] = no_piece;
     g.cells[to] = static_cast<PieceCode>(mover);
     toggle_occupied(g, from);
@@ -250,13 +249,13 @@ template <Side S> void make_for(Game& g, Move move) {
         lose_rights<them>(g, captured, keys);
     }
 
-    if (man_of(mover) == pawn) {
+    if (type_of(mover) == pawn) {
         g.fifty = 0;
         toggle_pawn_keys(g, moved);
         finish_pawn_move<S>(g, move, keys);
     } else {
         lose_rights<S>(g, mover, keys);
-        if (man_of(mover) == king) {
+        if (type_of(mover) == king) {
             king_square_of<S>(g) = to;
             if (is_castling(move.kind)) castle_rook<S>(g, move.kind, keys);
         }
@@ -275,12 +274,12 @@ template <Side S> void unmake_for(Game& g, Move move, const UndoRecord& undo) {
 
     std::memcpy(&g, &undo, saved_bytes);
     if (is_promotion(move.kind)) {
-        board_of<S>(g, man_of(mover)) ^= bit_mask(to);
+        board_of<S>(g, type_of(mover)) ^= bit_mask(to);
         mover = code_of(S, pawn);
         pawns_of<S>(g) ^= bit_mask(to);
     }
     pieces_of<S>(g) ^= squares;
-    board_of<S>(g, man_of(mover)) ^= squares;
+    board_of<S>(g, type_of(mover)) ^= squares;
     g.cells[from] = static_cast<PieceCode>(mover);
     g.cells[to] = static_cast<PieceCode>(captured);
     toggle_occupied(g, from);
@@ -289,7 +288,7 @@ template <Side S> void unmake_for(Game& g, Move move, const UndoRecord& undo) {
         if (move.kind == kind_en_passant) put_back_en_passant<S>(g, to);
     } else {
         pieces_of<them>(g) ^= bit_mask(to);
-        board_of<them>(g, man_of(captured)) ^= bit_mask(to);
+        board_of<them>(g, type_of(captured)) ^= bit_mask(to);
     }
     if (mover == code_of(S, king)) {
         king_square_of<S>(g) = from;

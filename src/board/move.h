@@ -1,12 +1,11 @@
-// Moves and lists of moves. Nothing here knows a position.
+// Moves and move lists.
 #pragma once
 
 #include "board/types.h"
 
 namespace varn {
 
-/// One move. The absence of a move is an empty `std::optional`, never a value of the record. Aligned, so that it is
-/// loaded and stored as one word.
+/// A move. "No move" is an empty `std::optional`, never a special value.
 struct alignas(4) Move {
     std::uint8_t from;
     std::uint8_t to;
@@ -16,23 +15,23 @@ struct alignas(4) Move {
 };
 static_assert(sizeof(Move) == 4);
 
-// Kinds of a move. A promotion's kind is the code of the new piece, also where it captures.
+// Move kinds. The kind of a promotion is the code of the new piece, also for captures.
 inline constexpr std::uint8_t kind_quiet = 0;
 inline constexpr std::uint8_t kind_double_step = 0x11;
 inline constexpr std::uint8_t kind_en_passant = 0x12;
 inline constexpr std::uint8_t kind_capture = 0x20;
 inline constexpr std::uint8_t kind_kingside_castling = 0x41;
 inline constexpr std::uint8_t kind_queenside_castling = 0x42;
-/// Fits no move that a generator makes.
+/// Never generated.
 inline constexpr std::uint8_t kind_invalid = 0xFF;
 
 constexpr bool is_castling(int kind) { return kind > 0x40; }
 constexpr bool is_promotion(int kind) {
-    const int man = kind & 7;
-    return kind <= 14 && (man == queen || man == bishop || man == knight || man == plain_rook);
+    const int type = kind & 7;
+    return kind <= 14 && (type == queen || type == bishop || type == knight || type == plain_rook);
 }
 
-/// Fixed-capacity list that all generators fill. `scores` belongs to whoever orders the moves.
+/// Fixed-capacity move list, filled by the generators. `scores` is set by move ordering.
 struct MoveList {
     static constexpr int capacity = 1000;
     std::int32_t count;

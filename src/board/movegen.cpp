@@ -6,30 +6,30 @@ namespace varn {
 
 namespace {
 
-// The stages write at a cursor and hand it on: counting in the list itself would take a load and a store a move.
+// Generators advance a pointer and return it: counting in the list would cost a load and a store per move.
 
 Move* put_move(Move* out, int from, int to, std::uint8_t kind) {
     *out = {static_cast<std::uint8_t>(from), static_cast<std::uint8_t>(to), kind};
     return out + 1;
 }
 
-/// One piece's moves to each of the targets.
+/// Moves of one piece to all targets.
 Move* put_moves(Move* out, int from, Bitboard targets, std::uint8_t kind) {
     while (targets != 0) out = put_move(out, from, pop_first(targets), kind);
     return out;
 }
 
-/// A stepping piece's moves, or a slider's along one line: `reach` gives what the piece on a square reaches.
+/// Moves of all `pieces` to the targets among `reach(square)`: all moves of a knight, one line of a slider.
 template <typename Reach>
-Move* put_moves_of(Move* out, Bitboard men, Bitboard targets, std::uint8_t kind, Reach reach) {
-    while (men != 0) {
-        const int from = pop_first(men);
+Move* put_moves_of(Move* out, Bitboard pieces, Bitboard targets, std::uint8_t kind, Reach reach) {
+    while (pieces != 0) {
+        const int from = pop_first(pieces);
         out = put_moves(out, from, reach(from) & targets, kind);
     }
     return out;
 }
 
-/// All pieces but the pawns, each to the squares of `targets` that it reaches.
+/// Moves of all pieces except pawns to the targets.
 template <Side S> Move* put_piece_targets(const Game& g, Move* out, Bitboard targets, std::uint8_t kind) {
     const auto along_rank = [&g](int square) { return rank_reach(g, square); };
     const auto along_file = [&g](int square) { return file_reach(g, square); };
@@ -49,8 +49,8 @@ template <Side S> Move* put_piece_targets(const Game& g, Move* out, Bitboard tar
 }
 
 template <Side S> Move* put_four_promotions(Move* out, int from, int to) {
-    for (const Man man : {queen, plain_rook, bishop, knight}) {
-        out = put_move(out, from, to, static_cast<std::uint8_t>(code_of(S, man)));
+    for (const PieceType type : {queen, plain_rook, bishop, knight}) {
+        out = put_move(out, from, to, static_cast<std::uint8_t>(code_of(S, type)));
     }
     return out;
 }
@@ -78,8 +78,8 @@ template <Side S> Move* put_en_passant(const Game& g, Move* out) {
     return out;
 }
 
-/// Pawns of the side with an empty square in front of them.
-template <Side S> Bitboard free_pawns(const Game& g) { return pawns_of<S>(g) & ~behind<S>(occupied(g)); }
+/// Pawns with an empty square ahead.
+template <Side S> Bitboard pushable_pawns(const Game& g) { return pawns_of<S>(g) & ~behind<S>(occupied(g)); }
 
 template <Side S> bool any_attacked(const Game& g, int first, int second) {
     return attacked_by<other(S)>(g, own_square<S>(first)) || attacked_by<other(S)>(g, own_square<S>(second));
@@ -94,7 +94,7 @@ template <Side S> Move* put_captures(const Game& g, Move* out) {
 }
 
 template <Side S> Move* put_promotions(const Game& g, Move* out) {
-    Bitboard pawns = free_pawns<S>(g) & own_rank_mask<S>(7);
+    Bitboard pawns = pushable_pawns<S>(g) & own_rank_mask<S>(7);
     while (pawns != 0) {
         const int from = pop_first(pawns);
         out = put_four_promotions<S>(out, from, from + up<S>);
@@ -103,21 +103,21 @@ template <Side S> Move* put_promotions(const Game& g, Move* out) {
 }
 
 template <Side S> Move* put_castling(const Game& g, Move* out) {
-    // The rights alone stand for king and rook on their squares: a right doesn't survive their leaving them.
+    // A right implies that king and rook are on their squares.
     const std::uint32_t rights = castle_of<S>(g);
     if (rights == 0 || king_attacked<S>(g)) return out;
-    const Bitboard men = occupied(g);
-    if ((rights & kingside_right) != 0 && (kingside_path<S> & men) == 0 && !any_attacked<S>(g, f1, g1)) {
+    const Bitboard pieces = occupied(g);
+    if ((rights & kingside_right) != 0 && (kingside_path<S> & pieces) == 0 && !any_attacked<S>(g, f1, g1)) {
         out = put_move(out, own_square<S>(e1), own_square<S>(g1), kind_kingside_castling);
     }
-    if ((rights & queenside_right) != 0 && (queenside_path<S> & men) == 0 && !any_attacked<S>(g, d1, c1)) {
+    if ((rights & queenside_right) != 0 && (queenside_path<S> & pieces) == 0 && !any_attacked<S>(g, d1, c1)) {
         out = put_move(out, own_square<S>(e1), own_square<S>(c1), kind_queenside_castling);
     }
     return out;
 }
 
 template <Side S> Move* put_pawn_steps(const Game& g, Move* out) {
-    const Bitboard free = free_pawns<S>(g);
+    const Bitboard free = pushable_pawns<S>(g);
     Bitboard doubles = free & own_rank_mask<S>(2) & ~behind<S>(behind<S>(occupied(g)));
     while (doubles != 0) {
         const int from = pop_first(doubles);
@@ -143,7 +143,7 @@ template <Side S> Move* put_all(const Game& g, Move* out) {
     return put_quiets<S>(g, out);
 }
 
-/// A stage as its callers know it: it appends to a list.
+/// Appends a generator's moves to a list.
 template <Move* stage(const Game& g, Move* out)> void append(const Game& game, MoveList& list) {
     const Move* end = stage(game, list.moves.begin() + list.count);
     list.count = static_cast<std::int32_t>(end - list.moves.begin());

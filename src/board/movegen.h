@@ -1,27 +1,27 @@
-// Generators of pseudo-legal moves: each piece moves by its rules, the enemy king is never captured and castling is
-// fully legal, but a move may leave the mover's own king attacked. The order of the moves is fixed, and it is the
-// engine's tie-break: pieces and their targets go from the lowest square number up, for both colours alike.
+// Generators of pseudo-legal moves: a move may leave the own king in check. Castling is generated only if legal, and
+// the enemy king is never captured. The order of the moves is fixed and breaks ties in move ordering: pieces and
+// targets go from the lowest square up, for both colours.
 //
-// Generators append: they write moves behind `count` and leave `scores` alone.
+// Generators append to the list and don't touch `scores`.
 #pragma once
 
 #include "board/game.h"
 
 namespace varn {
 
-// The stages that the move picker asks for one by one. Sliders are walked line by line: all pieces of a kind along one
+// Generators for the stages of the move picker. Sliders are generated line by line: all pieces of a type along one
 // line, then along the next.
 
-/// Pawns (a promotion gives queen, rook, bishop, knight), en passant, knights, bishops, rooks, queens, king.
+/// Pawns (promotions to queen, rook, bishop, knight), en passant, knights, bishops, rooks, queens, king.
 void add_white_captures(const Game& game, MoveList& list);
 void add_black_captures(const Game& game, MoveList& list);
-/// Steps to the last rank, four moves each as above.
+/// Pawn steps to the last rank, four promotions each.
 void add_white_promotions(const Game& game, MoveList& list);
 void add_black_promotions(const Game& game, MoveList& list);
 /// Castling, kingside first; quiet moves of knights, bishops, rooks, queens, king; double steps; single steps.
 void add_quiets_white(const Game& game, MoveList& list);
 void add_quiets_black(const Game& game, MoveList& list);
-/// All of these, in this order.
+/// All moves, in this order.
 void add_all_white(const Game& game, MoveList& list);
 void add_all_black(const Game& game, MoveList& list);
 
@@ -31,9 +31,9 @@ void add_promotions(const Game& game, MoveList& list);
 void add_quiets(const Game& game, MoveList& list);
 void add_all(const Game& game, MoveList& list);
 
-// The same into a list that is emptied first.
+// These clear the list first.
 void generate_captures(const Game& game, MoveList& list);
-/// Captures and step promotions.
+/// Captures and promotions.
 void generate_noisy(const Game& game, MoveList& list);
 void generate_all(const Game& game, MoveList& list);
 

@@ -15,17 +15,17 @@ namespace {
 
 char lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
 
-/// The character at the index, or 0 behind the end of the text.
+/// The character at the index, or 0 past the end.
 char char_at(std::string_view text, std::size_t index) { return index < text.size() ? text[index] : '\0'; }
 
-/// A square from letter and digit, untested: 8-bit arithmetic, so what names no square mostly comes out above 63.
+/// A square from letter and digit, unchecked: 8-bit arithmetic, so most invalid input gives a number above 63.
 std::uint8_t raw_square(char letter, char digit) {
     return static_cast<std::uint8_t>((digit - '1') * 8 + ('h' - lower(letter)));
 }
 
 int code_on(const Game& g, int square) { return square < square_count ? g.cells[square] : no_piece; }
 
-/// The kind of a promotion by its letter, for the side to move; a kind that fits no move for any other letter.
+/// The kind of a promotion to the letter's piece, or `kind_invalid`.
 std::uint8_t promotion_kind(char letter, Side side) {
     switch (lower(letter)) {
         case 'q': return static_cast<std::uint8_t>(code_of(side, queen));
@@ -36,7 +36,7 @@ std::uint8_t promotion_kind(char letter, Side side) {
     }
 }
 
-/// A castling's kind, or `kind` where a king's move isn't one.
+/// The kind of castling, or `kind` if the king's move isn't castling.
 std::uint8_t king_move_kind(int from, int to, std::uint8_t kind) {
     for (const int home : {static_cast<int>(e1), static_cast<int>(e8)}) {
         if (from != home) continue;
@@ -58,7 +58,7 @@ std::uint8_t pawn_move_kind(const Game& g, int from, int to, std::uint8_t kind) 
     return onto_enpassant && file_of(from) != file_of(to) ? kind_en_passant : kind;
 }
 
-/// Whether another piece of the mover's kind can legally go to the same square.
+/// Whether another piece of the same type can legally move to the same square.
 bool is_ambiguous(const Game& game, Move move) {
     return std::ranges::any_of(legal_moves(game), [&](Move rival) {
         return rival.to == move.to && rival.from != move.from &&
@@ -66,11 +66,11 @@ bool is_ambiguous(const Game& game, Move move) {
     });
 }
 
-/// Whether another piece of the mover's kind stands on the line, whether or not it can reach the target.
+/// Whether another piece of the same type is on the line, even if it cannot reach the target.
 bool rival_on_line(const Game& g, int from, Bitboard line) {
-    Bitboard men = occupied(g) & line & not_bit(from);
-    while (men != 0) {
-        if (same_mover(g.cells[pop_first(men)], g.cells[from])) return true;
+    Bitboard pieces = occupied(g) & line & not_bit(from);
+    while (pieces != 0) {
+        if (same_mover(g.cells[pop_first(pieces)], g.cells[from])) return true;
     }
     return false;
 }
@@ -83,7 +83,7 @@ std::string disambiguation(const Game& game, Move move) {
     return name;
 }
 
-/// A mate on the hundredth ply of the fifty-move count is a draw, which gets no sign of mate.
+/// Mate on the hundredth ply of the fifty-move count is a draw here, so it gets no mate sign.
 std::string check_sign(const Game& game, Move move) {
     Game after = game;
     make_move(after, move);
@@ -95,7 +95,7 @@ std::string check_sign(const Game& game, Move move) {
 
 char piece_letter(int code) {
     constexpr std::string_view letters = "KQBNRRRP";
-    const char letter = letters[static_cast<std::size_t>(man_of(code))];
+    const char letter = letters[static_cast<std::size_t>(type_of(code))];
     return side_of(code) == Side::white ? letter : lower(letter);
 }
 
@@ -120,8 +120,8 @@ Move parse_move(const Game& g, std::string_view text) {
 
     const int mover = code_on(g, move.from);
     if (mover == no_piece) return move;
-    if (man_of(mover) == king) move.kind = king_move_kind(move.from, move.to, move.kind);
-    if (man_of(mover) == pawn) move.kind = pawn_move_kind(g, move.from, move.to, move.kind);
+    if (type_of(mover) == king) move.kind = king_move_kind(move.from, move.to, move.kind);
+    if (type_of(mover) == pawn) move.kind = pawn_move_kind(g, move.from, move.to, move.kind);
     return move;
 }
 
@@ -129,7 +129,7 @@ bool names_two_squares(std::string_view text) {
     return square_from_text(text) >= 0 && text.size() >= 2 && square_from_text(text.substr(2)) >= 0;
 }
 
-// A letter may only stand behind a promotion: what is read must be what would be written.
+// A fifth letter is accepted only for promotions: the text must be what `move_text` would write.
 std::optional<Move> read_move(const Game& game, std::string_view text) {
     if ((text.size() != 4 && text.size() != 5) || !names_two_squares(text)) return std::nullopt;
     const Move move = parse_move(game, text);
@@ -148,7 +148,7 @@ std::string san_text(const Game& g, Move move) {
     if (move.kind == kind_kingside_castling) return "O-O";
     if (is_castling(move.kind)) return "O-O-O";
 
-    const Man mover = man_of(g.cells[move.from]);
+    const PieceType mover = type_of(g.cells[move.from]);
     std::string text;
     if (mover != pawn) text += piece_letter(mover);
     text += disambiguation(g, move);
@@ -157,7 +157,7 @@ std::string san_text(const Game& g, Move move) {
         text += 'x';
     }
     text += square_text(move.to);
-    if (is_promotion(move.kind)) text += piece_letter(man_of(move.kind));
+    if (is_promotion(move.kind)) text += piece_letter(type_of(move.kind));
     return text + check_sign(g, move);
 }
 

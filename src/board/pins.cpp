@@ -8,8 +8,8 @@ namespace varn {
 
 namespace {
 
-/// The squares from a, which is left out, to b; b alone where the two share no line.
-Bitboard way_to(int a, int b) {
+/// Squares from a (exclusive) to b (inclusive); b alone if they share no line.
+Bitboard ray_to(int a, int b) {
     const Direction direction = direction_table[a][b];
     return (rays[direction][a] & ~rays[direction][b]) | bit_mask(b);
 }
@@ -20,7 +20,7 @@ template <Side S> Bitboard contact_checkers(const Game& g, int king_square) {
            (knight_moves[king_square] & knights_of<them>(g));
 }
 
-/// The enemy sliders that would attack the king of side S on an empty board.
+/// Enemy sliders that would give check on an empty board.
 template <Side S> Bitboard aligned_sliders(const Game& g, int king_square) {
     constexpr Side them = other(S);
     return (straight_lines[king_square] & (rooks_of<them>(g) | queens_of<them>(g))) |
@@ -29,14 +29,14 @@ template <Side S> Bitboard aligned_sliders(const Game& g, int king_square) {
 
 bool only_one(Bitboard board) { return board != 0 && (board & (board - 1)) == 0; }
 
-/// Judged on the board without both pawns: en passant opens lines that no other move does.
+/// Tested on the board without both pawns: en passant can open two lines at once.
 template <Side S> bool en_passant_is_legal(const Game& g, const Pins& pins, Move move) {
     const int victim = move.to - up<S>;
     if ((contact_checkers<S>(g, pins.king_square) & not_bit(victim)) != 0) return false;
     const Bitboard left = (occupied(g) & not_bit(move.from) & not_bit(victim)) | bit_mask(move.to);
     for (Bitboard sliders = aligned_sliders<S>(g, pins.king_square); sliders != 0;) {
         const int slider = pop_first(sliders);
-        if ((way_to(pins.king_square, slider) & not_bit(slider) & left) == 0) return false;
+        if ((ray_to(pins.king_square, slider) & not_bit(slider) & left) == 0) return false;
     }
     return true;
 }
@@ -49,10 +49,10 @@ template <Side S> Pins pins_of(const Game& game) {
     Pins pins = {contact_checkers<S>(game, king_square), 0, 0, ~Bitboard{0}, 0, king_square};
     for (Bitboard sliders = aligned_sliders<S>(game, king_square); sliders != 0;) {
         const int slider = pop_first(sliders);
-        const Bitboard between = way_to(king_square, slider) & not_bit(slider) & occupied(game);
+        const Bitboard between = ray_to(king_square, slider) & not_bit(slider) & occupied(game);
         if (between == 0) {
             pins.checkers |= bit_mask(slider);
-            pins.shadows |= rays[direction_table[slider][king_square]][king_square];
+            pins.behind_king |= rays[direction_table[slider][king_square]][king_square];
         } else if (only_one(between)) {
             pins.pinned |= between & pieces_of<S>(game);
         }
@@ -60,7 +60,7 @@ template <Side S> Pins pins_of(const Game& game) {
     if (pins.checkers == 0) {
         pins.free = pieces_of<S>(game) & ~pins.pinned & not_bit(king_square);
     } else {
-        pins.answers = only_one(pins.checkers) ? way_to(king_square, first_one(pins.checkers)) : 0;
+        pins.check_mask = only_one(pins.checkers) ? ray_to(king_square, first_one(pins.checkers)) : 0;
     }
     return pins;
 }
@@ -70,13 +70,13 @@ template <Side S> bool is_legal_under(const Game& game, const Pins& pins, Move m
     if (move.kind == kind_en_passant) return en_passant_is_legal<S>(game, pins, move);
     if (move.from == pins.king_square) {
         return is_castling(move.kind) ||
-               ((pins.shadows & bit_mask(move.to)) == 0 && !attacked_by<other(S)>(game, move.to));
+               ((pins.behind_king & bit_mask(move.to)) == 0 && !attacked_by<other(S)>(game, move.to));
     }
     if ((pins.pinned & bit_mask(move.from)) != 0) {
         const auto& seen_from_king = direction_table[pins.king_square];
         return pins.checkers == 0 && seen_from_king[move.from] == seen_from_king[move.to];
     }
-    return (pins.answers & bit_mask(move.to)) != 0;
+    return (pins.check_mask & bit_mask(move.to)) != 0;
 }
 
 template Pins pins_of<Side::white>(const Game& game);

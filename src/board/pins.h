@@ -1,26 +1,25 @@
-// Pins and checkers of a side: which pieces are pinned to their king, which enemy pieces give check, and what answers
-// it. Worked out once for a position, they tell of every pseudo-legal move whether it is legal without making it.
+// Pins and checkers of a side. Computed once per position, they decide the legality of any pseudo-legal move without
+// making it.
 #pragma once
 
 #include "board/game.h"
 
 namespace varn {
 
-/// Valid for the position and the side it was taken of.
 struct Pins {
-    Bitboard checkers;  // enemy pieces that attack the king, the enemy king included
-    Bitboard pinned;    // pieces that alone stand between the king and a slider: they must stay on that line
-    Bitboard free;      // pieces that may make each of their moves but en passant: none in check, and never the king
-    Bitboard answers;   // where a piece that isn't pinned may go: in check the squares that end it, else all
-    Bitboard shadows;   // squares behind the king, seen from a slider that checks it: no way out for the king
+    Bitboard checkers;     // enemy pieces giving check, the enemy king included
+    Bitboard pinned;       // own pieces pinned to the king
+    Bitboard free;         // own pieces whose every move but en passant is legal: none in check, never the king
+    Bitboard check_mask;   // targets of unpinned pieces: in check the squares that block or capture, else all
+    Bitboard behind_king;  // squares behind the king on a checking slider's line: no escape squares
     std::int32_t king_square;
 };
 
 template <Side S> Pins pins_of(const Game& game);
-/// The side to move's.
+/// For the side to move.
 Pins pins_of(const Game& game);
 
-/// Whether a pseudo-legal move of side S leaves its own king unattacked. Castling is legal when it is generated.
+/// Whether a pseudo-legal move of side S is legal. Castling is generated only if legal.
 template <Side S> bool is_legal_under(const Game& game, const Pins& pins, Move move);
 /// The same for the side to move.
 bool is_legal_under(const Game& game, const Pins& pins, Move move);

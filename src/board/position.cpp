@@ -8,7 +8,7 @@ namespace varn {
 
 namespace {
 
-/// Reads a text character by character and gives 0 at its end, however often it is asked.
+/// Reads a text character by character; gives 0 at the end.
 class FieldReader {
 public:
     explicit FieldReader(std::string_view text) : rest_(text) {}
@@ -22,7 +22,6 @@ public:
         advance();
         return c;
     }
-    /// At a blank, the end of the line or the end of the text.
     bool at_field_end() const { return peek() == ' ' || peek() == '\n' || rest_.empty(); }
     void skip_field() {
         while (!at_field_end()) advance();
@@ -35,31 +34,31 @@ private:
     std::string_view rest_;
 };
 
-template <Side S> void place_man(Game& g, Man man, int square) {
+template <Side S> void put_piece(Game& g, PieceType type, int square) {
     pieces_of<S>(g) ^= bit_mask(square);
-    board_of<S>(g, man) ^= bit_mask(square);
-    g.cells[square] = code_of(S, man);
-    if (man == king) king_square_of<S>(g) = square;
-    material_of<S>(g) += piece_values[man];
-    g.material += sign_of<S> * piece_values[man];
+    board_of<S>(g, type) ^= bit_mask(square);
+    g.cells[square] = code_of(S, type);
+    if (type == king) king_square_of<S>(g) = square;
+    material_of<S>(g) += piece_values[type];
+    g.material += sign_of<S> * piece_values[type];
 }
 
-/// Whether the letter is a piece's; then it stands on the square.
+/// Places the piece that the letter names; returns false if it names none.
 bool place_piece(Game& g, char letter, int square) {
-    for (const Man man : {king, queen, bishop, knight, plain_rook, pawn}) {
-        if (letter == piece_letter(code_of(Side::white, man))) {
-            place_man<Side::white>(g, man, square);
+    for (const PieceType type : {king, queen, bishop, knight, plain_rook, pawn}) {
+        if (letter == piece_letter(code_of(Side::white, type))) {
+            put_piece<Side::white>(g, type, square);
             return true;
         }
-        if (letter == piece_letter(code_of(Side::black, man))) {
-            place_man<Side::black>(g, man, square);
+        if (letter == piece_letter(code_of(Side::black, type))) {
+            put_piece<Side::black>(g, type, square);
             return true;
         }
     }
     return false;
 }
 
-/// Row lengths aren't tested: the field ends when all squares are used up. Returns false at a foreign character.
+/// Row lengths aren't checked: the field ends when all squares are filled. Returns false on an invalid character.
 bool read_board(Game& g, FieldReader& reader) {
     int square = square_count - 1;
     while (square >= 0) {
@@ -76,19 +75,20 @@ bool read_board(Game& g, FieldReader& reader) {
     return true;
 }
 
-/// Returns whether the field names a side.
+/// Returns whether the field is valid.
 bool read_side(Game& g, FieldReader& reader) {
     const char c = reader.peek();
     const bool is_known = c == 'w' || c == 'b';
     if (is_known) g.turn = c == 'w' ? Side::white : Side::black;
-    // A field that is empty because of a second blank leaves that blank to the castling field, which is then empty too.
+    // Two blanks in a row mean an empty field; the second one is left to the castling field, which is then empty as
+    // well.
     if (c == ' ') return is_known;
     reader.skip_field();
     reader.skip_blank();
     return is_known;
 }
 
-/// Whether the side has the right and its king and rook stand at home; then the rook gets the code that carries it.
+/// Whether the side has the right and its king and rook are at home; if so sets the rook's type.
 template <Side S> bool claim_right(Game& g, std::uint32_t right) {
     const bool kingside = right == kingside_right;
     const int corner = own_square<S>(kingside ? h1 : a1);
@@ -103,7 +103,7 @@ template <Side S> void claim_castling(Game& g) {
                       (claim_right<S>(g, queenside_right) ? queenside_right : 0);
 }
 
-/// The letters are added up, each at the value of its right: a doubled "K" is a "Q".
+/// Letters are added up as the values of their rights: "KK" is "Q".
 void read_castling(Game& g, FieldReader& reader) {
     while (!reader.at_field_end()) {
         switch (reader.next()) {
@@ -120,7 +120,7 @@ void read_castling(Game& g, FieldReader& reader) {
     reader.skip_blank();
 }
 
-/// An empty board that keeps what the text may leave open: whose turn it is, and squares for the kings.
+/// Clears the game, except for what the text may leave unset: the side to move and the king squares.
 void wipe(Game& g) {
     const Side turn = g.turn;
     const int wking_sqr = g.wking_sqr;
@@ -159,16 +159,16 @@ template <Side S> std::string castling_text(const Game& g) {
     return text;
 }
 
-/// Every piece of the side stands on the boards as `cells` has it, and every board bit in `cells`.
+/// Whether `cells` and the boards agree on the pieces of the side.
 template <Side S> bool side_is_consistent(const Game& g) {
     for (int square = 0; square < square_count; ++square) {
         const int code = g.cells[square];
         const bool ours = is_code_of(S, code);
         const Bitboard bit = bit_mask(square);
         if (ours != ((pieces_of<S>(g) & bit) != 0)) return false;
-        for (const Man man : {king, queen, bishop, knight, plain_rook, pawn}) {
-            const bool on_cell = ours && (man_of(code) == man || (man == plain_rook && is_rook(man_of(code))));
-            if (on_cell != ((board_of<S>(g, man) & bit) != 0)) return false;
+        for (const PieceType type : {king, queen, bishop, knight, plain_rook, pawn}) {
+            const bool on_cell = ours && (type_of(code) == type || (type == plain_rook && is_rook(type_of(code))));
+            if (on_cell != ((board_of<S>(g, type) & bit) != 0)) return false;
         }
         if (code == code_of(S, king) && square != king_square_of<S>(g)) return false;
     }

@@ -1,4 +1,4 @@
-// Positions as text, an EPD-like line of four fields, and the test of a record's soundness.
+// Positions as text, an EPD-like line of four fields, and a consistency check.
 #pragma once
 
 #include <string>
@@ -8,26 +8,24 @@
 
 namespace varn {
 
-/// What a position's text leaves to say.
+/// What `set_position` found wrong.
 struct PositionRemarks {
-    bool foreign_piece = false;      // a foreign character in the board field, where reading stopped: no position
-    bool foreign_side = false;       // the side field is neither "w" nor "b": `turn` is as it was
-    bool foreign_enpassant = false;  // an en-passant field, which isn't understood
+    bool foreign_piece = false;      // invalid character in the board field; reading stopped there
+    bool foreign_side = false;       // the side field is neither "w" nor "b"; `turn` is unchanged
+    bool foreign_enpassant = false;  // an en-passant field, which isn't supported
 };
 
-/// Overwrites the game with the position read; no moves are recorded in it.
-/// The text ends at its end or at its first newline, whichever comes first; missing fields count as empty. Castling
-/// letters are added up at the value of their rights, so that "KK" is the queenside right, and a right whose king or
-/// rook isn't on its square is dropped. The hashes are those of the board field alone: rooks count as plain ones, and
-/// it is still the turn of before. `complete_record` makes them a function of the position. Whether the position can be
-/// played is another question: see `is_playable`. Where there was a foreign piece the game is good for nothing but to
-/// be set again.
+/// Sets up the position and clears the game's moves. The text ends at its first newline; missing fields are empty.
+/// Castling letters are added up as the values of their rights, so that "KK" is the queenside right; rights without
+/// king and rook in place are dropped. The hashes are those of the board field alone, with plain rooks and the previous
+/// side to move: `complete_record` recomputes them. Whether the position can be played is not tested: see
+/// `is_playable`. After `foreign_piece` the game must be set again before use.
 PositionRemarks set_position(Game& game, std::string_view text);
 
-/// The four fields, as `set_position` reads them; the game must be consistent.
+/// The four fields as read by `set_position`; the game must be consistent.
 std::string position_text(const Game& game);
 
-/// Whether `cells` and the boards agree. Looks at nothing else: not at the rotated boards, the keys or the counts.
+/// Whether `cells` and the piece boards agree. Rotated boards, keys and counts are not checked.
 bool is_consistent(const Game& game);
 
 }  // namespace varn

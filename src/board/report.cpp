@@ -8,21 +8,21 @@ namespace varn {
 
 namespace {
 
-/// Code of the piece on a square as the bitboards have it.
+/// The piece code on a square according to the bitboards.
 template <Side S> int code_on_boards(const Game& g, int square) {
-    for (const Man man : {king, queen, bishop, knight, plain_rook, pawn}) {
-        if ((board_of<S>(g, man) & bit_mask(square)) != 0) return code_of(S, man);
+    for (const PieceType type : {king, queen, bishop, knight, plain_rook, pawn}) {
+        if ((board_of<S>(g, type) & bit_mask(square)) != 0) return code_of(S, type);
     }
     return no_piece;
 }
 
-/// The letter of a piece, or the colour of an empty square.
+/// A piece's letter, or the colour of an empty square.
 char square_sign(int square, int code) {
     if (code != no_piece) return piece_letter(code);
     return square % 2 == square / 8 % 2 ? '.' : '#';
 }
 
-/// Eight lines, rank 8 first and the a-file on the left; `sign_of_square` gives the character of a square.
+/// Eight lines, rank 8 first, with one character per square from `sign_of_square`.
 template <typename Sign> std::string drawing(Sign sign_of_square) {
     std::string text;
     for (int square = square_count - 1; square >= 0; --square) {
@@ -41,7 +41,7 @@ const char* castling_report(std::uint32_t rights) {
     }
 }
 
-/// As the hash of a position is printed. Kept: docs/compatibility.md#hash-numbers
+/// Printed form of a hash. Kept: docs/compatibility.md#hash-numbers
 std::string low_half(std::uint64_t key) { return std::to_string(static_cast<std::int32_t>(key)); }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The board as a person reads it.
+// The board as text.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 
 namespace varn {
 
-/// Board, keys, material, check, castling rights and side to play: the full report but for how the game stands.
+/// Board, keys, material, check, castling rights and side to move: the full report without the game status.
 std::string board_text(const Game& game);
-/// Eight lines of eight characters drawn from the bitboards, rank 8 first.
+/// Eight lines drawn from the bitboards, rank 8 first.
 std::string diagram_text(const Game& game);
-/// The same drawn from `cells`, between two empty lines.
+/// The same from `cells`, between two empty lines.
 std::string cells_text(const Game& game);
 /// Eight lines of eight digits, a8 first and h1 last.
 std::string bitboard_text(Bitboard board);

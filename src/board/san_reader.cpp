@@ -9,12 +9,12 @@ namespace varn {
 
 namespace {
 
-/// What a text tells of a move; 0 for what it leaves open.
+/// What the text says about the move; 0 if unspecified.
 struct Description {
-    char man = 0;  // capital letter
+    char piece = 0;  // capital letter
     char from_file = 0;
     char from_rank = 0;
-    bool captures = false;  // it says so: a text that doesn't may mean a capture all the same
+    bool captures = false;  // if unset the move may still be a capture
     std::string to;
     char promotion = 0;  // capital letter
 };
@@ -27,7 +27,7 @@ void drop_end(std::string_view& text, std::string_view end) {
     if (text.ends_with(end)) text.remove_suffix(end.size());
 }
 
-/// Without what people add to a move's text.
+/// The text without annotations.
 std::string_view bare_text(std::string_view text) {
     const auto drop_signs = [&text] {
         while (!text.empty() && contains("+#!?", text.back())) text.remove_suffix(1);
@@ -39,7 +39,7 @@ std::string_view bare_text(std::string_view text) {
     return text;
 }
 
-/// The kind of a castling, or `kind_invalid` for any other text.
+/// The kind of castling, or `kind_invalid`.
 std::uint8_t castling_kind(std::string_view text) {
     for (const std::string_view name : {"O-O", "0-0", "o-o"}) {
         if (text == name) return kind_kingside_castling;
@@ -48,7 +48,7 @@ std::uint8_t castling_kind(std::string_view text) {
     return kind_invalid;
 }
 
-/// Takes "Q", "=Q", "/Q" or "(Q)" off the end; gives the capital letter, 0 where there is none.
+/// Removes "Q", "=Q", "/Q" or "(Q)" from the end; returns the capital letter or 0.
 char take_promotion(std::string_view& text) {
     std::string_view rest = text;
     const bool bracketed = rest.ends_with(')');
@@ -62,7 +62,7 @@ char take_promotion(std::string_view& text) {
     return letter;
 }
 
-/// Takes a character off the front where it is one of those that the test knows; else gives 0.
+/// Removes and returns the first character if the test accepts it, else returns 0.
 template <typename Test> char take_if(std::string_view& text, Test knows) {
     if (text.empty() || !knows(text.front())) return 0;
     const char c = text.front();
@@ -79,7 +79,7 @@ std::optional<Description> describe(std::string_view text) {
     text.remove_suffix(square_length);
     if (!is_file(move.to[0]) || !is_rank(move.to[1])) return std::nullopt;
 
-    move.man = take_if(text, [](char c) { return contains("KQRBNP", c); });
+    move.piece = take_if(text, [](char c) { return contains("KQRBNP", c); });
     move.from_file = take_if(text, is_file);
     move.from_rank = take_if(text, is_rank);
     const char sign = take_if(text, [](char c) { return contains("x:-", c); });
@@ -87,25 +87,25 @@ std::optional<Description> describe(std::string_view text) {
     return text.empty() ? std::optional(move) : std::nullopt;
 }
 
-/// A move without its piece's letter is a pawn's, unless it names the whole square that it starts from.
-bool fits_man(const Description& wanted, char man) {
-    if (wanted.man != 0) return man == wanted.man;
-    return man == 'P' || (wanted.from_file != 0 && wanted.from_rank != 0);
+/// Without a piece letter it is a pawn's move, unless the full from-square is given.
+bool fits_piece(const Description& wanted, char piece) {
+    if (wanted.piece != 0) return piece == wanted.piece;
+    return piece == 'P' || (wanted.from_file != 0 && wanted.from_rank != 0);
 }
 
 bool fits(const Description& wanted, const Game& g, Move move) {
     const std::string from = square_text(move.from);
-    const char man = piece_letter(man_of(g.cells[move.from]));
+    const char piece = piece_letter(type_of(g.cells[move.from]));
     const bool captures = g.cells[move.to] != no_piece || move.kind == kind_en_passant;
-    const char promotion = is_promotion(move.kind) ? piece_letter(man_of(move.kind)) : '\0';
-    // A pawn's capture names the file that the pawn leaves.
-    if (man == 'P' && captures && wanted.from_file == 0) return false;
-    return wanted.to == square_text(move.to) && wanted.promotion == promotion && fits_man(wanted, man) &&
+    const char promotion = is_promotion(move.kind) ? piece_letter(type_of(move.kind)) : '\0';
+    // A pawn's capture needs its file.
+    if (piece == 'P' && captures && wanted.from_file == 0) return false;
+    return wanted.to == square_text(move.to) && wanted.promotion == promotion && fits_piece(wanted, piece) &&
            (wanted.from_file == 0 || wanted.from_file == from[0]) &&
            (wanted.from_rank == 0 || wanted.from_rank == from[1]) && (captures || !wanted.captures);
 }
 
-/// The one legal move of the position that passes the test.
+/// The only legal move that passes the test.
 template <typename Test> std::optional<Move> only_legal_move(const Game& game, Test passes) {
     std::optional<Move> found;
     for (const Move move : legal_moves(game)) {

@@ -1,4 +1,4 @@
-// Moves as people and other programs write them, looked up on a board.
+// Lenient reader of moves in algebraic notation.
 #pragma once
 
 #include <optional>
@@ -8,12 +8,11 @@
 
 namespace varn {
 
-/// The one legal move that the text names, or none: where it names no legal move or more than one, or can't be read.
+/// The one legal move that the text names; none if it is ambiguous, illegal or unreadable.
 ///
-/// Reads algebraic text with as much or as little of the from-square as leaves one move ("Nf3", "Nbd2", "Ng1-f3",
-/// "g1f3"), castling with letters or zeros, and promotions however they are set off ("e8Q", "e8=Q", "e8(Q)", "e7e8q").
-/// A "P" before a pawn's move, "e.p." behind it, a missing sign of capture, and signs of check, mate and praise, right
-/// or wrong, make no difference. Pieces are told from files by their capital letters. The game must be playable.
+/// The from-square may be given in part or in full ("Nf3", "Nbd2", "Ng1-f3", "g1f3"), castling with letters or zeros,
+/// promotions in any usual form ("e8Q", "e8=Q", "e8(Q)", "e7e8q"). A pawn's "P", "e.p.", a missing capture sign, and
+/// check, mate or annotation signs are ignored. Piece letters must be capital. The game must be playable.
 std::optional<Move> read_san(const Game& game, std::string_view text);
 
 }  // namespace varn

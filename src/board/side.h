@@ -1,5 +1,5 @@
-// All mapping from a side to its codes, ranks, squares and directions. A rule is written once, as a template on the
-// side, and reads these names. The fields of a game by side stand in game_sides.h.
+// Mapping from a side to its codes, ranks, squares and directions, for rules written as templates on the side. The
+// fields of a game by side are in game_sides.h.
 #pragma once
 
 #include "board/types.h"
@@ -14,13 +14,13 @@ template <Side S, typename White, typename Black> constexpr auto& choose(White& 
     }
 }
 
-/// +1 for white, -1 for black: turns a side's own gain into white's point of view.
+/// +1 for white, -1 for black.
 template <Side S> inline constexpr int sign_of = S == Side::white ? 1 : -1;
-/// One step towards the enemy, as a difference of square numbers.
+/// One step forward, as a difference of square numbers.
 template <Side S> inline constexpr int up = S == Side::white ? 8 : -8;
-/// A rank of the board by its number as the side counts it: 1 is its own first rank.
+/// A rank as the side counts it: 1 is its own first rank.
 template <Side S> constexpr int own_rank(int rank) { return S == Side::white ? rank : 9 - rank; }
-/// A square named from white's point of view, at the same place for the side.
+/// A square named from white's point of view, mirrored for black.
 template <Side S> constexpr int own_square(int square) { return S == Side::white ? square : mirrored(square); }
 template <Side S> constexpr Bitboard ahead(Bitboard board) { return S == Side::white ? board << 8 : board >> 8; }
 template <Side S> constexpr Bitboard behind(Bitboard board) { return ahead<other(S)>(board); }

@@ -16,7 +16,7 @@ template <Side S> bool castling_is_sound(const Game& g, Move move) {
            g.cells[corner] == code_of(S, kingside ? kingside_rook : queenside_rook);
 }
 
-/// The square passed over must be one on which an enemy pawn could then take: empty, and right behind the pawn.
+/// The square passed over must be empty, since an enemy pawn may capture there.
 template <Side S> bool double_step_is_sound(const Game& g, Move move) {
     return move.to == move.from + 2 * up<S> && g.cells[move.from + up<S>] == no_piece;
 }
@@ -27,7 +27,7 @@ template <Side S> bool en_passant_is_sound(const Game& g, Move move) {
 
 template <Side S> bool pawn_move_is_sound(const Game& g, Move move) {
     const int rank = own_rank<S>(rank_of(move.to));
-    if (rank == 8) return is_promotion(move.kind) && move.kind == code_of(S, man_of(move.kind));
+    if (rank == 8) return is_promotion(move.kind) && move.kind == code_of(S, type_of(move.kind));
     if (rank == 1 || is_promotion(move.kind)) return false;
     switch (move.kind) {
         case kind_double_step: return double_step_is_sound<S>(g, move);
@@ -39,7 +39,7 @@ template <Side S> bool pawn_move_is_sound(const Game& g, Move move) {
 template <Side S> bool is_sound(const Game& g, Move move) {
     const Bitboard barred = pieces_of<S>(g) | king_of<other(S)>(g);
     if ((barred & bit_mask(move.to)) != 0) return false;
-    const Man mover = man_of(g.cells[move.from]);
+    const PieceType mover = type_of(g.cells[move.from]);
     if (mover == pawn) return pawn_move_is_sound<S>(g, move);
     if (mover == king && is_castling(move.kind)) return castling_is_sound<S>(g, move);
     return !is_castling(move.kind) && !is_promotion(move.kind);

@@ -1,5 +1,4 @@
-// The vocabulary of the whole engine: squares, bitboards, sides, piece codes and what the pieces are worth.
-// Everything here is a plain value; nothing here knows a position.
+// Basic types: squares, bitboards, sides, piece codes and piece values.
 #pragma once
 
 #include <cassert>
@@ -8,8 +7,7 @@
 
 namespace varn {
 
-/// A fixed array, indexed by whatever integer or enumeration the engine counts with. Plain data: copied and compared as
-/// a whole.
+/// A fixed-size array that can be indexed by any integer or enumeration. Bounds are asserted.
 template <typename T, int N> struct Table {
     T slots[N];
 
@@ -29,8 +27,8 @@ private:
     }
 };
 
-/// Bit n stands for square n. Squares run along each rank from the h-file to the a-file: h1 = 0, a1 = 7, h8 = 56,
-/// a8 = 63. One step up the board is +8, one step towards the a-file is +1.
+/// Bit n is square n. Squares run along each rank from the h-file to the a-file: h1 = 0, a1 = 7, h8 = 56, a8 = 63. One
+/// rank up is +8, one file towards the a-file is +1.
 using Bitboard = std::uint64_t;
 
 enum Square : std::int8_t {
@@ -54,40 +52,42 @@ enum Square : std::int8_t {
 
 inline constexpr int square_count = 64;
 
-/// Number of a square from rank and file, both counted from 1; file 1 is the h-file.
+/// Square from rank and file, both counted from 1; file 1 is the h-file.
 constexpr int square_of(int rank, int file) { return file + rank * 8 - 9; }
 constexpr bool on_board(int rank, int file) { return rank >= 1 && rank <= 8 && file >= 1 && file <= 8; }
-/// The same square seen from the other side of the board: the file stays, rank n becomes 9 - n.
+/// The square mirrored by rank: the file stays, rank n becomes 9 - n.
 constexpr int mirrored(int square) { return square ^ 56; }
 
 enum class Side : std::uint8_t { white, black };
 constexpr Side other(Side side) { return side == Side::white ? Side::black : Side::white; }
 
-/// A piece or pawn as its own side sees it. A rook that can still castle carries its wing in its kind, and keeps that
-/// kind for life: moving or capturing it costs the right, if the right still stands.
-enum Man : std::int8_t { king, queen, bishop, knight, kingside_rook, queenside_rook, plain_rook, pawn };
+/// A piece type, regardless of colour. A rook that can still castle has its wing in its type and keeps that type for
+/// the whole game: moving or capturing it removes the right, if it still exists.
+enum PieceType : std::int8_t { king, queen, bishop, knight, kingside_rook, queenside_rook, plain_rook, pawn };
 
-/// What stands on a square: -1 for nothing, a `Man` for white, the same plus 8 for black.
+/// Content of a square: -1 if empty, a `PieceType` for white, the same plus 8 for black.
 using PieceCode = std::int8_t;
 inline constexpr PieceCode no_piece = -1;
 inline constexpr int piece_code_count = 16;
 
-constexpr PieceCode code_of(Side side, Man man) { return static_cast<PieceCode>(man + (side == Side::black ? 8 : 0)); }
-constexpr Man man_of(int code) { return static_cast<Man>(code & 7); }
-/// The owner of the piece that the code names, which must not be `no_piece`.
+constexpr PieceCode code_of(Side side, PieceType type) {
+    return static_cast<PieceCode>(type + (side == Side::black ? 8 : 0));
+}
+constexpr PieceType type_of(int code) { return static_cast<PieceType>(code & 7); }
+/// The side of a piece; the code must not be `no_piece`.
 constexpr Side side_of(int code) { return code < 8 ? Side::white : Side::black; }
-/// Whether the code names a piece of this side; an empty square's doesn't.
+/// Whether the code is a piece of this side; false for `no_piece`.
 constexpr bool is_code_of(Side side, int code) { return code != no_piece && side_of(code) == side; }
-constexpr bool is_rook(Man man) { return man == kingside_rook || man == queenside_rook || man == plain_rook; }
+constexpr bool is_rook(PieceType type) { return type == kingside_rook || type == queenside_rook || type == plain_rook; }
 constexpr bool is_white_rook(int code) { return code >= 4 && code <= 6; }
 constexpr bool is_black_rook(int code) { return code >= 12 && code <= 14; }
-/// Equal codes, or two rooks of one colour whatever their castling past.
+/// Whether two pieces are the same for notation and killers: all rook types of a colour are.
 constexpr bool same_mover(int a, int b) {
     return a == b || (is_white_rook(a) && is_white_rook(b)) || (is_black_rook(a) && is_black_rook(b));
 }
 
-// Values of the pieces in centipawns, shared by the material counts, the exchange evaluator and the move ordering. They
-// are independent of the evaluation's weights.
+// Piece values in centipawns for material counts, exchange evaluation and move ordering, independent of the
+// evaluation's weights.
 inline constexpr int pawn_value = 100;
 inline constexpr int knight_value = 300;
 inline constexpr int bishop_value = 310;
@@ -96,14 +96,14 @@ inline constexpr int queen_value = 950;
 
 /// By piece code, positive for both colours.
 inline constexpr auto piece_values = [] {
-    constexpr Table<std::int32_t, 8> by_man = {
+    constexpr Table<std::int32_t, 8> by_type = {
         {0, queen_value, bishop_value, knight_value, rook_value, rook_value, rook_value, pawn_value}};
     Table<std::int32_t, piece_code_count> values{};
-    for (int code = 0; code < piece_code_count; ++code) values[code] = by_man[man_of(code)];
+    for (int code = 0; code < piece_code_count; ++code) values[code] = by_type[type_of(code)];
     return values;
 }();
 
-/// By piece code, positive for white pieces and negative for black ones.
+/// By piece code, negative for black.
 inline constexpr auto signed_piece_values = [] {
     auto values = piece_values;
     for (int code = 8; code < piece_code_count; ++code) values[code] = -values[code];

@@ -31,10 +31,10 @@ void draw_hash_numbers(std::uint64_t seed) {
 
 namespace {
 
-PositionKeys keys_over(const Game& game, Bitboard men) {
+PositionKeys keys_over(const Game& game, Bitboard pieces) {
     PositionKeys keys = {0, 0};
-    while (men != 0) {
-        const int square = pop_first(men);
+    while (pieces != 0) {
+        const int square = pop_first(pieces);
         keys ^= zobrist_numbers[square][game.cells[square]];
     }
     return keys;

@@ -14,8 +14,8 @@ namespace varn {
 
 namespace {
 
-/// The depth that the line asks for; none, with the line ignored, where it names none that can be counted, or, with the
-/// reason said, where the position can't be played.
+/// The depth given on the line. None if it is missing or out of range (the line is ignored) or the position can't be
+/// played (with a message).
 std::optional<int> depth_to_count(const Console& console, const CommandLine& line) {
     std::string_view rest = line.rest;
     const auto depth = take_number(rest);

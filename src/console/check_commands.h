@@ -1,4 +1,4 @@
-// The console's commands that check the engine: move counts and test suites.
+// Console commands that check the engine: move counts and test suites.
 #pragma once
 
 #include "console/console.h"
@@ -8,7 +8,7 @@ namespace varn {
 void count_moves(Console& console, const CommandLine& line);
 void count_picked_moves(Console& console, const CommandLine& line);
 
-/// Its first word, whichever it is, then the names of the suite and of the log.
+/// The line is a command word, the suite's name and the log's name.
 void run_test_suite(Console& console, const CommandLine& line);
 
 }  // namespace varn

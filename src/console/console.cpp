@@ -28,9 +28,9 @@ void do_nothing(Console&, const CommandLine&) {}
 [[noreturn]] void quit(Console& console, const CommandLine&) { std::exit(settle_patterns(console.patterns) ? 0 : 1); }
 
 [[noreturn]] void speak_xboard(Console& console, const CommandLine&) {
-    // How a client may ask for attention, which between its lines it has anyway. It may come at once, so this is first.
+    // Clients may send SIGINT to get attention; input is read anyway. It may arrive at once, so this comes first.
     static_cast<void>(std::signal(SIGINT, SIG_IGN));
-    settle_patterns(console.patterns);  // the console doesn't come back
+    settle_patterns(console.patterns);  // doesn't return to the console
     say_text("\n");
     xboard_loop(console.engine);
 }
@@ -44,8 +44,8 @@ enum class Listing : std::uint8_t { none, help, debug };
 using enum Match;
 using enum Listing;
 
-/// A command is a row: how it is told, where it is listed, what it does, and its lines in the listing. Their order
-/// matters to the listings only. The row without a text is that of a typed move, which is told by its shape.
+/// A command: how it is recognised, where it is listed, its handler and its help lines. The order matters only for the
+/// listings. The row without text is a typed move, recognised by its shape.
 struct Command {
     std::string_view text;
     Match match;
@@ -142,7 +142,7 @@ constexpr Command commands[] = {
     {"xboard\n", whole_line, none, speak_xboard},
 };
 
-/// Whether a line could fit two rows: one would hide the other.
+/// Whether a line could match two rows: one would hide the other.
 constexpr bool rows_overlap() {
     for (const Command& command : commands) {
         for (const Command& other : commands) {

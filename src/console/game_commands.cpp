@@ -21,8 +21,8 @@ namespace {
 bool is_letter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
 bool is_rank_digit(char c) { return c >= '1' && c <= '8'; }
 
-/// Files go on beyond h into the rank below, so that "i3i5" is a2a4. Without validation a person may play what the
-/// rules forbid, but nothing that would spoil the record, and no such move: it would hardly be the one that was meant.
+/// Files continue beyond h into the rank below, so that "i3i5" is a2a4. Without validation illegal moves are allowed,
+/// but none that would corrupt the game, and no wrapped squares, which are hardly intended.
 bool may_play(const Console& console, std::string_view text, Move move) {
     const Game& game = *console.engine.game;
     if (console.human_move_validation) return is_valid_move(game, move);
@@ -33,8 +33,7 @@ bool is_human_to_move(const Console& console) {
     return console.engine.game->turn == Side::white ? console.is_white_human : console.is_black_human;
 }
 
-/// How many moves a line takes back: one for the bare word, else the number behind its first word; none where there is
-/// no such number.
+/// Number of moves to take back: one for the bare word, else the number after it; none if it is unreadable.
 std::optional<std::int32_t> moves_to_take_back(std::string_view line) {
     constexpr std::size_t bare_word = 5;  // with the newline
     if (line.size() == bare_word) return 1;

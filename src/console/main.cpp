@@ -1,4 +1,4 @@
-// The process: no arguments, one settings file, then the console until something ends it.
+// The console engine: no arguments, one settings file.
 #include "console/console.h"
 #include "frontend/startup.h"
 

@@ -18,7 +18,7 @@ void anneal_placements(Console& console, const CommandLine&) {
         was_read = true;
     });
     if (!console.patterns.is_written) say_text("the patterns are kept: kpkbb tries again to write them.\n");
-    // Where no position was read the game goes on, and can be taken back as before.
+    // If no position was read the game is unchanged and moves can still be taken back.
     if (was_read) start_from_read_position(engine);
 }
 

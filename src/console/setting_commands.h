@@ -1,12 +1,11 @@
-// The console's commands that set something, and the one that shows what is set. The settings hold for whatever game is
-// played.
+// Console commands that change or show settings. Settings persist across games.
 #pragma once
 
 #include "console/console.h"
 
 namespace varn {
 
-// A number that is missing or can't be read leaves the setting as it was.
+// A missing or unreadable number leaves the setting unchanged.
 void set_ply_limit(Console& console, const CommandLine& line);
 void set_time_limit(Console& console, const CommandLine& line);
 

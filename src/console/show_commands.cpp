@@ -19,7 +19,7 @@ namespace varn {
 
 namespace {
 
-/// One capture under the board: who attacks its target, and what the exchange is worth.
+/// Prints the board, the attackers of the capture's target, and the exchange value.
 void show_exchange(const Game& game, Move move) {
     constexpr const char* rule = "-------------------------------\n";
     say_text(rule);

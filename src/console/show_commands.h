@@ -1,4 +1,4 @@
-// The console's commands that show something: boards, lists of moves, numbers. None of them changes the game.
+// Console commands that show boards, move lists and numbers. None of them changes the game.
 #pragma once
 
 #include "base/output.h"
@@ -7,16 +7,16 @@
 
 namespace varn {
 
-/// For every bitboard of a game.
+/// Instantiated for every bitboard of a game.
 template <Bitboard Game::*Board> void show_bitboard(Console& console, const CommandLine&) {
     say_text(bitboard_text(console.engine.game.get()->*Board) + '\n');
 }
 
-/// The full report: it ends the process where the game is over.
+/// The full report; ends the process if the game is over.
 void show_game(Console& console, const CommandLine& line);
 void show_cells(Console& console, const CommandLine& line);
 void show_position_text(Console& console, const CommandLine& line);
-/// Legal moves; the captures are pseudo-legal.
+/// Moves are legal, captures pseudo-legal.
 void list_moves(Console& console, const CommandLine& line);
 void list_captures(Console& console, const CommandLine& line);
 void list_history(Console& console, const CommandLine& line);
@@ -24,11 +24,11 @@ void show_white_king_square(Console& console, const CommandLine& line);
 void show_black_king_square(Console& console, const CommandLine& line);
 void show_white_material(Console& console, const CommandLine& line);
 void show_black_material(Console& console, const CommandLine& line);
-/// Shows an empty line only.
+/// Prints an empty line only.
 void show_draw_hash(Console& console, const CommandLine& line);
 void show_hash_stats(Console& console, const CommandLine& line);
 
-// Parts of the evaluation.
+// Evaluation terms.
 void show_evaluation(Console& console, const CommandLine& line);
 void show_pawn_evaluation(Console& console, const CommandLine& line);
 void show_king_safety(Console& console, const CommandLine& line);

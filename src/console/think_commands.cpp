@@ -8,21 +8,21 @@ namespace varn {
 
 namespace {
 
-/// Prints the result of a game whose side to move has no legal move; returns whether it is so.
+/// Prints the result if the side to move has no legal move; returns whether it did.
 bool announce_mate_or_stalemate(const Game& game) {
     if (status_of(game, {GameStatus::mate, GameStatus::stalemate}) == GameStatus::goes_on) return false;
     say_text(status_text(console_status(game), game.turn));
     return true;
 }
 
-/// How a game that the engine plays against itself ended; it claims draws that no one announces at the console.
+/// The result of a self-play game; includes the draws that must be claimed.
 GameStatus result_of(const Game& game) {
     const GameStatus status = console_status(game);
     if (status != GameStatus::goes_on) return status;
     return status_of(game, {GameStatus::insufficient_material, GameStatus::third_repetition, GameStatus::full_record});
 }
 
-/// There must be a legal move.
+/// Needs a legal move.
 Move think_of_move(Console& console) { return *choose_move(console.engine, *console.engine.game, console.listener); }
 
 }  // namespace

@@ -21,9 +21,9 @@ constexpr int two_on_seventh = 40;
 constexpr int undeveloped_minor = -4;
 constexpr int queen_out_early = -15;
 constexpr int queen_for_two_rooks = 20;
-constexpr int queen_backs_attack = 30;
+constexpr int queen_supports_attack = 30;
 
-constexpr int king_shuts_in_rook = -10;
+constexpr int king_traps_rook = -10;
 constexpr int centre_pawn_blocked = -20;
 constexpr int free_rank_missing = -7;
 constexpr int few_free_squares = -7;
@@ -45,10 +45,10 @@ template <Side S> int half_open_files(const Game& g) {
     return rook_without_own_pawns * popcount(rooks_of<S>(g) & ~whole_files(files_of(pawns_of<S>(g))));
 }
 
-/// Two bishops, whatever the colours of their squares.
+/// Two bishops; the colours of their squares are not checked.
 template <Side S> int bishop_pair(const Game& g) { return has_at_least(bishops_of<S>(g), 2) ? bishop_pair_bonus : 0; }
 
-/// The side ahead gains by every exchange.
+/// The side ahead should trade.
 template <Side S> int trades(const Game& g, const EvalContext& context) {
     const bool material_has_gone = total_material(g) < context.root_material;
     return material_has_gone && choose<S>(context.w_trade_flag, context.b_trade_flag) ? trade_when_ahead : 0;
@@ -67,7 +67,7 @@ template <Side S> int undeveloped_minors(const Game& g) {
     return undeveloped_minor * popcount((knights_of<S>(g) | bishops_of<S>(g)) & own_squares<S>(b1, c1, f1, g1));
 }
 
-/// Counts against a side without a queen, too. Kept: docs/compatibility.md#early-queen
+/// Also counts against a side without a queen. Kept: docs/compatibility.md#early-queen
 template <Side S> int early_queen(const Game& g) {
     return in_opening(g) && (queens_of<S>(g) & own_rank_mask<S>(1)) == 0 ? queen_out_early : 0;
 }
@@ -77,9 +77,9 @@ template <Side S> int queen_against_rooks(const Game& g) {
     return only_queen && popcount(rooks_of<other(S)>(g)) == 2 ? queen_for_two_rooks : 0;
 }
 
-/// For a side whose king stands that much safer than the enemy's.
+/// `safety_lead`: how much safer the own king is than the enemy's, in centipawns.
 template <Side S> int queen_in_attack(const Game& g, int safety_lead) {
-    return safety_lead > 50 && queens_of<S>(g) != 0 ? queen_backs_attack : 0;
+    return safety_lead > 50 && queens_of<S>(g) != 0 ? queen_supports_attack : 0;
 }
 
 // --- Placement, from the side's own point of view -----------------------------------------------------------------
@@ -89,11 +89,11 @@ template <Side S> int knight_targets(const Game& g, int square) {
 }
 
 template <Side S> int king_placement(const Game& g) {
-    const SquareValues& squares = has_few_men<other(S)>(g) ? king_squares_end<S> : king_squares_game<S>;
+    const SquareValues& squares = has_little_material<other(S)>(g) ? king_squares_end<S> : king_squares_game<S>;
     int score = 0;
     for (Bitboard left = king_of<S>(g); left != 0;) score += squares[pop_first(left)];
     if ((rooks_of<S>(g) & own_squares<S>(g1, h1)) != 0) {
-        score += king_shuts_in_rook * popcount(king_of<S>(g) & own_squares<S>(f1, g1));
+        score += king_traps_rook * popcount(king_of<S>(g) & own_squares<S>(f1, g1));
     }
     return score;
 }
@@ -136,15 +136,15 @@ template <Side S> int knight_placement(const Game& g) {
     return score;
 }
 
-/// A knight or bishop right before a centre pawn that hasn't moved.
+/// A knight or bishop in front of an unmoved centre pawn.
 template <Side S> int blocked_centre(const Game& g) {
     const Bitboard before_pawns = ahead<S>(pawns_of<S>(g) & ahead<S>(own_squares<S>(d1, e1)));
     return centre_pawn_blocked * popcount((knights_of<S>(g) | bishops_of<S>(g)) & before_pawns);
 }
 
-/// In an ending the kings matter to the pawns of either colour: the nearer king protects its own or stops the enemy's.
+/// In the endgame kings should be close to pawns of either colour: to protect their own or stop the enemy's.
 template <Side S> int kings_near_pawns(const Game& g) {
-    if (!has_few_men<other(S)>(g)) return 0;
+    if (!has_little_material<other(S)>(g)) return 0;
     const auto& from_own_king = square_distance[king_square_of<S>(g)];
     const auto& from_enemy_king = square_distance[king_square_of<other(S)>(g)];
     int score = 0;
@@ -155,7 +155,7 @@ template <Side S> int kings_near_pawns(const Game& g) {
     return score;
 }
 
-/// All but the pawns' own squares, which the pawn hash table knows.
+/// Without the pawns' square values, which come from the pawn hash table.
 template <Side S> int placement(const Game& g) {
     return king_placement<S>(g) + queen_placement<S>(g) + rook_placement<S>(g) + bishop_placement<S>(g) +
            knight_placement<S>(g) + blocked_centre<S>(g) + kings_near_pawns<S>(g);
@@ -163,7 +163,7 @@ template <Side S> int placement(const Game& g) {
 
 // --- The sum --------------------------------------------------------------------------------------------------------
 
-/// Hands out every term but material and pawns as `visit(name, for white, for black)`.
+/// Calls `visit(name, white, black)` for every term except material and pawns.
 template <typename Visit> void visit_terms(const Game& g, const EvalContext& context, Visit visit) {
     constexpr Side white = Side::white;
     constexpr Side black = Side::black;
@@ -187,7 +187,7 @@ template <typename Visit> void visit_terms(const Game& g, const EvalContext& con
 
 }  // namespace
 
-// A rook suffers more from lacking squares, above all along its rank, than it gains from having them.
+// Lack of squares costs a rook more than mobility gains it, above all along its rank.
 int rook_mobility(const Game& game, int square) {
     const Bitboard empty = ~occupied(game);
     const Bitboard along_rank = rank_reach(game, square) & empty;

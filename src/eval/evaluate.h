@@ -1,7 +1,7 @@
-// The static score of a position: a plain sum of terms, each with one weight set by hand. Nothing depends on whose turn
-// it is, no position is scored as a draw, and the only memory is the pawn hash table.
+// Static evaluation: a sum of terms with hand-set weights. It doesn't depend on the side to move and recognises no
+// draws. Only pawn structure is cached, in the pawn hash table.
 //
-// All scores are in centipawns; from white's point of view, unless said otherwise.
+// Scores are in centipawns from white's point of view, unless noted otherwise.
 #pragma once
 
 #include <string_view>
@@ -12,38 +12,36 @@
 
 namespace varn {
 
-/// What the evaluation knows beside the position. The search owns one, and writes all but the table at its start and
-/// between its iterations.
+/// Context of the evaluation. The search owns it and updates everything but the table at its start and between
+/// iterations.
 struct EvalContext {
     PawnTable pawns;                 // must be allocated
-    std::int32_t root_material = 0;  // of both sides together, at the root
-    bool w_trade_flag = false;       // white, to move at the root, stood clearly ahead in the last finished iteration
+    std::int32_t root_material = 0;  // of both sides, at the root
+    bool w_trade_flag = false;       // white is to move at the root and clearly ahead in the last finished iteration
     bool b_trade_flag = false;       // the same for black
 };
 
-/// The score of the position.
 int evaluate(const Game& game, EvalContext& context);
 
-/// One term for either side, in centipawns from the side's own point of view.
+/// One term for both sides, in centipawns from each side's own point of view.
 struct EvalTerm {
     std::string_view name;
     int white;
     int black;
 };
 
-/// The terms whose differences make up the score of a position of which the pawn hash table knows nothing. Leaves out
-/// what the phase of the game switches off.
+/// The terms of the score, computed without the pawn hash table. Terms that the game phase switches off are left out.
 std::vector<EvalTerm> evaluation_terms(const Game& game, const EvalContext& context);
 
-/// The part of it that comes from where the pieces stand: square tables, mobility, closeness to the enemy king.
+/// The placement terms: piece-square values, mobility and king tropism.
 int piece_placement(const Game& game);
 
-// For a piece of either colour on the square, the better the greater.
+// For a piece of either colour on the square.
 int rook_mobility(const Game& game, int square);
 int bishop_mobility(const Game& game, int square);
 int knight_mobility(const Game& game, int square);
 
-/// For being close to the enemy king, from the piece's own point of view.
+/// Bonus for closeness to the enemy king, from the piece's own point of view.
 int king_tropism(int code, int square, int king_square);
 
 }  // namespace varn

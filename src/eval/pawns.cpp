@@ -13,7 +13,7 @@ namespace {
 
 // In centipawns.
 constexpr int doubled_pawns = -25;
-constexpr int tripled_pawns = -45;  // and more of them
+constexpr int tripled_pawns = -45;  // three or more
 constexpr int isolated_pawn = -11;
 constexpr int backward_pawn = -9;
 constexpr int passed_pawn = 10;
@@ -36,7 +36,7 @@ template <Side S> int doubled(const Game& g) {
     return score;
 }
 
-/// A pawn is isolated without a neighbour, and backward if all neighbours have gone ahead of it: one or the other.
+/// A pawn is isolated if it has no neighbours, and backward if all its neighbours are ahead of it.
 template <Side S> int isolated_and_backward(const Game& g) {
     int score = 0;
     for (Bitboard left = pawns_of<S>(g); left != 0;) {
@@ -53,7 +53,7 @@ template <Side S> int isolated_and_backward(const Game& g) {
 
 template <Side S> int structure(const Game& g) { return doubled<S>(g) + isolated_and_backward<S>(g); }
 
-/// The pawns that no enemy pawn can stop or capture on their way. A pawn of their own before them doesn't matter.
+/// Pawns without enemy pawns ahead on their own or the adjacent files. An own pawn in front doesn't matter.
 template <Side S> Bitboard passed_pawns(const Game& g) {
     Bitboard passed = 0;
     for (Bitboard left = pawns_of<S>(g); left != 0;) {
@@ -64,8 +64,8 @@ template <Side S> Bitboard passed_pawns(const Game& g) {
     return passed;
 }
 
-/// What passed pawns are worth: further ahead is better, a rook on the file helps from behind and hinders from before,
-/// whatever stands between.
+/// Passed pawns score more the further they are advanced. An own rook behind helps and an enemy rook in front hurts;
+/// pieces in between are ignored.
 template <Side S> int passed_score(const Game& g, Bitboard passed) {
     int score = 0;
     while (passed != 0) {
@@ -79,7 +79,7 @@ template <Side S> int passed_score(const Game& g, Bitboard passed) {
     return score;
 }
 
-/// On each of the files the pawn on the lowest square.
+/// The pawn on the lowest square of each of the files.
 // Kept: docs/compatibility.md#passed-pawns-by-file
 Bitboard first_on_files(Bitboard pawns, std::uint8_t files) {
     Bitboard first = 0;
@@ -131,7 +131,7 @@ void pawn_hash_clear(PawnTable& table) {
         ++table.generation;
         return;
     }
-    // The stamps have run out: wipe for real and start over.
+    // The generation counter is used up: clear the memory and start over.
     std::fill_n(table.entries.get(), table.slots.value, PawnEntry{});
     table.generation = 1;
 }

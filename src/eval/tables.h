@@ -1,8 +1,7 @@
-// The tables that only the evaluation reads: where the pieces stand well, what a passed pawn is worth, and a few
-// geometric boards. All are constants built by the compiler.
+// Constant tables of the evaluation: piece-square values, passed pawn bonuses and geometric masks.
 //
-// Square values are in centipawns and from the piece's own point of view. They are written down as a person sees the
-// board from white's side, rank 8 on top and the a-file on the left; black's are the same, turned over rank by rank.
+// Square values are in centipawns from the piece's own point of view. They are laid out as white sees the board, rank 8
+// on top and the a-file on the left; black's tables are mirrored by rank.
 #pragma once
 
 #include "board/geometry.h"
@@ -11,7 +10,7 @@ namespace varn {
 
 using SquareValues = PerSquare<std::int8_t>;
 
-/// The table of side S out of a board as white sees it.
+/// The table of side S from a board laid out as white sees it.
 template <Side S> constexpr SquareValues seen_by(const SquareValues& board) {
     SquareValues values{};
     for (int i = 0; i < square_count; ++i) values[own_square<S>(a8 - i)] = board[i];
@@ -54,7 +53,7 @@ inline constexpr SquareValues rook_squares = seen_by<S>({{
     0, 0, 4, 6, 6, 4, 0, 0,  //
 }});
 
-/// In halves of a centipawn.
+/// In half centipawns.
 template <Side S>
 inline constexpr SquareValues pawn_squares = seen_by<S>({{
     0, 0,  0,  0,   0,   0,  0,  0,  //
@@ -67,7 +66,7 @@ inline constexpr SquareValues pawn_squares = seen_by<S>({{
     0, 0,  0,  0,   0,   0,  0,  0,  //
 }});
 
-/// While the enemy has the pieces to attack: behind the pawns, on a wing.
+/// Middlegame: behind the pawns, on a wing.
 template <Side S>
 inline constexpr SquareValues king_squares_game = seen_by<S>({{
     -40, -40, -40, -40, -40, -40, -40, -40,  //
@@ -80,7 +79,7 @@ inline constexpr SquareValues king_squares_game = seen_by<S>({{
     0,   20,  10,  -20, 0,   -20, 20,  10,   //
 }});
 
-/// When the enemy has few pieces left: in the middle of the board.
+/// Endgame: in the centre.
 template <Side S>
 inline constexpr SquareValues king_squares_end = seen_by<S>({{
     0,  10, 20, 30, 30, 20, 10, 0,   //
@@ -93,7 +92,7 @@ inline constexpr SquareValues king_squares_end = seen_by<S>({{
     0,  10, 20, 30, 30, 20, 10, 0,   //
 }});
 
-/// How far a passed pawn has come, on top of what each passed pawn gets.
+/// Bonus by square, in addition to the bonus of every passed pawn.
 template <Side S>
 inline constexpr SquareValues passed_pawn_bonus = seen_by<S>({{
     0,   0,   0,   0,   0,   0,   0,   0,    //
@@ -108,10 +107,10 @@ inline constexpr SquareValues passed_pawn_bonus = seen_by<S>({{
 
 // --- Geometry -----------------------------------------------------------------------------------------------------
 
-/// Squares named from white's point of view, at the same places for side S.
+/// Squares named from white's point of view, mirrored for black.
 template <Side S> constexpr Bitboard own_squares(auto... squares) { return (bit_mask(own_square<S>(squares)) | ...); }
 
-/// The king moves from one square to another on an empty board.
+/// Number of king moves between two squares on an empty board.
 inline constexpr auto square_distance = [] {
     PerSquare<PerSquare<std::uint8_t>> distance{};
     for (int a = 0; a < square_count; ++a) {
@@ -124,7 +123,7 @@ inline constexpr auto square_distance = [] {
     return distance;
 }();
 
-/// All squares of the ranks above and below the square's own, whatever the file.
+/// All squares on the ranks below and above a square.
 inline constexpr auto ranks_below =
     per_square<Bitboard>([](int sq) { return bit_mask(square_of(rank_of(sq), 1)) - 1; });
 inline constexpr auto ranks_above =
@@ -132,24 +131,24 @@ inline constexpr auto ranks_above =
 template <Side S> constexpr Bitboard ranks_ahead(int square) { return choose<S>(ranks_above, ranks_below)[square]; }
 template <Side S> constexpr Bitboard ranks_behind(int square) { return ranks_ahead<other(S)>(square); }
 
-/// The files beside a file, by file number 1 to 8; slot 0 is empty.
+/// Adjacent files by file number 1 to 8; slot 0 is empty.
 inline constexpr auto adjacent_files = [] {
     Table<Bitboard, 9> files{};
     for (int file = 1; file <= 8; ++file) files[file] = file_masks[file - 1] | (file < 8 ? file_masks[file + 1] : 0);
     return files;
 }();
 
-/// The files that hold a piece of the board, as a byte: bit n stands for file number n + 1.
+/// The files with at least one bit set, as a byte: bit n is file n + 1.
 constexpr std::uint8_t files_of(Bitboard board) {
     board |= board >> 32;
     board |= board >> 16;
     board |= board >> 8;
     return static_cast<std::uint8_t>(board);
 }
-/// All squares of such files.
+/// All squares of these files.
 constexpr Bitboard whole_files(std::uint8_t files) { return files * file_masks[1]; }
 
-/// The block of up to 5 by 5 squares round a king, without its own square.
+/// The 5 by 5 block around a king, without its own square.
 inline constexpr auto king_zone = per_square<Bitboard>([](int sq) {
     Bitboard zone = 0;
     for (int target = 0; target < square_count; ++target) {
@@ -158,7 +157,7 @@ inline constexpr auto king_zone = per_square<Bitboard>([](int sq) {
     return zone;
 });
 
-/// The squares beside a king of side S and the three squares two ranks ahead of it.
+/// The squares around a king of side S, and the three squares two ranks ahead of it.
 template <Side S> constexpr Bitboard king_region(int square) {
     const int two_ahead = 2 * sign_of<S>;
     return king_moves[square] | step(square, two_ahead, -1) | step(square, two_ahead, 0) | step(square, two_ahead, 1);

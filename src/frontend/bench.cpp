@@ -24,7 +24,7 @@ BenchTotal run_bench(int depth, const BenchListener& listener) {
     std::uint64_t total = 0;
     for (const char* text : bench_positions) {
         set_position(*game, text);
-        complete_record(*game);  // the same keys whatever was searched before
+        complete_record(*game);  // keys independent of earlier searches
         clear_for_position(*search);
         think(*search, *game, {.depth = depth}, {});
         listener(text, search->search_nodes);

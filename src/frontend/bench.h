@@ -1,5 +1,4 @@
-// Searches of fixed depth over a dozen positions with fixed hash numbers: their total of nodes is the signature of the
-// search.
+// Fixed-depth searches of a dozen positions with fixed hash numbers. The total of nodes is the signature of the search.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +9,8 @@ namespace varn {
 inline constexpr int bench_depth = 9;
 
 inline constexpr const char* bench_positions[] = {
-    "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -",               // nothing settled yet
-    "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -",   // everything hangs
+    "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -",               // starting position
+    "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -",   // many captures
     "r1bq1rk1/pp2bppp/2n1pn2/3p4/2PP4/2N1PN2/PP3PPP/R2QKB1R w KQ -",      // a quiet middle game
     "r1bqkb1r/pp1n1ppp/2p1pn2/3p4/2PP4/2N1PN2/PP3PPP/R1BQKB1R w KQkq -",  // an opening with tension
     "2rr3k/pp3pp1/1nnqbN1p/3pN3/2pP4/2P3Q1/PPB4P/R4RK1 w - -",            // an attack on the king
@@ -29,11 +28,11 @@ struct BenchTotal {
     double seconds;
 };
 
-/// Told of each position and the nodes of its search, all iterations together.
+/// Called after each position with the nodes of all iterations.
 using BenchListener = std::function<void(const char* position, std::uint64_t nodes)>;
 
-/// Draws the hash numbers anew, from a fixed seed: no game may exist. Nothing is searched, and the total is 0, where
-/// there isn't memory enough.
+/// Redraws the hash numbers from a fixed seed, so no game may exist. If memory is short nothing is searched and the
+/// total is 0.
 BenchTotal run_bench(int depth, const BenchListener& listener);
 
 }  // namespace varn

@@ -13,10 +13,10 @@ namespace varn {
 namespace {
 
 // Kept: docs/compatibility.md#book-rows
-constexpr int last_book_ply = 20;       // moves with a greater number in the game end the book
-constexpr std::size_t move_length = 4;  // characters of a move in a row
+constexpr int last_book_ply = 20;       // no book moves after this ply
+constexpr std::size_t move_length = 4;  // characters per move
 
-/// The next row of the file, its line end taken off; none at the end of the file.
+/// The next row of the file without its line end; none at the end of the file.
 std::optional<std::string> read_row(std::FILE* file) {
     char buffer[book_row_length + 1];
     if (std::fgets(buffer, sizeof buffer, file) == nullptr) return std::nullopt;
@@ -25,7 +25,7 @@ std::optional<std::string> read_row(std::FILE* file) {
     return row;
 }
 
-/// The moves of the game as a row has them; none where the game is too long for the book.
+/// The game's moves in the form of a row; none if the game is too long for the book.
 std::optional<std::string> text_of_game(const Game& game) {
     if (game.move_counter > last_book_ply + 1) return std::nullopt;
     std::string text;
@@ -38,8 +38,8 @@ bool is_candidate(std::string_view row, std::string_view text) {
     return row.starts_with(text) && !ends_by_comma;
 }
 
-/// One of as many rows as go on from the text, from the first such row on: of a sorted book, one of those that do.
-/// Empty where there is none.
+/// A random row among as many rows as continue the text, counted from the first such row: in a sorted book these are
+/// the rows that continue it. Empty if there is none.
 std::string_view draw_row(Book& book, std::string_view text) {
     const auto fits = [text](std::string_view row) { return is_candidate(row, text); };
     const auto candidates = std::ranges::count_if(book.rows, fits);

@@ -1,4 +1,4 @@
-// Lines of input as commands, for every front end: what fits a command, and what a blank is.
+// Matching of input lines with commands, for all front ends.
 #pragma once
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 namespace varn {
 
-/// What of a line a command's text must equal. Lines keep their newline.
+/// How much of a line must equal the command's text. Lines keep their newline.
 enum class Match : std::uint8_t { whole_line, beginning };
 
 constexpr bool fits(std::string_view line, std::string_view text, Match match) {
@@ -20,7 +20,7 @@ constexpr std::string_view without_leading_blanks(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(blanks), text.size()));
 }
 
-/// Takes the first word off the front of the text, blanks before it included; empty where there is none.
+/// Removes and returns the first word of the text, skipping blanks; empty if there is none.
 constexpr std::string_view take_word(std::string_view& text) {
     text = without_leading_blanks(text);
     const std::string_view word = text.substr(0, text.find_first_of(blanks));
@@ -28,7 +28,8 @@ constexpr std::string_view take_word(std::string_view& text) {
     return word;
 }
 
-/// Takes all that stands before the word off the front of the text, and the word; all of it where the word isn't there.
+/// Removes everything up to and including the word, and returns the part before it; all of the text if the word is
+/// missing.
 constexpr std::string_view take_before(std::string_view& text, std::string_view word) {
     const std::string_view whole = text;
     std::string_view taken = take_word(text);

@@ -10,7 +10,7 @@ namespace varn {
 
 namespace {
 
-/// Says the message if the values differ; returns whether they do.
+/// Prints the message if the values differ; returns whether they do.
 template <typename T> bool differs(const T& a, const T& b, const char* message) {
     if (a == b) return false;
     say_text(message);
@@ -31,7 +31,7 @@ constexpr NamedBoard boards[] = {
     {&Game::b_king, "b_king"},     {&Game::b_pawns, "b_pawns"},     {&Game::enpassant, "enpassant"},
 };
 
-/// Says every difference; returns how many there are.
+/// Prints all differences; returns their number.
 int count_differences(const Game& a, const Game& b) {
     int found = 0;
     found += differs(a.zobrist_key, b.zobrist_key, "Zobrist keys do not match!\n");

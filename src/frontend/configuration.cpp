@@ -13,7 +13,7 @@ namespace {
 enum class Zero : bool { keeps_default, is_value };
 
 struct Setting {
-    std::string_view key;  // with the blank behind it
+    std::string_view key;  // including the blank after it
     std::int32_t& value;
     Zero zero;
 };
@@ -40,8 +40,8 @@ std::optional<Configuration> read_configuration() {
     const File file = open_for_reading("varn.ini");
     if (file == nullptr) return std::nullopt;
     Configuration configuration;
-    // A longer line goes on as a line of its own. Kept: docs/compatibility.md#long-lines-of-the-settings
-    constexpr int most_lines = 10000;  // so that a file without an end is given up
+    // The rest of a longer line is read as another line. Kept: docs/compatibility.md#long-lines-of-the-settings
+    constexpr int most_lines = 10000;  // limit for endless files
     char line[100];
     for (int n = 0; n < most_lines && std::fgets(line, sizeof line, file.get()) != nullptr; ++n) {
         read_setting(configuration, line);

@@ -15,7 +15,7 @@ void switch_turn(Game& game) {
     game.zobrist_key ^= zobrist_side_number;
 }
 
-/// The game's moves start from the position in which the game stands.
+/// Makes the current position the base position.
 void set_base_position(Engine& engine) {
     engine.base_position = *engine.game;
     engine.passes.clear();
@@ -58,7 +58,7 @@ void pass_turn(Engine& engine) {
     switch_turn(*engine.game);
     std::vector<int>& passes = engine.passes;
     if (!passes.empty() && passes.back() == engine.game->move_counter) {
-        passes.pop_back();  // there and back again
+        passes.pop_back();  // two passes in a row cancel
     } else {
         passes.push_back(engine.game->move_counter);
     }

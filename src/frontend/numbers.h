@@ -1,4 +1,4 @@
-// Whole numbers out of a line of text, as a person or a program types them.
+// Parsing of integers.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 
 namespace varn {
 
-/// Takes a number off the front of the text: blanks before it, a sign, digits. A number that a signed 32-bit word can't
-/// hold becomes the nearest that it can. Where there is none the text stays as it is.
+/// Removes a number from the front of the text: blanks, sign, digits. Numbers outside 32 bits are clamped. If there is
+/// none the text is unchanged.
 std::optional<std::int32_t> take_number(std::string_view& text);
 
 }  // namespace varn

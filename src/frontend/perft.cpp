@@ -18,7 +18,7 @@ struct PerftPly {
     UndoRecord undo;
 };
 
-/// Side S is to move; the depth left serves as ply, so that each level has a record of its own.
+/// Side S is to move. `depth`, the remaining depth, also indexes `plies`.
 template <Side S> std::uint64_t count_leaves(Game& game, std::vector<PerftPly>& plies, std::size_t depth) {
     if (depth == 0) return 1;
     std::uint64_t leaves = 0;
@@ -34,7 +34,7 @@ template <Side S> std::uint64_t count_leaves(Game& game, std::vector<PerftPly>& 
     return leaves;
 }
 
-/// The same through the staged picker, on the plies and with the window of a search's main line.
+/// The same through the move picker, with the window of a principal variation node.
 std::uint64_t advperft_count(Search& s, Game& game, int depth, int ply) {
     if (depth == 0) return 1;
     std::uint64_t leaves = 0;
@@ -48,8 +48,8 @@ std::uint64_t advperft_count(Search& s, Game& game, int depth, int ply) {
     return leaves;
 }
 
-/// The picker as a search of this depth meets it: the clock runs, else the internal searches would give it nothing.
-/// Whether a search may run afterwards is as it was before.
+/// Sets up the search as for this depth. The clock must run, or internal iterative deepening would find nothing; it is
+/// restored afterwards.
 std::uint64_t count_as_a_search(Search& s, Game& game, int depth) {
     const std::uint32_t ran_before = s.clock.clock_running;
     const std::uint32_t start_before = s.clock.clock_start_ms;

@@ -1,5 +1,5 @@
-// Counting the leaves of the move tree: how the engine checks its generators, make and unmake, and times them, and how
-// it checks that the search's move picker loses no move and gives none twice.
+// Perft: counts the leaves of the move tree, to check and time move generation, make and unmake, and to check that the
+// move picker returns every legal move exactly once.
 #pragma once
 
 #include <cstdint>
@@ -8,15 +8,15 @@
 
 namespace varn {
 
-/// Legal lines of `depth` plies; 1 for a depth of 0. The game is the same afterwards.
+/// Number of legal lines of `depth` plies; 1 for depth 0. The game is unchanged afterwards.
 std::uint64_t count_leaves(Game& game, int depth);
 
-/// Counts the legal lines of `depth` plies, 0 to 499, and prints the count with the time it took. Where make and unmake
-/// don't leave the game as it was, the process ends with a report and status 1.
+/// Counts the legal lines of `depth` plies, 0 to 499, and prints count and time. If make and unmake corrupt the game
+/// the process ends with a report and status 1.
 void perft(const Game& game, int depth);
 
-/// The same through the move picker, with the hash moves, killers and history that earlier searches left, and with
-/// internal searches, which may run for `time_limit_ms` in all; once that is used up only they stay away.
+/// The same through the move picker, with the hash moves, killers and history of earlier searches, and with internal
+/// iterative deepening. That may run for `time_limit_ms` in total; after that only it is skipped.
 void advperft(Search& s, const Game& game, int depth);
 
 }  // namespace varn

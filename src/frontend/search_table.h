@@ -1,4 +1,4 @@
-// What the search tells of itself, as lines for people and for chess programs.
+// Search output as text lines.
 #pragma once
 
 #include <string>
@@ -7,13 +7,13 @@
 
 namespace varn {
 
-/// A line's moves from a position in short algebraic form, as far as they follow from one another.
+/// The moves of a line in algebraic notation, as far as they are legal.
 std::string line_text(const Game& game, const PvLine& line);
 
 enum class QuiescentColumn : bool { left_out, shown };
 
-/// One line of output: depth, score, hundredths of a second, nodes, quiescent nodes where they are shown, and the main
-/// line.
+/// Prints one line: depth, score, time in hundredths of a second, nodes, quiescent nodes if wanted, and the principal
+/// variation.
 void print_search_line(const SearchReport& report, QuiescentColumn column);
 
 }  // namespace varn

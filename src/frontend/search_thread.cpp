@@ -7,7 +7,7 @@ namespace varn {
 
 namespace {
 
-// A ply of the search takes some hundred bytes of stack, and the deepest line has 500 plies; sanitizers need more.
+// A search ply needs some hundred bytes of stack, and there are up to 500 plies; sanitizers need more.
 constexpr std::size_t search_stack_bytes = 8U << 20U;
 
 void* run_work(void* thread) {

@@ -1,5 +1,4 @@
-// A search on a second thread, while the main thread goes on reading. It is stopped by its clock, never by a message,
-// and always joined.
+// A search on a second thread while the main thread keeps reading input. It is stopped by its clock and always joined.
 #pragma once
 
 #include <pthread.h>
@@ -10,15 +9,15 @@ namespace varn {
 
 struct SearchThread {
     pthread_t thread = {};
-    std::function<void()> work;  // the thread's own from its start until it is joined
-    bool is_active = false;      // started and not yet joined; the work itself may have ended
+    std::function<void()> work;  // owned by the thread until it is joined
+    bool is_active = false;      // started and not yet joined; the work may be finished
 };
 
-/// Starts the work on a thread with a stack large enough for the deepest search. The last work must have been joined.
-/// False where no thread can be had.
+/// Starts the work on a thread with enough stack for the deepest search. The previous work must have been joined.
+/// Returns false if no thread can be created.
 bool start_thread(SearchThread& thread, std::function<void()> work);
 
-/// Waits for the work to end; nothing where none was started.
+/// Waits for the work to end, if any was started.
 void join_thread(SearchThread& thread);
 
 }  // namespace varn

@@ -11,8 +11,8 @@ namespace varn {
 
 namespace {
 
-/// On whichever thread: nothing is left unwritten that the process had said or logged.
-[[noreturn]] void end_without_memory() {
+/// May run on any thread; flushes all output first.
+[[noreturn]] void exit_out_of_memory() {
     say_text("error: out of memory.\n");
     std::_Exit(1);
 }
@@ -27,7 +27,7 @@ std::uint64_t clock_seed() {
 }
 
 void set_up_process() {
-    std::set_new_handler(end_without_memory);
+    std::set_new_handler(exit_out_of_memory);
     set_up_output();
     draw_hash_numbers(clock_seed());
 }

@@ -1,4 +1,4 @@
-// The order in which the engine comes to life.
+// Start-up sequence.
 #pragma once
 
 #include <cstdint>
@@ -8,15 +8,15 @@
 
 namespace varn {
 
-/// What every program of the engine begins with: output, what to do where memory runs out, and the hash numbers, which
-/// differ from run to run. After this games may exist; all other tables are built by the compiler.
+/// First call of every program: sets up output, the out-of-memory handler and the hash numbers, which differ from run
+/// to run. No game may exist before; all other tables are compile-time constants.
 void set_up_process();
 
-/// A seed that differs from start to start.
+/// A seed that differs between runs.
 std::uint64_t clock_seed();
 
-/// Reads the settings and the book, and sets up the first game with tables of the sizes set. A missing settings file or
-/// too little memory ends the process with a message and status 1.
+/// Reads the settings and the book, allocates the tables and sets up the first game. A missing settings file or too
+/// little memory ends the process with a message and status 1.
 std::unique_ptr<Engine> start_up();
 
 }  // namespace varn

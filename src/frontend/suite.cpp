@@ -14,7 +14,8 @@ namespace varn {
 
 namespace {
 
-/// What a run says, here and in its log. Each text reaches the log at once: a position may end the process.
+/// Output of a run, on standard output and in the log. Every text is flushed to the log: a position may end the
+/// process.
 class Report {
 public:
     explicit Report(const std::string& log_name)
@@ -27,7 +28,7 @@ public:
         is_complete_ = std::fflush(log_.get()) == 0 && written && is_complete_;
     }
     void say_both(const std::string& text) { say_here_and_log(text, text); }
-    /// Whether the log holds all that was said.
+    /// Returns whether the log was written completely.
     bool close() { return std::fclose(log_.release()) == 0 && is_complete_; }
 
 private:
@@ -35,7 +36,7 @@ private:
     bool is_complete_ = true;
 };
 
-/// The next line with its newline. One longer than `longest_line` is read no further than it takes to see that.
+/// The next line with its newline. Lines longer than `longest_line` are read only just beyond that.
 std::optional<std::string> next_line(std::FILE* suite) {
     std::string line;
     while (line.size() <= longest_line && !line.ends_with('\n')) {
@@ -46,7 +47,7 @@ std::optional<std::string> next_line(std::FILE* suite) {
     return line.empty() ? std::nullopt : std::optional(line);
 }
 
-/// A run over a suite: the engine that plays it and whoever hears its searches.
+/// State of a run.
 struct SuiteRun {
     Engine& engine;
     const SearchListener& listener;
@@ -54,7 +55,7 @@ struct SuiteRun {
     Game& game;
 };
 
-/// The move that the engine gives for the position of a line; none, with the reason said, where it can't give one.
+/// The engine's move for a line's position; none, with a message, if there is none.
 std::optional<Move> move_for(SuiteRun& run, const std::string& line) {
     print_remarks(set_position(run.game, line));
     clear_for_position(*run.engine.search);
@@ -101,7 +102,7 @@ void play_suite(SuiteRun& run, std::FILE* suite) {
 void run_suite(Engine& engine, const std::string& suite_name, const std::string& log_name,
                const SearchListener& listener) {
     engine.book_enabled = false;
-    std::error_code unknown;  // a file that isn't there is no other file either
+    std::error_code unknown;  // a missing log is not the suite
     if (std::filesystem::equivalent(suite_name, log_name, unknown)) {
         say_text("error: the log would overwrite the test suite. cannot run test suite.\n");
         return;

@@ -1,8 +1,7 @@
-// Test suites: files of positions with the moves that solve them, played through by the engine, which keeps score.
+// Test suites: files of positions with their best moves, solved by the engine, which keeps score.
 //
-// A line of a suite begins with a position as `set_position` reads it. Behind it, anywhere and in any form, stand the
-// moves that solve it in the engine's own short algebraic form: the engine's move solves the position if its text
-// occurs in the line.
+// A line starts with a position as read by `set_position`. The best moves follow in any form, in the engine's algebraic
+// notation: a position counts as solved if the text of the engine's move occurs in the line.
 #pragma once
 
 #include <string>
@@ -11,9 +10,9 @@
 
 namespace varn {
 
-/// Plays the positions of a suite, each with the present time limit, and reports on standard output and in the log,
-/// which is created or overwritten. A position that can't be played, or in which the game is over, isn't solved, and
-/// the report says why. The book is off afterwards; no game but the run's own is touched.
+/// Solves the positions of a suite with the current time limit and reports on standard output and in the log, which is
+/// created or overwritten. A position that can't be played, or is over, counts as unsolved, with a reason. The book is
+/// switched off; only the run's own game is changed.
 void run_suite(Engine& engine, const std::string& suite_name, const std::string& log_name,
                const SearchListener& listener);
 

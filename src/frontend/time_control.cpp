@@ -9,12 +9,12 @@ namespace varn {
 
 namespace {
 
-constexpr std::int64_t held_back_ms = 20;  // for everything that isn't search
+constexpr std::int64_t reserve_ms = 20;  // overhead outside the search
 constexpr std::int64_t increment_reserve_ms = 50;
 constexpr std::int64_t shortest_search_ms = 10;
-constexpr std::int64_t short_clock_ms = 1000;  // with less, what a move takes beside its search counts
-constexpr std::int64_t moves_planned = 30;     // an increment game is planned as if so many moves were to come
-constexpr std::int64_t moves_assumed = 40;     // before any `level`
+constexpr std::int64_t short_clock_ms = 1000;  // below this, overhead outside the search matters
+constexpr std::int64_t moves_planned = 30;     // expected remaining moves in increment games
+constexpr std::int64_t moves_assumed = 40;     // moves per control before any `level`
 
 std::int64_t moves_to_go(const TimeControl& control) {
     return control.time_mode == TimeMode::none ? moves_assumed : std::max(1, control.turns_left);
@@ -48,7 +48,7 @@ void set_level(TimeControl& control, std::string_view numbers) {
 }
 
 Allocation allocate_time(const TimeControl& control, std::int32_t centiseconds) {
-    const std::int64_t remaining_ms = std::int64_t{10} * centiseconds - held_back_ms;
+    const std::int64_t remaining_ms = std::int64_t{10} * centiseconds - reserve_ms;
     const std::int32_t planned_ms = limit(std::max(share_of(control, remaining_ms), shortest_search_ms));
     const std::int64_t highest_ms = remaining_ms < short_clock_ms ? remaining_ms / 20 : remaining_ms * 9 / 10;
     return {remaining_ms, planned_ms, std::min(planned_ms, limit(highest_ms))};
@@ -60,8 +60,8 @@ std::int32_t allocate_time(const GameClock& clock, std::int64_t overhead_ms) {
     const std::int64_t increment_ms = std::clamp<std::int64_t>(clock.increment_ms, 0, longest_ms);
     const std::int64_t usable_ms = std::max<std::int64_t>(0, time_ms - overhead_ms);
     const std::int64_t moves = clock.moves_to_go > 0 ? std::min(clock.moves_to_go, moves_planned) : moves_planned;
-    // A move never takes so much that the clock could not bear some moves more; the last one before the control may. A
-    // part of the increment is kept, so that a long game ends with something on the clock.
+    // A single move may use a quarter of the clock, the last one before the time control more. Part of the increment is
+    // saved, so that some time is left in long games.
     const std::int64_t highest_ms = clock.moves_to_go == 1 ? usable_ms * 4 / 5 : usable_ms / 4;
     const std::int64_t share_ms = usable_ms / moves + increment_ms * 3 / 4;
     return limit(std::max<std::int64_t>(1, std::min(share_ms, highest_ms)));

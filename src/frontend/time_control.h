@@ -1,4 +1,4 @@
-// The clock of a game: how it is dealt out, and how much of the time left a move may use.
+// Time management: how much of the remaining time a move may use.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@ namespace varn {
 
 enum class TimeMode : std::uint8_t { none, moves_per_control, increment };
 
-/// What a front end knows of the game's clock. It outlasts a game: until the next `level` the old control stands.
+/// The time control of a front end. It is kept across games until the next `level`.
 struct TimeControl {
     TimeMode time_mode = TimeMode::none;
     std::int32_t moves_per_control = 0;
@@ -16,32 +16,31 @@ struct TimeControl {
     std::int64_t increment_ms = 0;
 };
 
-/// Reads the numbers behind the word of a `level` line: moves per control, base time in minutes, increment in seconds.
-/// With no moves per control it is an increment game. A number that can't be read ends the line, and counts as 0 with
-/// all behind it; without the first the line changes nothing.
+/// Reads the numbers of a `level` line: moves per control, base time in minutes, increment in seconds. 0 moves per
+/// control means an increment game. An unreadable number and all after it count as 0; if the first is unreadable
+/// nothing changes.
 void set_level(TimeControl& control, std::string_view numbers);
 
-/// What a move may use of the clock, in milliseconds.
+/// Time for one move, in milliseconds.
 struct Allocation {
-    std::int64_t remaining_ms;  // what the clock holds, less what is held back for everything that isn't search
-    std::int32_t planned_ms;    // the move's share of it
-    std::int32_t limit_ms;      // what bounds the search: the share, but never past the clock, nor near its end
+    std::int64_t remaining_ms;  // time on the clock minus overhead
+    std::int32_t planned_ms;    // the move's share
+    std::int32_t limit_ms;      // limit of the search: the share, well within the clock
 };
 
 Allocation allocate_time(const TimeControl& control, std::int32_t centiseconds);
 
-/// The clock of the side to move, as a client tells it before a move.
+/// The clock of the side to move, as sent by a client before a move.
 struct GameClock {
     std::int64_t time_ms;
     std::int64_t increment_ms = 0;
-    std::int64_t moves_to_go = 0;  // until the next control; 0: the time is for the rest of the game
+    std::int64_t moves_to_go = 0;  // until the next time control; 0: sudden death
 };
 
-/// What bounds the search of a move, in milliseconds: its share of the time, with what every move loses beside search
-/// taken off, and never more than the clock allows.
+/// The time limit of a search in milliseconds: the move's share minus overhead, never more than the clock allows.
 std::int32_t allocate_time(const GameClock& clock, std::int64_t overhead_ms);
 
-/// The engine has answered a move: one less to go until the next control.
+/// Counts a move of the engine towards the next time control.
 void count_turn(TimeControl& control);
 
 }  // namespace varn

@@ -1,11 +1,10 @@
-// What the programs call themselves.
+// Name of the programs.
 #pragma once
 
 #include <string_view>
 
 namespace varn {
 
-/// Name and version; the version is that of the build.
 inline constexpr std::string_view program_name = "Varn " VARN_VERSION;
 
 }  // namespace varn

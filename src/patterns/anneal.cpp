@@ -28,7 +28,7 @@ void shuffle(std::vector<Pattern>& patterns, Choices& choices) {
     }
 }
 
-/// Anneals in portions, and after each of about a second tells a terminal how far it is.
+/// Anneals in chunks and shows the progress on a terminal, about once per second.
 void anneal_with_progress(PatternList& list, std::uint64_t moves, Choices& choices, UniformState& acceptance) {
     constexpr std::uint64_t portion = 1 << 24;
     const bool is_watched = isatty(STDERR_FILENO) == 1;
@@ -48,7 +48,7 @@ void anneal_with_progress(PatternList& list, std::uint64_t moves, Choices& choic
     if (is_watched) static_cast<void>(std::fputc('\n', stderr));
 }
 
-/// Gives null, with a message, where there is nothing to anneal.
+/// Returns null, with a message, if there is nothing to anneal.
 std::unique_ptr<PatternList> anneal_file(Game& game, const PositionReader& position_read, std::uint64_t moves,
                                          bool& has_room) {
     has_room = true;

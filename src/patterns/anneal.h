@@ -1,5 +1,5 @@
-// The annealing of king-and-pawn patterns: random merges and splits of boxes, which keep the set of positions that they
-// cover and make the boxes fewer.
+// Annealing of king-and-pawn patterns: random merges and splits of boxes that keep the covered set of positions and
+// reduce the number of boxes.
 #pragma once
 
 #include <memory>
@@ -8,31 +8,31 @@
 
 namespace varn {
 
-/// Moves of a whole run: the better part of an hour, or more.
+/// Moves of a full run, which takes the better part of an hour or more.
 inline constexpr std::uint64_t kpk_moves = 100'000'000'000;
 
-/// Random merges and splits, so many in all: as many tries of one as of the other, but few of the splits are made. The
-/// list must not be empty.
+/// Random merges and splits, `moves` in total: both are tried equally often, but few splits are accepted. The list must
+/// not be empty.
 void anneal(PatternList& list, std::uint64_t moves, Choices& choices, UniformState& acceptance);
 
-/// The last run of the pattern tool: its boxes, which may be an hour's work.
+/// The last annealing run. Its boxes may be an hour's work.
 struct AnnealRun {
     std::unique_ptr<PatternList> list;
-    bool is_written = true;  // false: the boxes couldn't be written, and the next call tries once more
-    bool has_room = true;    // false: there are none, since they couldn't have been written
+    bool is_written = true;  // false: writing failed; the next call retries
+    bool has_room = true;    // false: there are no boxes because they couldn't have been written
 };
 
-/// The whole run: reads the file `kpkbb`, anneals the positions with result 0, writes `wkpk.eb`, and says how far it
-/// is. Leaves the boxes in `run`, or none, with a message, where there is no file or no such position, or no room for
-/// the result. The game holds the last position read; `position_read` is told of each. A terminal on the error stream
-/// is shown the progress.
+/// A full run: reads the file `kpkbb`, anneals the positions with result 0, writes `wkpk.eb`, and reports. Leaves the
+/// boxes in `run`, or none, with a message, if there is no file, no such position, or no room for the result. The game
+/// holds the last position read; `position_read` is called for each. Progress is shown if the error stream is a
+/// terminal.
 ///
-/// What couldn't be written isn't lost: the next call does nothing but to try once more to write it.
+/// If writing failed, the next call only tries to write again.
 void anneal_kpk(AnnealRun& run, Game& game, const PositionReader& position_read, std::uint64_t moves = kpk_moves);
 
-/// To be called before the boxes of the run are gone with the process. What couldn't be written is tried once more, and
-/// where that fails again it goes to the folder for temporary files, which is said. Returns whether nothing is astray:
-/// false, too, where a run didn't begin because its result couldn't be written.
+/// Call before the process ends. Retries to write unwritten boxes, and if that fails writes them to the folder for
+/// temporary files, with a message. Returns whether nothing went wrong: also false if a run didn't start because its
+/// result couldn't be written.
 bool settle_patterns(AnnealRun& run);
 
 }  // namespace varn

@@ -1,4 +1,4 @@
-// The two sources of chance of the annealing: the choices of boxes and squares, and the acceptance of a split.
+// Random sources of the annealing: choices of boxes and squares, and acceptance of splits.
 #pragma once
 
 #include <algorithm>
@@ -8,15 +8,14 @@
 
 namespace varn {
 
-/// Many small choices out of few draws. A draw of 64 bits is a fraction between 0 and 1; multiplying it by a range
-/// splits it into the choice, which is the whole part, and a fraction again, which holds the next choice. Of the
-/// outcomes that the choices from one draw have together, none is more than 2^-32 of its share likelier than another:
-/// before they become too many for that, there is a new draw.
+/// Many small choices from few draws. A 64-bit draw is a fraction between 0 and 1; multiplied by a range, its whole
+/// part is the choice and its fraction holds the next ones. There is a new draw before the bias of any combination of
+/// choices could exceed 2^-32.
 class Choices {
 public:
     explicit constexpr Choices(std::uint64_t seed) : source_(seed) { renew(); }
 
-    /// Draws anew. Never needed, but it frees what follows from waiting for the choices made before.
+    /// Draws early. Never necessary, but it removes the dependency on earlier choices.
     constexpr void renew() {
         fraction_ = source_.next();
         outcomes_ = 1;
@@ -40,19 +39,19 @@ private:
 
     RandomSource source_;
     std::uint64_t fraction_ = 0;
-    std::uint64_t outcomes_ = 1;  // how many combinations of choices the present draw has told apart
+    std::uint64_t outcomes_ = 1;  // combinations of choices taken from the current draw
 };
 
-/// The state of `uniform_random`. Before the first call only `value` counts: the seed.
+/// State of `uniform_random`. Initially only `value`, the seed, is set.
 struct UniformState {
     std::int32_t value;
     std::int32_t last = 0;  // 0: not started
     Table<std::int32_t, 32> shuffle = {};
 };
 
-/// A real number in 0..1, ends excluded, by the minimal standard generator of Park and Miller with the shuffle of Bays
-/// and Durham. A seed of 0 or less starts the generator from its absolute value, at least 1; a positive one starts it
-/// from 1, so that its sequence is the same in every run.
+/// A real number in 0..1, both exclusive: the minimal standard generator of Park and Miller with the Bays-Durham
+/// shuffle. A seed of 0 or less starts the generator from its absolute value, at least 1; a positive one starts it from
+/// 1, so that every run has the same sequence.
 inline double uniform_random(UniformState& state) {
     constexpr std::int32_t modulus = 2147483647;
     constexpr double largest = 0.99999988;

@@ -59,7 +59,7 @@ std::string placement_text(Placement placement) {
 }
 
 void print_kpk_script(Game& game) {
-    constexpr std::size_t chunk = 1 << 16;  // far fewer writes than lines
+    constexpr std::size_t chunk = 1 << 16;  // flush size
     std::string script;
     for (const Placement placement : kpk_placements()) {
         const std::string text = placement_text(placement);

@@ -1,4 +1,4 @@
-// All placements of a king and a pawn against a king that can arise with white to move.
+// All legal placements of king and pawn against king with white to move.
 #pragma once
 
 #include <string>
@@ -14,15 +14,15 @@ struct Placement {
     std::uint8_t black_king;
 };
 
-/// In the order of the white king's square, then the pawn's, then the black king's. No two pieces share a square, the
-/// pawn stands on ranks 2 to 7, the kings don't touch, and the pawn doesn't attack the black king.
+/// Ordered by white king, pawn and black king square. No two pieces share a square, the pawn is on ranks 2 to 7, the
+/// kings don't touch, and the pawn doesn't attack the black king.
 std::vector<Placement> kpk_placements();
 
-/// The position text with white to move, no rights and fresh counters.
+/// The position text with white to move.
 std::string placement_text(Placement placement);
 
-/// Prints a script for a program that solves positions: three lines for every placement, which set it, show it and ask
-/// for a move. The game holds the last placement afterwards.
+/// Prints a script for a program that solves positions: three lines per placement, which set it, show it and ask for a
+/// move. Afterwards the game holds the last placement.
 void print_kpk_script(Game& game);
 
 }  // namespace varn

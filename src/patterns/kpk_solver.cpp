@@ -8,24 +8,24 @@ namespace {
 
 constexpr std::uint8_t as_square(int square) { return static_cast<std::uint8_t>(square); }
 
-/// What a rook or a queen on `square` attacks with these pieces on the board.
-Bitboard slider_attacks(Man man, int square, Bitboard men) {
-    Bitboard attacks = rank_attacks[square][line_index(men, rank_line[square])] |
-                       file_attacks[square][line_index(rotate_90(men), file_line[square])];
-    if (man == queen) {
-        attacks |= r45f_attacks[square][line_index(rotate_45f(men), r45f_line[square])] |
-                   r45b_attacks[square][line_index(rotate_45b(men), r45b_line[square])];
+/// Attacks of a rook or queen with the given occupancy.
+Bitboard slider_attacks(PieceType type, int square, Bitboard pieces) {
+    Bitboard attacks = rank_attacks[square][line_index(pieces, rank_line[square])] |
+                       file_attacks[square][line_index(rotate_90(pieces), file_line[square])];
+    if (type == queen) {
+        attacks |= r45f_attacks[square][line_index(rotate_45f(pieces), r45f_line[square])] |
+                   r45b_attacks[square][line_index(rotate_45b(pieces), r45b_line[square])];
     }
     return attacks;
 }
 
-/// Whether a fresh queen or rook on `target` wins against the black king, who is to move.
-bool promotion_wins(Man man, int white_king, int target, int black_king) {
+/// Whether a new queen or rook on `target` wins with black to move.
+bool promotion_wins(PieceType type, int white_king, int target, int black_king) {
     const Bitboard guarded = king_moves[white_king];
     const Bitboard black_moves = king_moves[black_king] & ~guarded;
     if ((black_moves & bit_mask(target)) != 0) return false;
-    // Lines go on behind the black king: he can't step back out of a check along its line.
-    const Bitboard attacked = slider_attacks(man, target, bit_mask(white_king));
+    // The black king is transparent: it can't retreat along the line of a check.
+    const Bitboard attacked = slider_attacks(type, target, bit_mask(white_king));
     const bool in_check = (attacked & bit_mask(black_king)) != 0;
     return in_check || (black_moves & ~attacked) != 0;
 }
@@ -52,8 +52,8 @@ bool white_wins(const KpkWins& wins, Placement at) {
 bool black_loses(const KpkWins& wins, Placement at) {
     const Bitboard pawn_attacked = pawn_attacks<Side::white>[at.pawn];
     Bitboard targets = king_moves[at.black_king] & ~king_moves[at.white_king] & ~pawn_attacked;
-    if (targets == 0) return (pawn_attacked & bit_mask(at.black_king)) != 0;  // mate, else stalemate
-    // Where the pawn itself is a target, what is left can't arise and isn't won.
+    if (targets == 0) return (pawn_attacked & bit_mask(at.black_king)) != 0;  // mate or stalemate
+    // If the king captures the pawn, the index is one that is never set.
     while (targets != 0) {
         if (!wins.white_to_move[kpk_index({at.white_king, at.pawn, as_square(pop_first(targets))})]) return false;
     }
@@ -75,7 +75,7 @@ std::vector<Placement> placements_for_black(const std::vector<Placement>& for_wh
 
 }  // namespace
 
-// From the promotions backwards: a win is never taken back, so it is done when a round over all positions finds none.
+// Retrograde from the promotions: wins are never revoked, so it is complete when a pass finds no new ones.
 std::unique_ptr<KpkWins> solve_kpk() {
     const std::vector<Placement> for_white = kpk_placements();
     const std::vector<Placement> for_black = placements_for_black(for_white);

@@ -1,4 +1,4 @@
-// King and pawn against king, solved: which positions white wins. A matter of the offline tools; play doesn't use it.
+// Solver for king and pawn against king; used by the offline tools only.
 #pragma once
 
 #include <bitset>
@@ -8,7 +8,7 @@
 
 namespace varn {
 
-/// The positions that white wins, by `kpk_index`, for either side to move. What can't arise counts as not won.
+/// Positions won by white, by `kpk_index`, for either side to move. Impossible placements count as not won.
 struct KpkWins {
     static constexpr int size = square_count * square_count * square_count;
     std::bitset<size> white_to_move;
@@ -20,8 +20,8 @@ constexpr std::size_t kpk_index(Placement placement) {
     return (placement.white_king * squares + placement.pawn) * squares + placement.black_king;
 }
 
-/// Every position not won is a draw. A promotion wins if the new queen or rook can't be taken at once and black isn't
-/// stalemated; a lost pawn and a stalemate are draws.
+/// All other positions are draws. A promotion wins if the new queen or rook can't be captured at once and black isn't
+/// stalemated; losing the pawn and stalemate are draws.
 std::unique_ptr<KpkWins> solve_kpk();
 
 }  // namespace varn

@@ -1,11 +1,11 @@
-// A box of king-and-pawn positions: three sets of squares, which stand for every position with one square from each.
+// A box of king-and-pawn positions: three sets of squares, standing for every combination of one square from each.
 #pragma once
 
 #include "board/bits.h"
 
 namespace varn {
 
-/// The pieces of a position, and the axes of the space in which a position is a point.
+/// The pieces of a position.
 enum Field : std::uint8_t { white_king_field, white_pawn_field, black_king_field };
 inline constexpr int field_count = 3;
 

@@ -15,7 +15,7 @@ namespace {
 
 enum class Reading : std::uint8_t { no_number, zero, other };
 
-/// What the number is that the text begins with, blanks and a sign left aside.
+/// The number at the beginning of the text, after blanks and a sign.
 Reading read_result(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
     if (text.starts_with('+')) text.remove_prefix(1);

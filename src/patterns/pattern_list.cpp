@@ -12,7 +12,7 @@ constexpr Field all_fields[] = {white_king_field, white_pawn_field, black_king_f
 
 // --- Groups --------------------------------------------------------------------------------------------------------
 
-/// The two fields by which a group is found.
+/// The two fields that identify a group.
 constexpr Field one_key(Field left_out) { return left_out == white_king_field ? white_pawn_field : white_king_field; }
 constexpr Field other_key(Field left_out) { return left_out == black_king_field ? white_pawn_field : black_king_field; }
 
@@ -40,7 +40,7 @@ GroupPlace new_group(GroupIndex& index, GroupPlace& bucket) {
     return group;
 }
 
-/// `bucket` is that of the group's boxes.
+/// `bucket` is the hash bucket of the group.
 void free_group(GroupIndex& index, GroupPlace group, GroupPlace& bucket) {
     GroupPlace* link = &bucket;
     while (*link != group) link = &index.groups[*link].next;
@@ -49,7 +49,7 @@ void free_group(GroupIndex& index, GroupPlace group, GroupPlace& bucket) {
     index.first_free = group;
 }
 
-/// The group of the boxes that equal the pattern but for one field; an empty one where there was none.
+/// The group of boxes that equal the pattern in the other two fields; a new empty one if there is none.
 GroupPlace find_group(PatternList& list, const Pattern& pattern, Field left_out) {
     GroupIndex& index = list.indexes[left_out];
     GroupPlace& bucket = bucket_of(index, pattern, left_out);
@@ -68,13 +68,13 @@ BoxPlace& link_back_to(PatternList& list, BoxPlace next, Group& group, Field lef
     return next == no_place ? group.last : list.boxes[next].previous[left_out];
 }
 
-/// Makes the neighbours of a box in a group point to `place`, where it stands or will stand.
+/// Links the box's neighbours in a group to `place`.
 void point_neighbours(PatternList& list, const Box& box, Group& group, Field left_out, BoxPlace place) {
     link_from(list, box.previous[left_out], group, left_out) = place;
     link_back_to(list, box.next[left_out], group, left_out) = place;
 }
 
-/// Puts the box into its group, behind `previous`.
+/// Inserts the box into its group after `previous`.
 void insert(PatternList& list, BoxPlace place, BoxPlace previous, Group& group, Field left_out) {
     Box& box = list.boxes[place];
     box.previous[left_out] = previous;
@@ -82,14 +82,14 @@ void insert(PatternList& list, BoxPlace place, BoxPlace previous, Group& group, 
     point_neighbours(list, box, group, left_out, place);
 }
 
-/// Takes the box out of the list of its group, and leaves the group as it is, be it empty.
+/// Unlinks the box from its group, which may become empty.
 void take_out(PatternList& list, BoxPlace place, Group& group, Field left_out) {
     const Box& box = list.boxes[place];
     link_from(list, box.previous[left_out], group, left_out) = box.next[left_out];
     link_back_to(list, box.next[left_out], group, left_out) = box.previous[left_out];
 }
 
-/// The box leaves its group; its squares are still those that the group goes by.
+/// Removes the box from its group; its squares must still be those of the group.
 void leave_group(PatternList& list, BoxPlace place, Field left_out) {
     GroupIndex& index = list.indexes[left_out];
     const Box& box = list.boxes[place];
@@ -98,7 +98,7 @@ void leave_group(PatternList& list, BoxPlace place, Field left_out) {
     if (index.groups[group].first == no_place) free_group(index, group, bucket_of(index, box.pattern, left_out));
 }
 
-/// The box joins the group of its squares, at the place that its stamp gives it.
+/// Adds the box to the group of its squares, ordered by stamp.
 void join_group(PatternList& list, BoxPlace place, Field left_out) {
     const GroupPlace found = find_group(list, list.boxes[place].pattern, left_out);
     list.boxes[place].group[left_out] = found;
@@ -112,7 +112,7 @@ void join_group(PatternList& list, BoxPlace place, Field left_out) {
 
 // --- Boxes ---------------------------------------------------------------------------------------------------------
 
-/// Moves the box to the end of the list, and with that of its groups.
+/// Moves the box to the end of the list and of its groups.
 inline void move_to_end(PatternList& list, BoxPlace place) {
     list.stamps[place] = list.next_stamp++;
     for (const Field field : all_fields) {
@@ -131,7 +131,7 @@ void append(PatternList& list, const Pattern& pattern) {
     for (const Field field : all_fields) join_group(list, place, field);
 }
 
-/// Removes a box; the last one in memory takes its place.
+/// Removes a box; the last one in memory moves to its place.
 void remove(PatternList& list, BoxPlace place) {
     for (const Field field : all_fields) leave_group(list, place, field);
     const BoxPlace last = list.count() - 1;
@@ -147,7 +147,7 @@ void remove(PatternList& list, BoxPlace place) {
     list.stamps.pop_back();
 }
 
-/// Sets the squares of one field. The groups that go by it change.
+/// Sets the squares of one field and updates the groups that depend on it.
 void set_squares(PatternList& list, BoxPlace place, Field field, Bitboard squares) {
     for (const Field left_out : all_fields) {
         if (left_out != field) leave_group(list, place, left_out);
@@ -165,7 +165,7 @@ void unite(PatternList& list, BoxPlace kept, BoxPlace removed, Field field) {
     remove(list, removed);
 }
 
-/// Some of the squares, but never the last one left.
+/// Some of the squares, but never all of them.
 Bitboard choose_squares(Bitboard squares, Choices& choices) {
     const std::uint32_t chance = 2 + choices.below(2);
     Bitboard chosen = 0;

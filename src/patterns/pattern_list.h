@@ -1,13 +1,12 @@
-// A list of boxes that covers a set of positions, and the two moves that reshape it without changing that set: two
-// boxes become one, one box becomes two.
+// A list of boxes that covers a set of positions, and the two moves that reshape it without changing that set: a merge
+// of two boxes and a split of one.
 //
-// The order of the list matters to the moves, but it isn't kept by place: a box carries a stamp, and the list is the
-// boxes by rising stamp. What moves to the end of the list gets the next stamp. In memory the boxes lie side by side in
-// any order, so that one of them is picked at random by its place.
+// The order of the list is given by stamps: the list is sorted by ascending stamp, and a box that moves to the end gets
+// the next stamp. In memory the boxes are stored in arbitrary order, so that one can be picked at random.
 //
-// A merge looks for the boxes that are equal in two of their three fields. For each field to leave out, the boxes equal
-// in the other two form a group, which is a linked list by rising stamp. A box knows its groups: they are looked up
-// only when its squares change.
+// A merge needs the boxes that are equal in two of their three fields. For each field left out, the boxes equal in the
+// other two form a group, a linked list by ascending stamp. Boxes know their groups, which are looked up only when
+// squares change.
 #pragma once
 
 #include <span>
@@ -18,12 +17,12 @@
 
 namespace varn {
 
-/// The place of a box, or of a group, in memory. A place stays with its box until boxes are merged.
+/// Index of a box or group. A box keeps its place until boxes are merged.
 using BoxPlace = std::uint32_t;
 using GroupPlace = std::uint32_t;
 inline constexpr std::uint32_t no_place = ~std::uint32_t{0};
 
-/// A box and its place in the groups, each by the field that the group leaves out.
+/// A box and its links in its groups, by the field that the group leaves out.
 struct alignas(64) Box {
     Pattern pattern;
     Table<BoxPlace, field_count> previous;
@@ -32,14 +31,14 @@ struct alignas(64) Box {
 };
 static_assert(sizeof(Box) == 64);
 
-/// A free group has a `first` of `no_place`.
+/// A free group has `first` equal to `no_place`.
 struct Group {
     BoxPlace first;
     BoxPlace last;
-    GroupPlace next;  // in the same bucket, or the next free one
+    GroupPlace next;  // next in the bucket, or next free group
 };
 
-/// The groups that leave out one field, found by the other two.
+/// Hash index of the groups that leave out one field, keyed by the other two.
 struct GroupIndex {
     std::vector<Group> groups;
     GroupPlace first_free = no_place;
@@ -47,7 +46,7 @@ struct GroupIndex {
 };
 
 struct PatternList {
-    /// The boxes in the order given; there is never room for more than `capacity`, which is at least their number.
+    /// Takes the boxes in order. `capacity` is the maximum number of boxes, at least their current number.
     PatternList(std::span<const Pattern> patterns, std::uint64_t capacity);
 
     std::uint32_t count() const { return static_cast<std::uint32_t>(boxes.size()); }
@@ -56,23 +55,22 @@ struct PatternList {
     std::int32_t side = 0;    // 0: the positions have white to move
     std::int32_t result = 0;  // shared by all positions
     std::vector<Box> boxes;
-    std::vector<std::uint64_t> stamps;  // by the place of the box
+    std::vector<std::uint64_t> stamps;  // by box place
     std::uint64_t next_stamp = 0;
     Table<GroupIndex, field_count> indexes;  // by the field left out
 };
 
-/// The boxes in the order of the list.
+/// The boxes in list order.
 std::vector<Pattern> in_order(const PatternList& list);
 
-/// Looks at the boxes that equal the one at `place` in all fields but one, itself among them, in the order of the list,
-/// and takes each with a chance of one in 2, 3 or 4, which is chosen first, but two at most. Two boxes taken become
-/// one, with the squares of both in the field left out; it stands at the end of the list. A box taken alone moves
-/// there.
+/// Goes through the group of the box at `place`, in list order, and selects each box with a probability of 1/2, 1/3 or
+/// 1/4 (drawn first), at most two. Two selected boxes are merged, with both sets of squares in the field left out, and
+/// moved to the end of the list. A single selected box moves there.
 void merge_patterns(PatternList& list, BoxPlace place, Field left_out, Choices& choices);
 
-/// Chooses squares of one field, the lowest first, each with a chance of one in 2 or 3, which is chosen first, and
-/// never all of them. The box keeps these, and one with the rest is appended. Nothing changes where none was chosen, as
-/// in a field with one square, or where the list has no room.
+/// Selects squares of one field, lowest first, each with a probability of 1/2 or 1/3 (drawn first), but never all. The
+/// box keeps these; a new box with the rest is appended. Does nothing if none was selected, if the field has one
+/// square, or if the list is full.
 void split_pattern(PatternList& list, BoxPlace place, Field field, Choices& choices);
 
 }  // namespace varn

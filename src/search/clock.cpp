@@ -14,7 +14,7 @@ void start_clock(Clock& clock) {
     clock.clock_running.store(1, std::memory_order_relaxed);
 }
 
-// A search that has begun to end must not be told to go on: `clock_running` stays as it is.
+// Leaves `clock_running` alone: a search that is stopping must not resume.
 void restart_clock(Clock& clock, std::int32_t limit_ms) {
     clock.clock_start_ms.store(clock_ms(), std::memory_order_relaxed);
     clock.time_limit_ms.store(limit_ms, std::memory_order_release);
@@ -22,8 +22,8 @@ void restart_clock(Clock& clock, std::int32_t limit_ms) {
 
 void stop_clock(Clock& clock) { clock.clock_running.store(0, std::memory_order_relaxed); }
 
-// The other thread may restart the clock between any two of these lines. The limit is read first, so that a new limit
-// never meets an old start, and the time last, so that it is never before the start.
+// The other thread may restart the clock between any two of these reads. The limit is read first, so that a new limit
+// is never combined with an old start; the time is read last, so that it is never earlier than the start.
 bool clock_ok_now(Clock& clock) {
     const auto limit = static_cast<std::uint32_t>(clock.time_limit_ms.load(std::memory_order_acquire));
     const std::uint32_t started = clock.clock_start_ms.load(std::memory_order_relaxed);

@@ -9,7 +9,7 @@ namespace varn {
 
 namespace {
 
-/// The cheapest piece of side S among the attackers, as a board; a king counts only while no enemy attacks the square.
+/// The least valuable attackers of side S. The king counts only if the enemy has no attacker left.
 template <Side S> Bitboard cheapest_attacker(const Game& g, Bitboard attackers) {
     if ((pieces_of<S>(g) & attackers) == 0) return 0;
     for (const Bitboard pieces :
@@ -20,14 +20,13 @@ template <Side S> Bitboard cheapest_attacker(const Game& g, Bitboard attackers) 
     return defended ? 0 : king_of<S>(g) & attackers;
 }
 
-/// The attackers left when the piece on `square` has captured: those behind it join in, but nothing joins behind a
-/// king.
+/// The attackers that remain after the piece on `square` has captured, x-ray attackers included. A king opens no x-ray.
 Bitboard without(const Game& g, Bitboard attackers, int square, int target) {
     attackers &= not_bit(square);
-    return man_of(g.cells[square]) == king ? attackers : add_xray(g, square, target, attackers);
+    return type_of(g.cells[square]) == king ? attackers : add_xray(g, square, target, attackers);
 }
 
-/// What side S gains by capturing a piece worth `prize` that stands on the target, if it wants to: nothing else ever.
+/// What side S gains by capturing a piece worth `prize` on the target; never negative, since S may decline.
 template <Side S> int gain_of_capturing(const Game& g, Bitboard attackers, int target, int prize) {
     const Bitboard cheapest = cheapest_attacker<S>(g, attackers);
     if (cheapest == 0) return 0;
@@ -37,7 +36,7 @@ template <Side S> int gain_of_capturing(const Game& g, Bitboard attackers, int t
     return std::max(0, prize - loss);
 }
 
-/// The first capture isn't optional.
+/// The first capture is forced.
 template <Side S> int gain_of(const Game& g, Move move) {
     const Bitboard attackers = without(g, attackers_of(g, move.to), move.from, move.to);
     return piece_values[g.cells[move.to]] -

@@ -2,7 +2,7 @@
 
 namespace varn {
 
-bool look_at_limits(Search& s) {
+bool check_limits(Search& s) {
     if (s.nodes >= s.nodes_allowed) {
         stop_clock(s.clock);
         return false;

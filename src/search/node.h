@@ -1,25 +1,25 @@
-// What every node of the tree begins with.
+// Node entry: counts nodes and checks the limits.
 #pragma once
 
 #include "search/record.h"
 
 namespace varn {
 
-/// Stops the search where its nodes or its time are used up; returns whether it may go on.
-bool look_at_limits(Search& s);
+/// Stops the search if its node or time limit is reached. Returns whether it may continue.
+bool check_limits(Search& s);
 
-/// Whether the search may go on. The limits are looked at as often as the interval says.
+/// Whether the search may continue. The limits are checked only every so many nodes: see `clock_interval_mask`.
 inline bool clock_ok(Search& s) {
     if (!is_running(s.clock)) return false;
-    return (s.nodes & s.clock_interval_mask) != 0 || look_at_limits(s);
+    return (s.nodes & s.clock_interval_mask) != 0 || check_limits(s);
 }
 
-/// Counts a node and returns whether it may be searched. Nodes that a stopped search still comes to aren't counted, so
-/// that a limit on nodes is exact.
+/// Counts a node and returns whether to search it. After a stop nodes are no longer counted, so that a node limit is
+/// exact.
 inline bool enter_node(Search& s) {
     if (!is_running(s.clock)) return false;
     ++s.nodes;
-    return (s.nodes & s.clock_interval_mask) != 0 || look_at_limits(s);
+    return (s.nodes & s.clock_interval_mask) != 0 || check_limits(s);
 }
 
 }  // namespace varn

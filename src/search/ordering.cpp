@@ -10,7 +10,7 @@ namespace varn {
 
 void history_update(History& history, const Game& game, Move move, int depth) {
     if (move.kind == kind_capture || move.kind == kind_en_passant || is_promotion(move.kind)) return;
-    // Capped so that neither the weight nor the sum leaves the type: a score must never turn negative.
+    // Saturates: a history score must never overflow and turn negative.
     constexpr int deepest_weight = 30;
     constexpr std::int32_t ceiling = std::numeric_limits<std::int32_t>::max();
     const std::int32_t weight = 1 << std::clamp(depth, 0, deepest_weight);
@@ -56,8 +56,8 @@ void score_captures(MoveList& list, const Game& game) {
     for (int i = 0; i < list.count; ++i) list.scores[i] = exchange_gain(game, list.moves[i]);
 }
 
-// Branchless: which move is best can't be predicted. Score and place are compared as one number, the score in front,
-// and the earlier place counting for more.
+// Branchless, because the comparison is unpredictable. Score and index are packed into one number; of equal scores the
+// lower index wins.
 void pick_best(MoveList& list, int index) {
     constexpr int passed_over = -9999;
     constexpr int place_range = 1024;

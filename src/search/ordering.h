@@ -1,4 +1,4 @@
-// The tables that let the move picker guess well: history and killers, and the scoring of captures by exchange.
+// Move ordering: history, killers, and static exchange scores for captures.
 #pragma once
 
 #include "board/game.h"
@@ -6,7 +6,7 @@
 
 namespace varn {
 
-/// A quiet move that caused a cut-off at a ply, and how often since the iteration began.
+/// A quiet move that caused a cutoff, and how often in this iteration.
 struct KillerSlot {
     Move move;
     std::int32_t count;
@@ -14,8 +14,8 @@ struct KillerSlot {
 
 inline constexpr int killer_slots = 2 * ply_slots;
 
-/// By side to move and distance from the root: see `killer_index`. The moves outlive a search, only the counts don't;
-/// each killer remembers the code of the piece that made it.
+/// Two killers by side to move and distance from the root: see `killer_index`. Moves are kept from one search to the
+/// next, counts are not. Each killer keeps the code of the piece that moved.
 struct Killers {
     Table<KillerSlot, killer_slots> killer_one{};
     Table<KillerSlot, killer_slots> killer_two{};
@@ -25,24 +25,24 @@ struct Killers {
 
 constexpr int killer_index(const Game& game, int line_ply) { return static_cast<int>(game.turn) + 2 * line_ply; }
 
-/// By side to move, from and to: how much weight of depth a quiet move has gathered in this search; never negative.
+/// History scores by side to move, from and to square; cleared for every search, never negative.
 using History = Table<PerSquare<PerSquare<std::int32_t>>, 2>;
 
-/// Credits a quiet move or castling that raised alpha, once it is taken back.
+/// Rewards a quiet move that raised alpha. Called with the move unmade.
 void history_update(History& history, const Game& game, Move move, int depth);
 void clear_history(History& history);
 
-/// Remembers a quiet move or double step that caused a cut-off, once it is taken back.
+/// Records a quiet move that caused a cutoff. Called with the move unmade.
 void killer_update(Killers& killers, const Game& game, Move move, int line_ply);
 void clear_killer_counts(Killers& killers);
 
-/// Sets every score to the move's history.
+/// Scores every move by its history.
 void score_quiets(MoveList& list, const Game& game, const History& history);
-/// Sets every score to what the exchange gains for the side to move; en passant counts 0.
+/// Scores every move by static exchange evaluation, for the side to move; en passant counts 0.
 void score_captures(MoveList& list, const Game& game);
 
-/// Swaps the entry with the highest score from `index` on to `index`, the first of equals winning. Scores of -9999 or
-/// less are passed over.
+/// Selection sort step: swaps the best-scored move from `index` on to `index`; the first of equals wins. Scores of
+/// -9999 or less are ignored.
 void pick_best(MoveList& list, int index);
 
 }  // namespace varn

@@ -11,10 +11,10 @@ namespace {
 
 using Stage = Picker::Stage;
 
-bool is_empty(const Supply& supply) { return supply.next >= supply.list.count; }
+bool is_empty(const MoveQueue& queue) { return queue.next >= queue.list.count; }
 
-/// Makes a move that is known to be legal and hands it out.
-Move hand_out(Search& s, Game& game, const Picker& picker, Move move) {
+/// Makes a move known to be legal and returns it.
+Move make_legal(Search& s, Game& game, const Picker& picker, Move move) {
     prefetch_child(s.tables, game, move);
     fill_undo(game, move, s.undo_stack[picker.ply]);
     s.search_stack[picker.ply] = {move, game.cells[move.to]};
@@ -22,7 +22,7 @@ Move hand_out(Search& s, Game& game, const Picker& picker, Move move) {
     return move;
 }
 
-/// Makes a pseudo-legal move, unless it leaves its own king attacked; returns whether it is made.
+/// Makes a pseudo-legal move if it is legal. Returns whether it was made.
 bool try_move(Search& s, Game& game, const Picker& picker, Move move) {
     UndoRecord& undo = s.undo_stack[picker.ply];
     save_undo(game, undo);
@@ -35,7 +35,7 @@ bool try_move(Search& s, Game& game, const Picker& picker, Move move) {
 }
 
 std::optional<Move> pick_capture(Search& s, Game& game, Picker& picker, int lowest_score) {
-    Supply& captures = picker.captures;
+    MoveQueue& captures = picker.captures;
     while (!is_empty(captures)) {
         pick_best(captures.list, captures.next);
         if (captures.list.scores[captures.next] < lowest_score) return std::nullopt;
@@ -47,7 +47,7 @@ std::optional<Move> pick_capture(Search& s, Game& game, Picker& picker, int lowe
 }
 
 std::optional<Move> pick_promotion(Search& s, Game& game, Picker& picker) {
-    Supply& promotions = picker.promotions;
+    MoveQueue& promotions = picker.promotions;
     while (!is_empty(promotions)) {
         const Move move = promotions.list.moves[promotions.next++];
         if (move != picker.first_move && try_move(s, game, picker, move)) return move;
@@ -56,7 +56,7 @@ std::optional<Move> pick_promotion(Search& s, Game& game, Picker& picker) {
 }
 
 std::optional<Move> pick_quiet(Search& s, Game& game, Picker& picker) {
-    Supply& quiets = picker.quiets;
+    MoveQueue& quiets = picker.quiets;
     while (!is_empty(quiets)) {
         if (!picker.quiets_in_order) {
             pick_best(quiets.list, quiets.next);
@@ -72,7 +72,7 @@ std::optional<Move> pick_quiet(Search& s, Game& game, Picker& picker) {
 std::optional<Move> pick_killer(Search& s, Game& game, const Picker& picker, Move killer, int piece) {
     if (!same_mover(game.cells[killer.from], piece) || killer == picker.first_move) return std::nullopt;
     if (!killer_valid(game, picker.pins, killer)) return std::nullopt;
-    return hand_out(s, game, picker, killer);
+    return make_legal(s, game, picker, killer);
 }
 
 void fill_quiets(Search& s, const Game& game, const Picker& picker) {
@@ -95,7 +95,7 @@ template <Side S> bool pawn_steps_to(const Game& g, int from, int to, int kind) 
 bool reaches(const Game& g, Move move) {
     const Bitboard target = bit_mask(move.to);
     const int code = g.cells[move.from];
-    switch (man_of(code)) {
+    switch (type_of(code)) {
         case king: return (king_moves[move.from] & target) != 0;
         case knight: return (knight_moves[move.from] & target) != 0;
         case bishop: return (bishop_reach(g, move.from) & target) != 0;
@@ -120,8 +120,15 @@ bool killer_valid(const Game& game, const Pins& pins, Move move) {
 Picker make_picker(Search& s, const Pins& pins, int ply, int line_ply, int beta, int depth,
                    std::optional<Move> first_move) {
     for (auto* lists : {&s.capture_lists, &s.promotion_lists, &s.quiet_lists}) (*lists)[ply].count = 0;
-    return {
-        pins, ply, line_ply, beta, depth, first_move, {s.capture_lists[ply]}, {s.promotion_lists[ply]}, {s.quiet_lists[ply]}};
+    return {pins,
+            ply,
+            line_ply,
+            beta,
+            depth,
+            first_move,
+            {s.capture_lists[ply]},
+            {s.promotion_lists[ply]},
+            {s.quiet_lists[ply]}};
 }
 
 std::optional<Move> next_move(Search& s, Game& game, Picker& picker) {
@@ -130,7 +137,7 @@ std::optional<Move> next_move(Search& s, Game& game, Picker& picker) {
     switch (picker.stage) {
         case Stage::first_move:
             picker.stage = Stage::make_captures;
-            if (picker.first_move) return hand_out(s, game, picker, *picker.first_move);
+            if (picker.first_move) return make_legal(s, game, picker, *picker.first_move);
             [[fallthrough]];
         case Stage::make_captures:
             add_captures(game, picker.captures.list);

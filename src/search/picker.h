@@ -1,6 +1,6 @@
-// The staged move picker: hands a node its legal moves one at a time, the most promising first, and does only the work
-// that the node asks for. The stages: the first move, which the node brings along; captures that don't lose material;
-// promotions; two killers; quiet moves; captures that lose material.
+// Staged move picker: generates and returns legal moves one at a time, best first. Stages: the first move (from the
+// transposition table or internal iterative deepening), good captures, promotions, two killers, quiet moves, bad
+// captures.
 #pragma once
 
 #include <optional>
@@ -10,14 +10,13 @@
 
 namespace varn {
 
-/// A list that is handed out from the front; what lies before `next` is gone.
-struct Supply {
+/// A move list consumed from the front; moves before `next` have been tried.
+struct MoveQueue {
     MoveList& list;
     std::int32_t next = 0;
 };
 
-/// One node's way through the stages. It belongs to the node and goes with it; the lists are those of its ply in the
-/// record of the search.
+/// The state of one node's picker. The lists belong to the search record and are indexed by ply.
 struct Picker {
     enum class Stage : std::uint8_t {
         first_move,
@@ -32,7 +31,6 @@ struct Picker {
         done,
     };
 
-    // Of the node.
     const Pins& pins;  // of the side to move
     int ply;
     int line_ply;
@@ -40,28 +38,27 @@ struct Picker {
     int depth;
     std::optional<Move> first_move;
 
-    Supply captures;  // the bad ones stay in it until the last stage
-    Supply promotions;
-    Supply quiets;
+    MoveQueue captures;  // bad captures stay here until the last stage
+    MoveQueue promotions;
+    MoveQueue quiets;
     Stage stage = Stage::first_move;
-    bool quiets_in_order = false;  // those left have no history, and come as they were generated
-    // Those that were handed out, and must not come again among the quiet moves.
+    bool quiets_in_order = false;  // the remaining quiet moves have no history and keep generation order
+    // Killers already returned, to be skipped among the quiet moves.
     std::optional<Move> killer_one = {};
     std::optional<Move> killer_two = {};
 };
 
-/// A picker at its start. `first_move` must be legal.
+/// A new picker. `first_move` must be legal.
 Picker make_picker(Search& s, const Pins& pins, int ply, int line_ply, int beta, int depth,
                    std::optional<Move> first_move);
 
-/// The next legal move of the node, already made on `game` with its keys pushed; none when there are no more, then and
-/// ever after. The caller takes it back with `retract_move` and `undo_stack[ply]`. Leaves the move and what it captured
-/// in `search_stack[ply]`.
+/// Makes the next legal move, pushes its keys and returns it; none when all moves have been tried. The caller unmakes
+/// it with `retract_move` and `undo_stack[ply]`. The move and the piece it captured are left in `search_stack[ply]`.
 std::optional<Move> next_move(Search& s, Game& game, Picker& picker);
 
-/// Whether a killer, a quiet move from another position, can legally be played in this one.
+/// Whether a killer is legal in this position.
 bool killer_valid(const Game& game, Move move);
-/// The same where the pins of the side to move are known.
+/// The same with known pins of the side to move.
 bool killer_valid(const Game& game, const Pins& pins, Move move);
 
 }  // namespace varn

@@ -13,7 +13,7 @@ namespace varn {
 
 namespace {
 
-/// With much material on the board and a clear difference the balance alone is the score.
+/// Lazy evaluation: with much material on the board and a clear imbalance, material alone is the score.
 bool material_decides(const Game& g) {
     constexpr int much_material = 3000;
     constexpr int clearly_behind = -299;
@@ -23,18 +23,19 @@ bool material_decides(const Game& g) {
     return balance <= clearly_behind || balance >= clearly_ahead;
 }
 
-constexpr int delta_margin = 300;    // what a position may gain beyond the exchange itself
-constexpr int not_worth_a_try = -1;  // what isn't searched, like all that loses material
+constexpr int delta_margin = 300;  // positional gain allowed on top of the material won
+constexpr int pruned = -1;         // scored like a losing capture, so not searched
 
-/// What a capture or promotion gains by exchange: a promotion counts from the new piece alone, also where it captures.
-/// Delta pruning comes first: a capture that falls short of what is wanted even if nothing takes back isn't looked at.
+/// The material that a capture or promotion gains. A promotion counts only the new piece, even if it captures. Delta
+/// pruning comes before the exchange evaluation: a capture that cannot raise alpha even if the piece is won outright is
+/// pruned.
 int noisy_gain(const Game& game, Move move, int wanted) {
     if (is_promotion(move.kind)) return piece_values[move.kind] - pawn_value;
     if (move.kind == kind_en_passant) return exchange_gain(game, move);
-    return piece_values[game.cells[move.to]] < wanted ? not_worth_a_try : exchange_gain(game, move);
+    return piece_values[game.cells[move.to]] < wanted ? pruned : exchange_gain(game, move);
 }
 
-bool answers(const QhashEntry& entry, int alpha, int beta) {
+bool gives_cutoff(const QhashEntry& entry, int alpha, int beta) {
     if (entry.bound == bound_upper) return entry.score <= alpha;
     if (entry.bound == bound_lower) return entry.score >= beta;
     return true;
@@ -63,43 +64,7 @@ int static_score_of(Search& s, const Game& game, int status) {
     return game.turn == Side::white ? score : -score;
 }
 
-int search_noisy_moves(Search& s, Game& game, const Pins& pins, int stand, int alpha, int beta, int ply, int line_ply);
-
-}  // namespace
-
-int node_status(const Game& game, int line_ply) { return node_status(game, pins_of(game), line_ply); }
-
-int node_status(const Game& game, const Pins& pins, int line_ply) {
-    return draw_by_rule(game) ? 0 : status_without_draws(game, pins, line_ply);
-}
-
-int static_score(Search& s, const Game& game, int line_ply) { return static_score(s, game, pins_of(game), line_ply); }
-
-int static_score(Search& s, const Game& game, const Pins& pins, int line_ply) {
-    return static_score_of(s, game, node_status(game, pins, line_ply));
-}
-
-int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply) {
-    const bool may_search = enter_quiescent_node(s);
-    if (insufficient_material(game)) return 0;
-    if (!may_search) return abort_score;
-    const QhashEntry* known = qhash_probe(s.tables.quiescence_table, game);
-    if (known != nullptr && answers(*known, alpha, beta)) return known->score;
-    const Pins pins = pins_of(game);
-    const int stand = static_score(s, game, pins, line_ply);
-    return search_noisy_moves(s, game, pins, stand, alpha, beta, ply, line_ply);
-}
-
-int quiesce_leaf(Search& s, Game& game, const Pins& pins, int alpha, int beta, int ply, int line_ply) {
-    if (!enter_quiescent_node(s)) return abort_score;
-    const QhashEntry* known = qhash_probe(s.tables.quiescence_table, game);
-    if (known != nullptr && answers(*known, alpha, beta)) return known->score;
-    const int stand = static_score_of(s, game, status_without_draws(game, pins, line_ply));
-    return search_noisy_moves(s, game, pins, stand, alpha, beta, ply, line_ply);
-}
-
-namespace {
-
+/// Stand pat, then the captures and promotions that may raise alpha. `stand` is the static score.
 int search_noisy_moves(Search& s, Game& game, const Pins& pins, int stand, int alpha, int beta, int ply, int line_ply) {
     QuiescenceTable& table = s.tables.quiescence_table;
     s.selective_depth = std::max(s.selective_depth, ply);
@@ -152,5 +117,36 @@ int search_noisy_moves(Search& s, Game& game, const Pins& pins, int stand, int a
 }
 
 }  // namespace
+
+int node_status(const Game& game, int line_ply) { return node_status(game, pins_of(game), line_ply); }
+
+int node_status(const Game& game, const Pins& pins, int line_ply) {
+    return draw_by_rule(game) ? 0 : status_without_draws(game, pins, line_ply);
+}
+
+int static_score(Search& s, const Game& game, int line_ply) { return static_score(s, game, pins_of(game), line_ply); }
+
+int static_score(Search& s, const Game& game, const Pins& pins, int line_ply) {
+    return static_score_of(s, game, node_status(game, pins, line_ply));
+}
+
+int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply) {
+    const bool may_search = enter_quiescent_node(s);
+    if (insufficient_material(game)) return 0;
+    if (!may_search) return abort_score;
+    const QhashEntry* known = qhash_probe(s.tables.quiescence_table, game);
+    if (known != nullptr && gives_cutoff(*known, alpha, beta)) return known->score;
+    const Pins pins = pins_of(game);
+    const int stand = static_score(s, game, pins, line_ply);
+    return search_noisy_moves(s, game, pins, stand, alpha, beta, ply, line_ply);
+}
+
+int quiesce_leaf(Search& s, Game& game, const Pins& pins, int alpha, int beta, int ply, int line_ply) {
+    if (!enter_quiescent_node(s)) return abort_score;
+    const QhashEntry* known = qhash_probe(s.tables.quiescence_table, game);
+    if (known != nullptr && gives_cutoff(*known, alpha, beta)) return known->score;
+    const int stand = static_score_of(s, game, status_without_draws(game, pins, line_ply));
+    return search_noisy_moves(s, game, pins, stand, alpha, beta, ply, line_ply);
+}
 
 }  // namespace varn

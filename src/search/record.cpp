@@ -23,7 +23,7 @@ void clear_for_position(Search& s) {
     clear_tables(s);
 }
 
-void forget_all(Search& s) {
+void reset_search(Search& s) {
     clear_tables(s);
     s.killers = {};
     s.root_score = 0;

@@ -1,5 +1,5 @@
-// The record of a search: all that it reads and writes beside the game. Whoever searches owns one and hands it to every
-// function of the search; two of them can be at work side by side.
+// The search record: all state of one search except the game. The caller owns it and passes it to every function of the
+// search, so several searches can run side by side.
 #pragma once
 
 #include <cstdint>
@@ -17,8 +17,8 @@
 
 namespace varn {
 
-/// A line of moves with the keys of the position before each. Behind a tail that a child left there, moves may not
-/// follow.
+/// A principal variation: moves, and the keys of the position before each. A tail taken over from a child may be stale:
+/// its moves need not be legal.
 struct PvLine {
     std::int32_t length;
     Table<Move, ply_slots> moves;
@@ -26,54 +26,53 @@ struct PvLine {
     Table<std::uint64_t, ply_slots> locks;
 };
 
-/// What a search tells of itself while it runs.
+/// Progress of a running search.
 struct SearchReport {
     const Game& game;  // the root
     const PvLine& line;
     int depth;
     int score;            // for the side to move at the root
-    std::uint32_t nodes;  // of the iteration, like the two numbers below
+    std::uint32_t nodes;  // of this iteration, like the next two
     std::uint32_t quiescent_nodes;
-    std::uint32_t milliseconds;  // 0 while it is under way
-    std::uint64_t search_nodes;  // of all iterations of the search
-    int selective_depth;         // the deepest ply that the search has come to
+    std::uint32_t milliseconds;  // 0 while the iteration is running
+    std::uint64_t search_nodes;  // of all iterations
+    int selective_depth;         // deepest ply reached
     int line_number;             // 1 is the best line
-    bool fails_high;             // the score is a lower bound, and a search with a wider window follows
+    bool fails_high;             // the score is a lower bound; a re-search follows
 };
 
-/// Who listens to a search: called on the thread that searches. What is left empty isn't told.
+/// Callbacks of a search, called on the searching thread. Any of them may be empty.
 struct SearchListener {
     std::function<void()> search_started;
     std::function<void(const SearchReport&)> line_improved;       // alpha rose at the root
-    std::function<void(const SearchReport&)> iteration_finished;  // for each line that is asked for, the best first
-    std::function<void(Move, int)> root_move_started;             // and its number, from 1
-    std::function<void(double)> search_finished;  // nodes a second of the last finished iteration; 0 without one
+    std::function<void(const SearchReport&)> iteration_finished;  // once per line, best line first
+    std::function<void(Move, int)> root_move_started;             // with its number, from 1
+    std::function<void(double)> search_finished;  // nodes per second of the last finished iteration, or 0
 };
 
-/// The move made at a ply and the code that stood on its target, -1 for none, en passant and a null move. An internal
-/// search, at which its parent has made no move yet, finds what was tried last at the parent's ply, quiescence and
-/// illegal tries included: the extensions rest on it, and so the signature does.
+/// The move made at a ply and the code of the piece on its target square, -1 for none, en passant and a null move.
+/// Internal iterative deepening starts before its parent has made a move, so it reads whatever was tried last at the
+/// parent's ply, including quiescence and illegal moves. The extensions depend on that, and so does the node count.
 struct SearchPly {
     Move move;
     std::int32_t captured;
 };
 
-/// The time is read once in 16384 nodes.
+/// Mask: the time is read every 16384 nodes.
 inline constexpr std::uint32_t usual_clock_interval = 0x3fff;
 inline constexpr std::uint32_t no_node_limit = std::numeric_limits<std::uint32_t>::max();
 
 struct Search {
     Clock clock;
 
-    // Entries of the search and of quiescence, and of quiescence alone, in this iteration.
+    // Counts of this iteration: all nodes, and those of quiescence.
     std::uint32_t nodes = 0;
     std::uint32_t quiescent_nodes = 0;
-    std::uint64_t search_nodes = 0;               // the first of these over all iterations, the unfinished one included
+    std::uint64_t search_nodes = 0;               // all nodes of all iterations, the unfinished one included
     std::uint32_t nodes_allowed = no_node_limit;  // in this iteration
-    std::uint32_t clock_interval_mask =
-        usual_clock_interval;                                 // the limits are looked at where `nodes` has no bit of it
-    std::uint32_t time_interval_mask = usual_clock_interval;  // and of these, the time where it has no bit of this
-    std::int32_t selective_depth = 0;                         // the deepest ply of quiescence that was worked out
+    std::uint32_t clock_interval_mask = usual_clock_interval;  // limits are checked when `nodes & mask` is 0
+    std::uint32_t time_interval_mask = usual_clock_interval;   // the same for the time
+    std::int32_t selective_depth = 0;                          // deepest ply reached in quiescence
 
     HashTables tables;
     EvalContext eval;
@@ -81,47 +80,46 @@ struct Search {
     History history{};
 
     std::int32_t iteration_depth = 0;
-    std::int32_t root_score = 0;         // of the last root search, kept from one `think` to the next
-    std::optional<Move> predicted_move;  // the reply that the last `think` expects
+    std::int32_t root_score = 0;         // of the last root search, kept between searches
+    std::optional<Move> predicted_move;  // expected reply, for pondering
     const SearchListener* listener = nullptr;
-    std::int32_t line_number = 1;  // of the line that the root is searched for; 1 is the best
-    std::vector<Move> left_out;    // moves that the root passes over; none in an ordinary search
-    PvLine main_pv{};              // the line of the root: the best found so far, also in an unfinished iteration
+    std::int32_t line_number = 1;      // the line being searched; 1 is the best
+    std::vector<Move> excluded_moves;  // root moves not to be searched; usually none
+    PvLine main_pv{};                  // best line so far, also in an unfinished iteration
 
-    // What the line of the search leaves at each ply.
+    // The stack of the search, by ply.
     Table<SearchPly, ply_slots> search_stack{};
-    Table<std::uint8_t, ply_slots> null_move_at{};  // 1 while a null move made at this ply is being searched
-    Table<std::uint8_t, ply_slots> in_check_at{};   // whether the side to move at this ply is in check
+    Table<std::uint8_t, ply_slots> null_move_at{};  // 1 while a null move at this ply is searched
+    Table<std::uint8_t, ply_slots> in_check_at{};   // 1 if the side to move at this ply is in check
     Table<UndoRecord, ply_slots> undo_stack;
-    // Not set before they are used: memory is real only as deep as the search has come.
-    Table<PvLine, ply_slots> lines;         // filled by the children of the node at this ply
-    Table<PvLine, ply_slots> iid_pvs;       // of the internal iterative deepening at this ply
-    PvLine null_pv;                         // below a null move; never read
-    Table<MoveList, ply_slots> move_lists;  // of quiescence
-    Table<MoveList, ply_slots> capture_lists, promotion_lists, quiet_lists;  // of the move picker
+    // Not initialised, so that untouched pages cost no memory.
+    Table<PvLine, ply_slots> lines;                                          // filled by this ply's children
+    Table<PvLine, ply_slots> iid_pvs;                                        // internal iterative deepening
+    PvLine null_pv;                                                          // null-move searches; never read
+    Table<MoveList, ply_slots> move_lists;                                   // quiescence
+    Table<MoveList, ply_slots> capture_lists, promotion_lists, quiet_lists;  // move picker
 };
 
-/// A search that has searched nothing yet. Its tables must be allocated before it is used.
+/// A new search record. Its tables must be allocated before use.
 std::unique_ptr<Search> new_search();
 
-/// Sizes of the tables of a search.
 struct TableSizes {
-    std::int32_t hash_bits = 21;          // the transposition table has (1 << hash_bits) - 1 entries
-    std::int32_t qhash_bytes = 16777216;  // memory for the quiescence table
-    std::int32_t phash_bytes = 1048576;   // memory for the pawn hash table
+    std::int32_t hash_bits = 21;          // the transposition table gets (1 << hash_bits) - 1 entries
+    std::int32_t qhash_bytes = 16777216;  // quiescence table
+    std::int32_t phash_bytes = 1048576;   // pawn hash table
 };
 
 enum class TableFault : std::uint8_t { none, transposition, quiescence, pawns };
 
-/// Allocates the tables and empties the first two; a pawn hash table that is there already keeps its size. Returns the
-/// first that couldn't be had.
+/// Allocates and clears the tables; an existing pawn hash table keeps its size. Returns the first table whose
+/// allocation failed.
 TableFault allocate_tables(Search& s, const TableSizes& sizes);
 
-/// A new game begins: the history and all tables are emptied.
+/// For a new game: clears the history and all tables.
 void clear_tables(Search& s);
-/// A position is set: the killers' counts go, too.
+/// For a new position: clears the killer counts as well.
 void clear_for_position(Search& s);
-/// Nothing is left of earlier searches: the next one is as the first of the process.
-void forget_all(Search& s);
+/// Resets everything, as if no search had run before.
+void reset_search(Search& s);
 
 }  // namespace varn

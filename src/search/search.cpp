@@ -13,10 +13,10 @@ namespace varn {
 
 namespace {
 
-/// The root is a node like any other, but that its moves may be restricted and that it tells the listener.
-enum class Place : bool { root, inside };
+/// The root may exclude moves and reports progress.
+enum class NodeType : bool { root, inner };
 
-/// One node on its way through its steps. `alpha` and `depth` change as it goes.
+/// The state of one node; `alpha` and `depth` change during its steps.
 struct Node {
     Search& s;
     Game& game;
@@ -25,24 +25,24 @@ struct Node {
     int depth;
     int ply;
     int line_ply;
-    SearchFrame frame;  // as received, then advanced: what every child gets
+    SearchFrame frame;  // of this node, then advanced for the children
     bool null_allowed = true;
 };
 
-/// Extends by one ply for a check, or for a capture that takes back about what was taken, a knight at least.
+/// Check extension, or recapture extension: the last move recaptured about what was captured, a knight at least.
 bool extend_for_check_or_recapture(const Node& node) {
     const Search& s = node.s;
     if (s.in_check_at[node.ply] != 0) return true;
     if (node.ply < 2) return false;
-    const int taken = s.search_stack[node.ply - 2].captured;
-    const int taken_back = s.search_stack[node.ply - 1].captured;
-    if (taken == no_piece || taken_back == no_piece || piece_values[taken] < knight_value) return false;
-    constexpr int even = 49;  // less than half a pawn of difference
-    const int difference = signed_piece_values[taken] + signed_piece_values[taken_back];
+    const int captured = s.search_stack[node.ply - 2].captured;
+    const int recaptured = s.search_stack[node.ply - 1].captured;
+    if (captured == no_piece || recaptured == no_piece || piece_values[captured] < knight_value) return false;
+    constexpr int even = 49;  // centipawns
+    const int difference = signed_piece_values[captured] + signed_piece_values[recaptured];
     return difference >= -even && difference <= even;
 }
 
-/// Whether the line would drop into quiescence right after a pawn came to the seventh rank, for the first time.
+/// Whether the search is about to drop into quiescence right after a pawn reached the seventh rank; once per line.
 bool extend_for_pawn_on_seventh(Node& node) {
     if (node.depth != 0 || node.ply == 0 || node.frame.pawn_extensions != 0) return false;
     const int to = node.s.search_stack[node.ply - 1].move.to;
@@ -61,16 +61,16 @@ void extend(Node& node) {
     }
 }
 
-/// What the table knows of the node, counted from the root again; 0 where the best move runs into a draw by now.
+/// The table's score with mates counted from the root; 0 if the table move leads to a draw in this game.
 int score_from_table(const Node& node, const HashEntry& entry) {
     if (entry.has_move != 0 && draw_after_move(node.game, entry.move)) return 0;
     if (!is_mate_score(entry.score)) return entry.score;
     return entry.score > 0 ? entry.score - node.line_ply : entry.score + node.line_ply;
 }
 
-/// The table's answer where it ends the node. An exact score inside the window doesn't, so that a main line is always
-/// searched out, but like an upper bound inside the window it bars the null move.
-std::optional<int> answer_from_table(Node& node) {
+/// The score if the table entry causes a cutoff. An exact score inside the window does not, so that the principal
+/// variation is always searched in full; like an upper bound inside the window it disables the null move.
+std::optional<int> table_cutoff(Node& node) {
     const HashEntry* entry = hash_probe(node.s.tables.transposition_table, node.game, node.depth);
     if (entry == nullptr) return std::nullopt;
     const int score = score_from_table(node, *entry);
@@ -91,19 +91,20 @@ std::optional<int> answer_from_table(Node& node) {
     return std::nullopt;
 }
 
-/// Whether the position is the one that the main line has at this distance from the root.
+/// Whether the principal variation passes through this position.
 bool on_main_line(const Node& node) {
     const PvLine& line = node.s.main_pv;
     return line.keys[node.line_ply] == node.game.zobrist_key && line.locks[node.line_ply] == node.game.zobrist_lock;
 }
 
-/// Against zugzwang: each side has more than a bishop, and there is a piece on the board.
+/// Guard against zugzwang: each side has more than a bishop, and not only pawns are left.
 bool enough_material(const Game& g) {
     const Bitboard pawns_and_kings = g.w_pawns | g.b_pawns | g.w_king | g.b_king;
     return g.w_material > bishop_value && g.b_material > bishop_value && pawns_and_kings != occupied(g);
 }
 
-/// Passing must be promising, and safe to try: no check, not twice in a row, not on the main line, material enough.
+/// Null move conditions: material near beta, not in check, no null move before it, not on the principal variation, and
+/// enough material.
 bool null_move_allowed(const Node& node) {
     constexpr int margin = 100;
     const Search& s = node.s;
@@ -112,8 +113,8 @@ bool null_move_allowed(const Node& node) {
            s.in_check_at[node.ply] == 0 && enough_material(node.game);
 }
 
-/// The score after passing, searched two plies less deep than a move would be. A pass isn't a move of the line, so that
-/// mates below count real moves only.
+/// The score of the null-move search. A null move is not counted in `line_ply`, so that mate scores count real moves
+/// only.
 int null_move_value(const Node& node) {
     constexpr int reduction = 3;
     Search& s = node.s;
@@ -130,7 +131,7 @@ int null_move_value(const Node& node) {
     return value;
 }
 
-/// The first move that raised alpha set the line to beat: later ones get a window of width zero first.
+/// Principal variation search: once a move has raised alpha, later moves get a null window first.
 int child_value(const Node& node, bool raised_alpha, PvLine& line) {
     const auto search_child = [&](int lower, int upper) {
         return -search(node.s, node.game, -upper, -lower, node.depth - 1, node.frame, line);
@@ -140,8 +141,7 @@ int child_value(const Node& node, bool raised_alpha, PvLine& line) {
     return value > node.alpha && value < node.beta ? search_child(node.alpha, node.beta) : value;
 }
 
-/// The line becomes the move and what the child left behind it.
-void extend_line(PvLine& line, const Game& g, Move move, const PvLine& tail) {
+void update_pv(PvLine& line, const Game& g, Move move, const PvLine& tail) {
     line.moves[0] = move;
     line.keys[0] = g.zobrist_key;
     line.locks[0] = g.zobrist_lock;
@@ -152,8 +152,7 @@ void extend_line(PvLine& line, const Game& g, Move move, const PvLine& tail) {
     line.length = copied + 1;
 }
 
-/// Mate, stalemate or a draw by rule, exact at any depth; or the static score, where no move is left for another
-/// reason.
+/// The score of a node without a move to search: mate, stalemate or a draw by rule, otherwise the static score.
 int score_without_moves(const Node& node) {
     int score = node_status(node.game, node.line_ply);
     if (score == game_goes_on) {
@@ -165,24 +164,25 @@ int score_without_moves(const Node& node) {
     return score;
 }
 
-/// A line that improved at the root is told at once.
-void tell_improved_line(const Node& node, int score) {
+void report_improved_line(const Node& node, int score) {
     const Search& s = node.s;
     if (s.listener == nullptr || !s.listener->line_improved) return;
     s.listener->line_improved({node.game, s.main_pv, s.iteration_depth, score, s.nodes, s.quiescent_nodes, 0,
                                s.search_nodes + s.nodes, s.selective_depth, s.line_number, score >= node.beta});
 }
 
-void tell_root_move(const Search& s, Move move, int number) {
+void report_root_move(const Search& s, Move move, int number) {
     if (s.listener != nullptr && s.listener->root_move_started) s.listener->root_move_started(move, number);
 }
 
-bool is_left_out(const Search& s, Move move) { return std::ranges::find(s.left_out, move) != s.left_out.end(); }
+bool is_excluded(const Search& s, Move move) {
+    return std::ranges::find(s.excluded_moves, move) != s.excluded_moves.end();
+}
 
-/// What is known of a root without some of its moves is nothing for the table.
-bool table_applies(const Node& node) { return node.ply != 0 || node.s.left_out.empty(); }
+/// A search with excluded root moves must not use the table at the root.
+bool may_use_table(const Node& node) { return node.ply != 0 || node.s.excluded_moves.empty(); }
 
-template <Place place> int search_moves(Node& node, const Pins& pins, PvLine& pv) {
+template <NodeType type> int search_moves(Node& node, const Pins& pins, PvLine& pv) {
     Search& s = node.s;
     Game& game = node.game;
     TranspositionTable& table = s.tables.transposition_table;
@@ -199,33 +199,33 @@ template <Place place> int search_moves(Node& node, const Pins& pins, PvLine& pv
     if (!made) return score_without_moves(node);
     for (; made; made = next_move(s, game, picker)) {
         const Move move = *made;
-        if constexpr (place == Place::root) {
-            if (is_left_out(s, move)) {
+        if constexpr (type == NodeType::root) {
+            if (is_excluded(s, move)) {
                 retract_move(game, move, s.undo_stack[node.ply]);
                 continue;
             }
-            tell_root_move(s, move, ++move_number);
+            report_root_move(s, move, ++move_number);
         }
         const int value = child_value(node, best_move.has_value(), line);
         best_score = std::max(best_score, value);
         retract_move(game, move, s.undo_stack[node.ply]);
-        // Before any use of the value, so that a child cut short by the clock changes nothing.
+        // Checked before the value is used: an aborted child must change nothing.
         if (!clock_ok(s)) return abort_score;
         if (value <= node.alpha) continue;
 
         node.alpha = value;
         bound = bound_exact;
         best_move = move;
-        extend_line(pv, game, move, line);
-        if constexpr (place == Place::root) tell_improved_line(node, value);
+        update_pv(pv, game, move, line);
+        if constexpr (type == NodeType::root) report_improved_line(node, value);
         history_update(s.history, game, move, node.depth);
         if (value >= node.beta) {
             killer_update(s.killers, game, move, node.line_ply);
-            if (table_applies(node)) hash_store(table, game, node.depth, move, value, bound_lower);
+            if (may_use_table(node)) hash_store(table, game, node.depth, move, value, bound_lower);
             return value;
         }
     }
-    if (table_applies(node)) hash_store(table, game, node.depth, best_move, best_score, bound);
+    if (may_use_table(node)) hash_store(table, game, node.depth, best_move, best_score, bound);
     return best_score;
 }
 
@@ -233,7 +233,7 @@ template <Place place> int search_moves(Node& node, const Pins& pins, PvLine& pv
 
 int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame frame, PvLine& pv) {
     if (!enter_node(s)) return abort_score;
-    // The root is never a draw: a move is wanted.
+    // The root is never scored as a draw: a move is needed.
     if (frame.line_ply != 0 && draw_by_rule(game)) return 0;
     if (frame.ply >= last_ply) return static_score(s, game, frame.line_ply);
 
@@ -241,8 +241,8 @@ int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame fr
     const Pins pins = pins_of(game);
     s.in_check_at[node.ply] = pins.checkers != 0 ? 1 : 0;
     extend(node);
-    if (table_applies(node)) {
-        if (const auto known = answer_from_table(node)) return *known;
+    if (may_use_table(node)) {
+        if (const auto known = table_cutoff(node)) return *known;
     }
 
     ++node.frame.ply;
@@ -253,14 +253,14 @@ int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame fr
     }
     if (null_move_allowed(node) && null_move_value(node) >= beta) return beta;
     s.null_move_at[node.ply] = 0;
-    return node.ply == 0 ? search_moves<Place::root>(node, pins, pv) : search_moves<Place::inside>(node, pins, pv);
+    return node.ply == 0 ? search_moves<NodeType::root>(node, pins, pv) : search_moves<NodeType::inner>(node, pins, pv);
 }
 
 std::optional<Move> first_move(Search& s, Game& game, int ply, int alpha, int beta, int depth) {
     constexpr int shallowest = 3;
     constexpr int reduction = 2;
     if (depth == 0) return std::nullopt;
-    // One ply less than the node itself asked for: an entry too shallow to answer the node can still give its move.
+    // One ply less than the node needs: too shallow for a cutoff, but the move is still good.
     const HashEntry* entry = hash_probe(s.tables.transposition_table, game, depth - 1);
     if (entry != nullptr && entry->has_move != 0) return entry->move;
     if (depth < shallowest || alpha + 1 == beta) return std::nullopt;

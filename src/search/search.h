@@ -1,4 +1,4 @@
-// The search node: recursive principal-variation alpha-beta, through which every interior position of the tree passes.
+// Principal variation search: recursive alpha-beta, the node of every ply above quiescence.
 #pragma once
 
 #include <optional>
@@ -7,25 +7,23 @@
 
 namespace varn {
 
-/// Passed by value from node to node, so that a child's counters need no undo.
+/// Passed by value, so that the counters need no undo.
 struct SearchFrame {
-    std::int32_t ply;       // depth of the stack of nodes: indexes every per-ply array
-    std::uint8_t line_ply;  // real moves from the root, null moves not counted: mate distance, killers, main line
+    std::int32_t ply;       // index of all per-ply arrays
+    std::uint8_t line_ply;  // real moves from the root: for mate scores, killers and the PV
     std::uint8_t pawn_extensions;
     std::uint8_t total_extensions;
 };
-static_assert(sizeof(SearchFrame) == 8);  // travels in one register
+static_assert(sizeof(SearchFrame) == 8);  // fits one register
 
-/// The frame of the root.
 inline constexpr SearchFrame root_frame = {0, 0, 0, 0};
 
-/// The score of the position for the side to move, or `abort_score` when the clock stopped the search; fills `pv` with
-/// the line it rests on. The game is the same on return. Needs allocated tables.
+/// The score for the side to move, or `abort_score` if the clock stopped the search. Fills `pv` with the principal
+/// variation. The game is unchanged on return. The tables must be allocated.
 int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame frame, PvLine& pv);
 
-/// The first move to try at a node, before any is generated: that of the transposition table, asked one ply less deep
-/// than the node itself asks, or else the best of a shallower search of the node, where the node is deep enough and its
-/// window open.
+/// The first move to try at a node: the transposition table's move from an entry at most one ply too shallow, or else
+/// internal iterative deepening at sufficient depth with an open window.
 std::optional<Move> first_move(Search& s, Game& game, int ply, int alpha, int beta, int depth);
 
 }  // namespace varn

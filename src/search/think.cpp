@@ -10,26 +10,26 @@ namespace varn {
 
 namespace {
 
-constexpr int aspiration = 50;      // half the window round the last score
-constexpr int winning_score = 500;  // from here on trading pays
+constexpr int aspiration = 50;      // half width of the aspiration window
+constexpr int winning_score = 500;  // trades are encouraged from this score on
 
-/// One of the lines that a search is asked for; its number may change from one iteration to the next.
+/// One of several best lines; its rank may change between iterations.
 struct RootLine {
     PvLine pv;
     int score;
 };
 
-/// A search from its start to its end.
+/// One iterative deepening search.
 struct Deepening {
     Search& s;
     const Game& root;
     const SearchLimits& limits;
-    std::vector<Move> barred;     // legal moves that no line may begin with
-    std::vector<RootLine> lines;  // the best first; as many as have been searched
+    std::vector<Move> excluded;   // legal root moves not to be searched
+    std::vector<RootLine> lines;  // best first
     std::size_t lines_wanted;
 };
 
-void start_afresh(Search& s, const Game& game) {
+void prepare_search(Search& s, const Game& game) {
     clear_history(s.history);
     hash_clear(s.tables.transposition_table);
     pawn_hash_clear(s.eval.pawns);
@@ -43,7 +43,7 @@ void start_afresh(Search& s, const Game& game) {
     s.selective_depth = 0;
 }
 
-/// A search with a limit on its nodes looks at it at every node.
+/// With a node limit the limits are checked at every node.
 void set_limits(Search& s, const SearchLimits& limits) {
     const std::uint64_t left = limits.nodes - std::min(limits.nodes, s.search_nodes);
     s.nodes_allowed = static_cast<std::uint32_t>(std::min<std::uint64_t>(left, no_node_limit));
@@ -51,17 +51,17 @@ void set_limits(Search& s, const SearchLimits& limits) {
     s.clock_interval_mask = s.nodes_allowed == no_node_limit ? limits.clock_interval : 0;
 }
 
-/// Nodes a second; an iteration faster than the clock's tick counts as one tick.
+/// Nodes per second. An iteration faster than a clock tick counts as one tick.
 double speed(std::uint32_t nodes, std::uint32_t milliseconds) { return nodes / (std::max(1U, milliseconds) * 0.001); }
 
-/// Searches the line of this number, without the first moves of the lines before it; returns whether it was finished.
-/// The first line is that of an ordinary search.
+/// Searches the line of this number, excluding the first moves of the better lines. Returns whether it was completed.
+/// Line 0 is the ordinary search.
 bool search_line(Deepening& d, std::size_t number, int depth) {
     Search& s = d.s;
     Game game = d.root;
     const bool known = number < d.lines.size();
-    s.left_out = d.barred;
-    for (std::size_t i = 0; i < number; ++i) s.left_out.push_back(d.lines[i].pv.moves[0]);
+    s.excluded_moves = d.excluded;
+    for (std::size_t i = 0; i < number; ++i) s.excluded_moves.push_back(d.lines[i].pv.moves[0]);
     if (number > 0) s.main_pv = known ? d.lines[number].pv : PvLine{};
     const int centre = number > 0 && known ? d.lines[number].score : s.root_score;
     const int score = root_search(s, game, centre, depth);
@@ -72,9 +72,9 @@ bool search_line(Deepening& d, std::size_t number, int depth) {
     return true;
 }
 
-/// One iteration over all lines; returns whether it was finished. The line of an unfinished first search counts, too:
-/// it holds the best move found so far.
-bool finish_iteration(Deepening& d, int depth) {
+/// Searches all lines to one depth. Returns whether the iteration was completed. The first line is used even if
+/// unfinished: it holds the best move so far.
+bool run_iteration(Deepening& d, int depth) {
     Search& s = d.s;
     s.nodes = 0;
     s.quiescent_nodes = 0;
@@ -88,7 +88,7 @@ bool finish_iteration(Deepening& d, int depth) {
         if (number > 0) s.main_pv = d.lines[0].pv;
     }
     s.search_nodes += s.nodes;
-    s.left_out.clear();
+    s.excluded_moves.clear();
     if (finished) std::ranges::stable_sort(d.lines, std::greater{}, &RootLine::score);
     if (finished && d.lines_wanted > 1) s.main_pv = d.lines[0].pv;
     return finished;
@@ -100,7 +100,7 @@ void set_trade_flags(Search& s, Side turn) {
     s.eval.b_trade_flag = winning && turn == Side::black;
 }
 
-void tell_lines(const Deepening& d, std::uint32_t milliseconds) {
+void report_lines(const Deepening& d, std::uint32_t milliseconds) {
     const Search& s = d.s;
     if (!s.listener->iteration_finished) return;
     for (std::size_t i = 0; i < d.lines.size(); ++i) {
@@ -112,23 +112,24 @@ void tell_lines(const Deepening& d, std::uint32_t milliseconds) {
 
 bool finds_mate_in(int score, int moves) { return moves > 0 && score <= mate_score && mate_score - score < 2 * moves; }
 
-/// Deepens until the clock or the last depth ends it; returns the speed of the last finished iteration.
+/// Deepens until a limit stops it. Returns the speed of the last finished iteration.
 double deepen(Deepening& d) {
     Search& s = d.s;
     double nodes_per_second = 0;
     for (int depth = 1; depth <= std::clamp(d.limits.depth, 1, deepest_iteration); ++depth) {
         const std::uint32_t started = clock_ms();
-        if (!finish_iteration(d, depth)) break;
+        if (!run_iteration(d, depth)) break;
         set_trade_flags(s, d.root.turn);
         const std::uint32_t milliseconds = clock_ms() - started;
         nodes_per_second = speed(s.nodes, milliseconds);
-        tell_lines(d, milliseconds);
+        report_lines(d, milliseconds);
         if (finds_mate_in(d.lines[0].score, d.limits.mate)) break;
     }
     return nodes_per_second;
 }
 
-/// The main line's second move. What a sibling left behind the first one may not follow from it: no reply then.
+/// The second move of the principal variation, for pondering. A stale tail may not fit the first move; then there is
+/// none.
 std::optional<Move> expected_reply(const Search& s, const Game& game) {
     if (s.main_pv.length < 2) return std::nullopt;
     Game after = game;
@@ -138,14 +139,14 @@ std::optional<Move> expected_reply(const Search& s, const Game& game) {
 
 bool contains(const std::vector<Move>& moves, Move move) { return std::ranges::find(moves, move) != moves.end(); }
 
-/// The legal moves that the limits let the root have come to the front of the list; the others are returned.
-std::vector<Move> bar_moves(MoveList& legal, const std::vector<Move>& only) {
+/// Moves the allowed root moves to the front of the list and returns the others.
+std::vector<Move> exclude_moves(MoveList& legal, const std::vector<Move>& only) {
     if (only.empty()) return {};
-    const auto first_barred = std::stable_partition(legal.moves.begin(), legal.moves.begin() + legal.count,
-                                                    [&](Move move) { return contains(only, move); });
-    std::vector<Move> barred(first_barred, legal.moves.begin() + legal.count);
-    legal.count -= static_cast<std::int32_t>(barred.size());
-    return barred;
+    const auto first_excluded = std::stable_partition(legal.moves.begin(), legal.moves.begin() + legal.count,
+                                                      [&](Move move) { return contains(only, move); });
+    std::vector<Move> excluded(first_excluded, legal.moves.begin() + legal.count);
+    legal.count -= static_cast<std::int32_t>(excluded.size());
+    return excluded;
 }
 
 }  // namespace
@@ -157,17 +158,17 @@ std::optional<Move> think(Search& s, const Game& game, const SearchLimits& limit
     if (legal.count == 1 && !limits.search_forced) return legal.moves[0];
 
     if (listener.search_started) listener.search_started();
-    start_afresh(s, game);
+    prepare_search(s, game);
     if (!limits.clock_runs) start_clock(s.clock);
     s.listener = &listener;
-    std::vector<Move> barred = bar_moves(legal, limits.only);
+    std::vector<Move> excluded = exclude_moves(legal, limits.only);
     const auto lines = static_cast<std::size_t>(std::clamp(limits.lines, 1, legal.count));
-    Deepening deepening = {s, game, limits, std::move(barred), {}, lines};
+    Deepening deepening = {s, game, limits, std::move(excluded), {}, lines};
     const double nodes_per_second = deepen(deepening);
     s.listener = nullptr;
     if (listener.search_finished) listener.search_finished(nodes_per_second);
     s.predicted_move = expected_reply(s, game);
-    // A search stopped before its first move raised alpha has no line; any legal move is better than none.
+    // If no move raised alpha before the stop there is no line; any legal move will do.
     return s.main_pv.length > 0 ? s.main_pv.moves[0] : legal.moves[0];
 }
 

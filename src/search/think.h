@@ -1,5 +1,4 @@
-// The entry to the search: given a game, which move? Deepens one ply at a time until the clock or the last depth ends
-// it, and tells its listener what it finds as it goes.
+// Entry point of the search: iterative deepening until a limit is reached, with progress reported to the listener.
 #pragma once
 
 #include <limits>
@@ -12,23 +11,23 @@ namespace varn {
 
 inline constexpr int deepest_iteration = 50;
 
-/// What bounds a search beside its clock.
+/// Limits of a search besides its clock.
 struct SearchLimits {
-    int depth = deepest_iteration;  // the last iteration; a number outside 1..50 becomes the nearest in it
+    int depth = deepest_iteration;  // last iteration, clamped to 1..50
     std::uint64_t nodes = std::numeric_limits<std::uint64_t>::max();
-    int mate = 0;                 // other than 0: ends with the iteration that finds a mate in so many moves
-    int lines = 1;                // so many best lines, each with a first move of its own
-    std::vector<Move> only = {};  // the root's moves are restricted to these legal ones; none: all of them
-    std::uint32_t clock_interval = usual_clock_interval;  // nodes between looks at the time, a power of two, less one
-    bool clock_runs = false;     // the caller has started the clock, to be able to stop it before the search begins
-    bool search_forced = false;  // also a position with one legal move is searched
+    int mate = 0;                                         // if not 0: stop when a mate in so many moves is found
+    int lines = 1;                                        // number of best lines with different first moves
+    std::vector<Move> only = {};                          // root moves to search, all legal; empty: all moves
+    std::uint32_t clock_interval = usual_clock_interval;  // mask: nodes between time checks, a power of two minus one
+    bool clock_runs = false;     // the caller has started the clock, so that it can stop it early
+    bool search_forced = false;  // search even if only one move is legal
 };
 
-/// The engine's move, or none where there is no legal one. A forced move comes at once, without a search. Leaves the
-/// expected reply in `predicted_move`.
+/// The best move, or none if there is no legal move. A forced move is returned at once. Leaves the expected reply in
+/// `predicted_move`.
 std::optional<Move> think(Search& s, const Game& game, const SearchLimits& limits, const SearchListener& listener);
 
-/// One search of the root with a window round `centre`, and a second with the full window if that fails.
+/// Aspiration search: a window around `centre`, then a re-search with the full window if it fails.
 int root_search(Search& s, Game& game, int centre, int depth);
 
 }  // namespace varn

@@ -12,22 +12,22 @@ namespace {
 constexpr int empty_score = -1;
 constexpr std::int8_t empty_depth = -1;
 constexpr std::uint8_t empty_bound = 255;
-constexpr std::int32_t etc_bonus = 1000000;  // above any history score that the list could hold instead
+constexpr std::int32_t etc_bonus = 1000000;  // above any history score
 
-/// What an entry counts for in the settings and in the report. Kept: docs/compatibility.md#size-of-hash-entries
-constexpr std::uint64_t reckoned_bytes = 40;
+/// Size of an entry in settings and reports. Kept: docs/compatibility.md#size-of-hash-entries
+constexpr std::uint64_t nominal_entry_bytes = 40;
 
 template <typename Entry> void clear(HashTable<Entry>& table) {
     if (table.generation < std::numeric_limits<std::uint16_t>::max()) {
         ++table.generation;
         return;
     }
-    // The stamps have run out: wipe for real and start over.
+    // The generation counter is used up: clear the memory and start over.
     std::fill_n(table.slots.get(), table.entries.value, Entry{});
     table.generation = 1;
 }
 
-/// Whether the table now has this many entries.
+/// Returns whether the table now has this many entries.
 template <typename Entry> bool allocate(HashTable<Entry>& table, std::uint64_t entries) {
     if (table.slots != nullptr && entries == table.entries.value) {
         clear(table);
@@ -41,12 +41,12 @@ template <typename Entry> bool allocate(HashTable<Entry>& table, std::uint64_t e
     return true;
 }
 
-template <typename Entry> void make_real(const HashTable<Entry>& table) {
-    make_real(table.slots.get(), table.entries.value * sizeof(Entry));
+template <typename Entry> void prefault(const HashTable<Entry>& table) {
+    prefault(table.slots.get(), table.entries.value * sizeof(Entry));
 }
 
-/// The slot of a key, emptied first if what it holds was cleared away.
-HashEntry& live_slot(const TranspositionTable& table, std::uint64_t key) {
+/// The slot of a key, reset if it is of an old generation.
+HashEntry& current_slot(const TranspositionTable& table, std::uint64_t key) {
     HashEntry& entry = table.slot(key);
     if (entry.generation != table.generation) {
         entry = {0, empty_score, 0, {0, 0, 0}, 0, empty_depth, empty_bound, table.generation};
@@ -54,7 +54,7 @@ HashEntry& live_slot(const TranspositionTable& table, std::uint64_t key) {
     return entry;
 }
 
-// Credit stops at the ends of its type: a small table in a long search would pass them.
+// Credit saturates: a long search with a small table would overflow it.
 void add_credit(HashEntry& entry) {
     if (entry.credit < std::numeric_limits<std::int32_t>::max()) ++entry.credit;
 }
@@ -63,7 +63,7 @@ void take_credit(HashEntry& entry) {
 }
 
 HashEntry* probe(const TranspositionTable& table, PositionKeys keys, int depth) {
-    HashEntry& entry = live_slot(table, keys.key);
+    HashEntry& entry = current_slot(table, keys.key);
     if (entry.depth < depth || entry.lock != keys.lock) {
         take_credit(entry);
         return nullptr;
@@ -72,7 +72,7 @@ HashEntry* probe(const TranspositionTable& table, PositionKeys keys, int depth) 
     return &entry;
 }
 
-/// Of the first `slots` ones.
+/// Used ones among the first `slots` slots.
 std::uint64_t used_slots(const TranspositionTable& table, std::uint64_t slots) {
     std::uint64_t used = 0;
     for (std::uint64_t i = 0; i < slots; ++i) {
@@ -89,12 +89,12 @@ bool hash_allocate(TranspositionTable& table, int bits) {
 
 bool qhash_allocate(QuiescenceTable& table, std::int32_t bytes) {
     if (bytes <= 0) return false;
-    return allocate(table, std::max<std::uint64_t>(1, static_cast<std::uint64_t>(bytes) / reckoned_bytes));
+    return allocate(table, std::max<std::uint64_t>(1, static_cast<std::uint64_t>(bytes) / nominal_entry_bytes));
 }
 
-void make_tables_real(const HashTables& tables) {
-    make_real(tables.transposition_table);
-    make_real(tables.quiescence_table);
+void prefault_tables(const HashTables& tables) {
+    prefault(tables.transposition_table);
+    prefault(tables.quiescence_table);
 }
 
 void hash_clear(TranspositionTable& table) { clear(table); }
@@ -120,7 +120,7 @@ HashEntry* hash_probe(TranspositionTable& table, const Game& game, int depth) {
 
 void hash_store(TranspositionTable& table, const Game& game, int depth, std::optional<Move> move, int score,
                 std::uint8_t bound) {
-    HashEntry& entry = live_slot(table, game.zobrist_key);
+    HashEntry& entry = current_slot(table, game.zobrist_key);
     if (entry.lock != game.zobrist_lock) {
         if (entry.credit > 0) {
             take_credit(entry);
@@ -166,15 +166,15 @@ bool enhanced_transposition(TranspositionTable& table, const Game& game, MoveLis
 }
 
 int hash_permille(const TranspositionTable& table) {
-    const std::uint64_t looked_at = std::min<std::uint64_t>(1000, table.entries.value);
-    return static_cast<int>(used_slots(table, looked_at) * 1000 / looked_at);
+    const std::uint64_t sampled = std::min<std::uint64_t>(1000, table.entries.value);
+    return static_cast<int>(used_slots(table, sampled) * 1000 / sampled);
 }
 
 std::string hash_stats_text(const TranspositionTable& table) {
     const std::uint64_t used = used_slots(table, table.entries.value);
     const std::uint64_t all = std::max<std::uint64_t>(1, table.entries.value);
     return "Transposition table usage: " + std::to_string(used * 100 / all) +
-           "%\nTransposition table size (bytes): " + std::to_string(table.entries.value * reckoned_bytes) + '\n';
+           "%\nTransposition table size (bytes): " + std::to_string(table.entries.value * nominal_entry_bytes) + '\n';
 }
 
 }  // namespace varn

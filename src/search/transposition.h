@@ -1,10 +1,10 @@
-// Two tables that remember positions by their keys. The transposition table serves the search: a bound with its depth
-// and a best move, replaced by credits. The quiescence table serves quiescence: a bound without a depth, always
-// replaced. `zobrist_key` chooses the slot, `zobrist_lock` confirms the position. Both are read all over, and nearly
-// every look waits for memory: entries are small and never lie across two lines of the cache.
+// The transposition table and the quiescence table. A transposition entry holds a score bound with its depth and best
+// move, and is replaced by credit. A quiescence entry has no depth and is always replaced. `zobrist_key` selects the
+// slot, `zobrist_lock` verifies the position. Nearly every probe misses the cache, so entries are small and never cross
+// a cache line.
 //
-// A slot's credit is its right to stay: a new entry starts with its depth squared, hits add to it, misses and refused
-// stores take from it, and only a slot without credit can be taken over.
+// Credit protects a slot: a new entry starts with its depth squared, hits add to it, misses and refused stores subtract
+// from it, and a slot can be overwritten only when it has no credit left.
 #pragma once
 
 #include <cassert>
@@ -26,15 +26,14 @@ struct alignas(32) HashEntry {
     std::uint64_t lock;
     std::int32_t score;
     std::int32_t credit;
-    Move move;  // valid only if has_move is 1
+    Move move;  // valid if has_move is 1
     std::uint8_t has_move;
     std::int8_t depth;
     std::uint8_t bound;
-    std::uint16_t generation;  // of the table when the slot was last in use; of any other the slot counts as empty
+    std::uint16_t generation;  // an entry of another generation than the table's is empty
 };
 static_assert(sizeof(HashEntry) == 32);
 
-/// The same for the quiescence table, as far as it keeps any.
 struct alignas(16) QhashEntry {
     std::uint64_t lock;
     std::int32_t score;
@@ -43,8 +42,8 @@ struct alignas(16) QhashEntry {
 };
 static_assert(sizeof(QhashEntry) == 16);
 
-/// A block of slots. A slot written under another generation than the table's counts as empty, so that clearing is one
-/// increment; fresh memory holds generation 0, which is never the table's.
+/// A hash table. Entries of another generation than the table's are empty, so that clearing is one increment; zeroed
+/// memory has generation 0, which the table never has.
 template <typename Entry> struct HashTable {
     ZeroedBlock<Entry> slots;
     Divisor entries = divisor(1);
@@ -58,51 +57,49 @@ template <typename Entry> struct HashTable {
 using TranspositionTable = HashTable<HashEntry>;
 using QuiescenceTable = HashTable<QhashEntry>;
 
-/// Both tables of a search.
 struct HashTables {
     TranspositionTable transposition_table;
     QuiescenceTable quiescence_table;
 };
 
-/// Allocates (1 << bits) - 1 empty entries and frees the block before; the same size again is cleared instead. False
-/// where bits lies outside 1..30 or memory doesn't suffice.
+/// Allocates (1 << bits) - 1 empty entries and frees the old block; if the size is unchanged the table is only cleared.
+/// Returns false if `bits` is outside 1..30 or memory is short.
 bool hash_allocate(TranspositionTable& table, int bits);
-/// The same for an entry for each 40 bytes and at least one; false also where the number isn't positive.
+/// The same, with one entry per 40 bytes and at least one. Also returns false if `bytes` isn't positive.
 bool qhash_allocate(QuiescenceTable& table, std::int32_t bytes);
-/// Waits for the memory of both tables now instead of in the first searches, where a clock may be running. Entries
-/// stay.
-void make_tables_real(const HashTables& tables);
+/// Touches the memory of both tables now, so that page faults don't slow the first search. Entries are kept.
+void prefault_tables(const HashTables& tables);
 
-/// Empties every slot. Costs nothing, however large the table.
+/// Clears the table in constant time.
 void hash_clear(TranspositionTable& table);
 void qhash_clear(QuiescenceTable& table);
 
-/// The entry of the present position if it was searched to `depth` or deeper, else null; valid until the next call on
-/// the table. Adds to the slot's credit or takes from it.
+/// The entry of this position if its depth is at least `depth`, else null. Valid until the next call on the table.
+/// Updates the slot's credit.
 HashEntry* hash_probe(TranspositionTable& table, const Game& game, int depth);
-/// The score is the side to move's. Refused by a slot that holds another position with credit left.
+/// Stores a score for the side to move, unless the slot holds another position with credit left.
 void hash_store(TranspositionTable& table, const Game& game, int depth, std::optional<Move> move, int score,
                 std::uint8_t bound);
 
-/// Fetches the slots of the position after a pseudo-legal move: to be called as soon as the move is likely to be made.
-/// Memory takes as long to answer as a whole node takes.
+/// Prefetches the entries of the position after a pseudo-legal move. Call it as early as possible: a cache miss costs
+/// as much as a node.
 void prefetch_child(const HashTables& tables, const Game& game, Move move);
-/// The same for each move of the list. Most are never made, but the fetches run beside the scoring of the moves.
+/// The same for each move of the list. Most are never made, but the prefetches overlap with scoring the moves.
 void prefetch_children(const HashTables& tables, const Game& game, const MoveList& list);
-/// The slot of the child in the quiescence table alone.
+/// Prefetches the child's quiescence entry only.
 void prefetch_quiescent_child(const QuiescenceTable& table, const Game& game, Move move);
 
 const QhashEntry* qhash_probe(const QuiescenceTable& table, const Game& game);
 void qhash_store(QuiescenceTable& table, const Game& game, int score, std::uint8_t bound);
 
-/// Looks for a move whose child is known to a depth of `wanted_depth` or more to be good enough for beta, and scores it
-/// above all others of the list. Returns whether there is one; the scores of all others are 0.
+/// Enhanced transposition cutoff: looks for a move whose child entry, of depth `wanted_depth` or more, causes a beta
+/// cutoff, and scores that move above all others. All other scores become 0. Returns whether one was found.
 bool enhanced_transposition(TranspositionTable& table, const Game& game, MoveList& list, int wanted_depth, int beta);
 
-/// How full the table is, in thousandths, told by its first thousand slots.
+/// Table usage in permille, estimated from the first thousand slots.
 int hash_permille(const TranspositionTable& table);
 
-/// Two lines on the transposition table's use and size.
+/// Two lines of text: table usage and size.
 std::string hash_stats_text(const TranspositionTable& table);
 
 }  // namespace varn

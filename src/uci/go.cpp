@@ -19,14 +19,14 @@ namespace varn {
 
 namespace {
 
-constexpr std::int32_t no_time_limit = -1;     // read without a sign
-constexpr std::int32_t short_budget_ms = 200;  // of less the milliseconds count
+constexpr std::int32_t no_time_limit = -1;     // compared as unsigned
+constexpr std::int32_t short_budget_ms = 200;  // below this the time is read more often
 constexpr std::uint32_t short_clock_interval = 0x3ff;
-constexpr std::uint32_t quiet_ms = 3000;  // before root moves are told one by one
+constexpr std::uint32_t quiet_ms = 3000;  // time before `currmove` is sent
 
 // --- The line -------------------------------------------------------------------------------------------------------
 
-/// The words of a `go` line as they are read.
+/// The parameters of a `go` line.
 struct GoWords {
     GoLimits limits;
     std::optional<std::int64_t> time_ms[2], increment_ms[2];  // by side
@@ -39,7 +39,7 @@ std::optional<std::int64_t> take_argument(std::string_view& rest) {
     return number ? std::optional<std::int64_t>(*number) : std::nullopt;
 }
 
-/// Numbers of nodes may be larger than other numbers.
+/// Node counts may exceed 32 bits.
 std::optional<std::uint64_t> take_node_count(std::string_view& rest) {
     std::string_view after = rest;
     const std::string_view word = take_word(after);
@@ -50,7 +50,7 @@ std::optional<std::uint64_t> take_node_count(std::string_view& rest) {
     return word.size() > most_digits ? std::numeric_limits<std::uint64_t>::max() : std::stoull(std::string(word));
 }
 
-/// Legal moves, up to the first word that is no move at all.
+/// Legal moves, up to the first word that is no move.
 std::vector<Move> take_moves(const Game& game, std::string_view& rest) {
     std::vector<Move> moves;
     for (std::string_view after = rest; !after.empty(); rest = after) {
@@ -65,7 +65,7 @@ std::vector<Move> take_moves(const Game& game, std::string_view& rest) {
     return moves;
 }
 
-/// Takes what belongs to one word of the line; words that aren't known are passed over.
+/// Reads the parameter of one word; unknown words are ignored.
 void take_limit(const Uci& uci, std::string_view word, std::string_view& rest, GoWords& words) {
     GoLimits& limits = words.limits;
     const auto take_into = [&rest](int& value) {
@@ -87,7 +87,7 @@ void take_limit(const Uci& uci, std::string_view word, std::string_view& rest, G
     if (word == "ponder") limits.ponder = true;
 }
 
-/// Whether the search comes to an end by itself, and before its last depth.
+/// Whether the search ends by itself before the maximum depth.
 bool is_bounded(const GoWords& words, const GoLimits& limits) {
     return limits.clock || limits.movetime_ms || words.has_depth || limits.search.mate > 0 ||
            limits.search.nodes != SearchLimits{}.nodes;
@@ -107,14 +107,14 @@ GoLimits read_limits(const Uci& uci, std::string_view arguments) {
     limits.infinite = limits.infinite || !is_bounded(words, limits);
     limits.search.lines = uci.options.multi_pv;
     limits.search.clock_runs = true;
-    // Only who plays by a clock is glad of an answer without a search.
+    // Forced moves are answered without a search only when playing on the clock.
     limits.search.search_forced = !limits.clock;
     return limits;
 }
 
 // --- The clock ------------------------------------------------------------------------------------------------------
 
-/// The budget of the search in milliseconds, or `no_time_limit`.
+/// The time limit in milliseconds, or `no_time_limit`.
 std::int32_t budget_of(const Uci& uci, const GoLimits& limits) {
     const std::int64_t overhead_ms = uci.options.move_overhead_ms;
     std::int32_t budget_ms = no_time_limit;
@@ -155,8 +155,7 @@ SearchListener listener_of(const Uci& uci) {
     return listener;
 }
 
-/// Waits until the move may be told: a search without a limit holds it back until `stop`, a pondering one until that or
-/// `ponderhit`.
+/// Waits until `bestmove` may be sent: an infinite search waits for `stop`, a pondering one for `stop` or `ponderhit`.
 void wait_for_permission(GoJob& job) {
     std::unique_lock lock(job.mutex);
     job.changed.wait(lock, [&job] { return job.may_answer; });
@@ -175,14 +174,14 @@ void search_and_answer(Uci& uci) {
     answer(job, move, uci.search->predicted_move);
 }
 
-/// The book's move, for who plays by a clock from the starting position.
+/// The book move, when playing on the clock from the starting position.
 std::optional<Move> ask_book(Uci& uci, const GoLimits& limits) {
     const bool is_open = uci.options.own_book && !uci.options.analyse_mode && uci.from_start;
     const bool plays = limits.clock && !limits.ponder && !limits.infinite && limits.search.only.empty();
     return is_open && plays ? book_move(uci.book, *uci.game) : std::nullopt;
 }
 
-/// Starts the work; where no thread can be had, the first legal move must do for an answer.
+/// Starts the work. If no thread can be created the first legal move is the answer.
 void start_job(Uci& uci, std::function<void()> work) {
     if (start_thread(uci.job.thread, std::move(work))) return;
     say_info("the search thread can't be started");
@@ -190,14 +189,14 @@ void start_job(Uci& uci, std::function<void()> work) {
     say_text("bestmove " + (legal.count > 0 ? move_text(legal.moves[0]) : "(none)") + '\n');
 }
 
-/// What comes behind a count waits for its end, but not for ever.
+/// Later commands wait for a move count to end, but not forever.
 void wait_for_count(GoJob& job) {
     constexpr std::chrono::seconds patience(10);
     std::unique_lock lock(job.mutex);
     job.changed.wait_for(lock, patience, [&job] { return job.is_counted; });
 }
 
-/// The leaves below the position, or fewer once the count is stopped.
+/// The number of leaves below the position; incomplete if stopped.
 std::uint64_t count_while_running(const Clock& clock, Game& game, int depth) {
     constexpr int counted_at_once = 4;
     if (depth <= counted_at_once) return is_running(clock) ? count_leaves(game, depth) : 0;
@@ -282,7 +281,7 @@ void stop(Uci& uci) {
     job.changed.notify_one();
 }
 
-// The budget is set before the answer is allowed: a search that ends in between has nothing to wait for.
+// The limit is set before the answer is allowed: a search that ends in between can answer at once.
 void ponder_hit(Uci& uci) {
     GoJob& job = uci.job;
     const std::lock_guard lock(job.mutex);

@@ -1,4 +1,4 @@
-// A `go` of the protocol from its line to its `bestmove`, on a thread of its own.
+// The `go` command, from its line to its `bestmove`, on a search thread.
 #pragma once
 
 #include <condition_variable>
@@ -15,7 +15,7 @@ namespace varn {
 
 struct Uci;
 
-/// What a `go` line asks for.
+/// Limits given by a `go` line.
 struct GoLimits {
     SearchLimits search;
     std::optional<GameClock> clock;  // of the side to move
@@ -24,35 +24,35 @@ struct GoLimits {
     bool ponder = false;
 };
 
-/// The work of the search thread. The thread has it from its start until it is joined, but for what `mutex` guards.
+/// The search thread's job. The thread owns it until it is joined, except for what `mutex` guards.
 struct GoJob {
     SearchThread thread;
     Game game;
     GoLimits limits;
-    std::int32_t limit_ms = 0;  // once a pondering search has been hit
+    std::int32_t limit_ms = 0;  // applies after `ponderhit`
     std::uint32_t started_ms = 0;
-    bool is_count = false;  // a move count: what comes behind waits for its end, ten seconds at most
+    bool is_count = false;  // a move count: later commands wait for it, ten seconds at most
 
     std::mutex mutex;
     std::condition_variable changed;
-    bool may_answer = true;     // guarded: false holds a finished search's move back
+    bool may_answer = true;     // guarded: whether `bestmove` may be sent
     bool is_pondering = false;  // guarded: until `ponderhit` or `stop`
-    bool is_counted = false;    // guarded: a move count has ended
+    bool is_counted = false;    // guarded: the move count has ended
 };
 
-/// Starts what stands behind `go`; a search that is still at work is stopped first and gives its move.
+/// Executes a `go` line. A running search is stopped first and sends its move.
 void go(Uci& uci, std::string_view arguments);
 
-/// Counts the legal lines of so many plies by root move, on the search thread.
+/// Perft by root move (`go perft`), on the search thread.
 void count_by_move(Uci& uci, std::string_view arguments);
 
-/// The search gives its move at once, as a `go` without an answer does. Doesn't wait for it.
+/// Stops the search, which sends its move at once. Doesn't wait.
 void stop(Uci& uci);
-/// The opponent has played the move that is pondered on: the search goes on by the clock of its `go`.
+/// `ponderhit`: the search continues on the clock of its `go`.
 void ponder_hit(Uci& uci);
 
-/// Ends the search thread's work: a search gives its move at once, a move count is waited for a while. Whatever
-/// touches what a search uses calls this first.
+/// Ends the search thread's job: a search sends its move at once, a move count is waited for a while. Must be called
+/// before anything touches the search.
 void finish_search(Uci& uci);
 
 }  // namespace varn

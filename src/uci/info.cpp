@@ -12,7 +12,7 @@ namespace varn {
 std::string score_text(int score) {
     constexpr int farthest_mate = mate_score - 500;
     if (std::abs(score) < farthest_mate) return "cp " + std::to_string(score);
-    // The table may move a mate's score beyond the nearest mate: that one is meant.
+    // A score from the table can be beyond the nearest mate.
     const int plies = std::max(1, mate_score - std::abs(score));
     const int moves = score > 0 ? (plies + 1) / 2 : -std::max(1, plies / 2);
     return "mate " + std::to_string(moves);

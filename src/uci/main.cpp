@@ -1,4 +1,4 @@
-// The process: a client speaks UCI to it, or a person asks it for its signature.
+// The UCI engine; with `bench` on the command line, the signature of the search.
 #include <charconv>
 #include <cstdio>
 #include <string_view>

@@ -19,16 +19,16 @@ namespace varn {
 namespace {
 
 constexpr int megabyte_bits = 20;
-constexpr int most_moves = 256;  // more than any position of a game has
+constexpr int most_moves = 256;  // no position has more
 
-/// The largest table that the engine can address, or three quarters of the machine's memory where that is less.
+/// Maximum of the option Hash: what the engine can address, or three quarters of the machine's memory if less.
 int largest_hash_mb() {
     constexpr std::uint64_t largest_table_mb = std::uint64_t{sizeof(HashEntry)} << (30 - megabyte_bits);
     const std::uint64_t memory_mb = physical_memory_bytes() / 4 * 3 >> megabyte_bits;
     return static_cast<int>(std::clamp<std::uint64_t>(memory_mb, 1, largest_table_mb));
 }
 
-// --- What a change does: each returns why it can't be, empty where it can -----------------------------------------
+// --- Effects of a change: each returns an error text, empty on success ---------------------------------------------
 
 std::string resize_hash(Uci& uci) {
     finish_search(uci);
@@ -45,7 +45,7 @@ std::string clear_hash(Uci& uci) {
     return "";
 }
 
-/// The book that was open stays so where there is no other.
+/// On failure the open book is kept.
 std::string open_book(Uci& uci) {
     const std::string& name = uci.options.book_file;
     if (!uci.options.own_book) return "";
@@ -66,8 +66,8 @@ std::string do_nothing(Uci&) { return ""; }
 
 // --- The table ------------------------------------------------------------------------------------------------------
 
-/// An option is a row: its name, where its value is kept, what it may be, and what a change does. One of the three
-/// places is set; a row without any is a button.
+/// An option: its name, where its value is stored, its range, and the effect of a change. One of the three pointers is
+/// set; a row without any is a button.
 struct Option {
     std::string_view name;
     int Options::*number = nullptr;
@@ -123,7 +123,7 @@ std::string option_line(const Option& option, const Options& values) {
 
 char lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
 
-/// Names of options are told apart without regard to case.
+/// Option names are case-insensitive.
 bool is_same_name(std::string_view a, std::string_view b) {
     return std::ranges::equal(a, b, [](char one, char other) { return lower(one) == lower(other); });
 }
@@ -144,7 +144,7 @@ std::optional<int> whole_number(std::string_view text) {
     return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
 }
 
-/// Writes the value into the options; returns why it can't be one, empty where it can.
+/// Stores the value; returns an error text, empty on success.
 std::string take_value(const Option& option, Options& values, std::string_view text) {
     if (option.number != nullptr) {
         const auto number = whole_number(text);
@@ -157,12 +157,12 @@ std::string take_value(const Option& option, Options& values, std::string_view t
         if (text != "true" && text != "false") return "neither true nor false";
         values.*option.flag = text == "true";
     } else if (option.text != nullptr) {
-        values.*option.text = text == "<empty>" ? "" : text;  // as the protocol writes it
+        values.*option.text = text == "<empty>" ? "" : text;  // UCI's empty string
     }
     return "";
 }
 
-/// The name and the value of a `setoption`, which stand behind the words "name" and "value".
+/// The name and value of a `setoption` line.
 struct NameAndValue {
     std::string_view name, value;
 };
@@ -198,7 +198,7 @@ void set_option(Uci& uci, std::string_view arguments) {
     if (fault.empty()) fault = option->changed(uci);
     if (fault.empty()) return;
     uci.options = before;
-    if (option->changed == resize_hash) resize_hash(uci);  // as it was
+    if (option->changed == resize_hash) resize_hash(uci);  // back to the old size
     say_info("option " + std::string(option->name) + " stays as it is: " + fault);
 }
 

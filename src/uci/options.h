@@ -1,4 +1,4 @@
-// The options of the UCI front end: what they are, what they may be, and what a change does.
+// UCI options: names, ranges and effects.
 #pragma once
 
 #include <string>
@@ -10,26 +10,25 @@ struct Uci;
 
 struct Options {
     int hash_mb = 64;
-    bool ponder = false;  // the client says whether it will ask for pondering; nothing hangs on it
+    bool ponder = false;  // whether the client may ponder; has no effect
     bool own_book = false;
     std::string book_file = "book.dat";
-    int move_overhead_ms = 30;  // of every move, for what isn't search
+    int move_overhead_ms = 30;  // time per move lost outside the search
     int multi_pv = 1;
     int threads = 1;
-    bool analyse_mode = false;  // the book stays closed
-    std::string about;          // for people to read; a client can't change it
+    bool analyse_mode = false;  // no book moves
+    std::string about;          // read-only text
 };
 
 Options standard_options();
 
-/// The lines that tell a client of every option.
+/// The `option` lines for the client.
 std::string options_text();
 
-/// Carries out what stands behind `setoption`. An option that isn't there or a value that can't be leaves everything as
-/// it was, with an `info string` that says so.
+/// Executes a `setoption` line. An unknown option or invalid value changes nothing and is reported by `info string`.
 void set_option(Uci& uci, std::string_view arguments);
 
-/// The settings of the transposition table that take no more than so many megabytes.
+/// The largest `hash_bits` whose transposition table fits into so many megabytes.
 int hash_bits_for(int megabytes);
 
 }  // namespace varn

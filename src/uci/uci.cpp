@@ -19,7 +19,7 @@ namespace {
 
 // --- The game -------------------------------------------------------------------------------------------------------
 
-/// Positions that no later one can repeat are dropped, so that no game is too long.
+/// Drops positions that can't be repeated, so that games of any length fit.
 void play_on(Uci& uci, Move move) {
     Game& game = *uci.game;
     if (game.draw_hash_count > max_game_moves) drop_old_keys(game);
@@ -28,7 +28,7 @@ void play_on(Uci& uci, Move move) {
     ++uci.plies_played;
 }
 
-/// Plays the moves of a `position` line up to the first that isn't legal.
+/// Plays the moves of a `position` line up to the first illegal one.
 void play_moves(Uci& uci, std::string_view moves) {
     for (std::string_view word = take_word(moves); !word.empty(); word = take_word(moves)) {
         const auto move = read_move(*uci.game, word);
@@ -62,10 +62,10 @@ void set_debug(Uci& uci, std::string_view arguments) {
     if (word == "on" || word == "off") uci.debug = word == "on";
 }
 
-/// Waits for the tables' memory now, while no clock runs.
+/// Prefaults the tables now, while no clock runs.
 void say_ready(Uci& uci, std::string_view) {
     if (!uci.tables_are_real && !uci.job.thread.is_active) {
-        make_tables_real(uci.search->tables);
+        prefault_tables(uci.search->tables);
         uci.tables_are_real = true;
     }
     say_text("readyok\n");
@@ -73,7 +73,7 @@ void say_ready(Uci& uci, std::string_view) {
 
 void start_new_game(Uci& uci, std::string_view) {
     finish_search(uci);
-    forget_all(*uci.search);
+    reset_search(*uci.search);
 }
 
 void stop_command(Uci& uci, std::string_view) { stop(uci); }
@@ -81,7 +81,7 @@ void ponder_hit_command(Uci& uci, std::string_view) { ponder_hit(uci); }
 
 void show_position(Uci& uci, std::string_view) {
     const Game& game = *uci.game;
-    // Where black began, the number rises with black's first move.
+    // If black moved first the number increases after black's first move.
     const bool black_began = (uci.plies_played % 2 == 0) == (game.turn == Side::black);
     const int number = uci.first_move_number + (uci.plies_played + (black_began ? 1 : 0)) / 2;
     say_text('\n' + diagram_text(game) + "\nFen: " + fen_text(game, number) + '\n');
@@ -148,7 +148,7 @@ const Command* command_of(std::string_view word) {
 
 bool start_uci(Uci& uci) { return allocate_tables(*uci.search, {}) == TableFault::none; }
 
-// Words in front of a command that the front end doesn't know are passed over.
+// Unknown words before a command are ignored, as UCI demands.
 bool uci_step(Uci& uci, std::string_view line) {
     for (std::string_view word = take_word(line); !word.empty(); word = take_word(line)) {
         if (word == "quit") return false;

@@ -1,5 +1,4 @@
-// The front end that speaks the Universal Chess Interface on standard input and output. The main thread reads and
-// answers at once, whatever the search thread is at.
+// The UCI front end. The main thread reads and executes commands at once, even while the search thread runs.
 #pragma once
 
 #include <memory>
@@ -12,7 +11,7 @@
 
 namespace varn {
 
-/// What the front end keeps between lines. The search belongs to the search thread while that is at work.
+/// State of the front end. The search belongs to the search thread while that is running.
 struct Uci {
     std::unique_ptr<Search> search = new_search();
     bool tables_are_real = false;
@@ -20,20 +19,20 @@ struct Uci {
     Book book;
     bool debug = false;
     std::unique_ptr<Game> game = new_game();
-    int first_move_number = 1;  // of the position that the game began with
+    int first_move_number = 1;  // move number of the base position
     int plies_played = 0;
-    bool from_start = true;  // it began with the starting position: the book may know it
-    EvalContext eval;        // of `eval`
+    bool from_start = true;  // the game began in the starting position: book moves apply
+    EvalContext eval;        // used by `eval`
     GoJob job;
 };
 
-/// Allocates the tables; false where there isn't memory enough.
+/// Allocates the tables; returns false if memory is short.
 bool start_uci(Uci& uci);
 
-/// Carries out a line, with or without its newline; returns whether the front end goes on.
+/// Executes a line, with or without its newline. Returns false on `quit`.
 bool uci_step(Uci& uci, std::string_view line);
 
-/// Reads and carries out lines until `quit` or the end of the input.
+/// Executes lines until `quit` or the end of input.
 void uci_loop(Uci& uci);
 
 }  // namespace varn

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::int32_t ponder_limit_ms = 99999999;  // no limit in practice
 
-/// Whether the running search still has the limit that it was started with: no `time` line came since.
+/// Whether no `time` line has changed the limit since the search started.
 bool has_no_deadline(const Clock& clock) {
     return clock.time_limit_ms.load(std::memory_order_relaxed) == ponder_limit_ms;
 }

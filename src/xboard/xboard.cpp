@@ -33,7 +33,7 @@ std::string_view result_text(GameStatus status, Side turn) {
     return "";
 }
 
-/// Prints the result of a game that is over, or why it can't go on; says whether it is so.
+/// Prints the result of a finished game, or why it can't continue; returns whether it did.
 bool announce_end(const Game& game) {
     if (refuse_unplayable(game)) return true;
     const GameStatus status = protocol_status(game);
@@ -48,7 +48,7 @@ void move_now(Protocol& protocol, Move move) {
     say("move %s\n", move_text(move).c_str());
 }
 
-/// Every new game starts like this; the time control of the last one stands until the next `level`.
+/// Starts a new game. The time control is kept until the next `level`.
 void start_protocol_game(Protocol& protocol) {
     constexpr std::int32_t no_ply_limit = 99;
     stop_pondering(protocol);
@@ -127,7 +127,7 @@ void limit_depth(Protocol& protocol, std::string_view arguments) {
 
 void level(Protocol& protocol, std::string_view arguments) { set_level(protocol.time_control, arguments); }
 
-/// A search that runs on the other thread gets its deadline by this.
+/// Also sets the limit of a running pondering search.
 void time_left(Protocol& protocol, std::string_view arguments) {
     const auto centiseconds = take_number(arguments);
     if (!centiseconds) return;
@@ -145,7 +145,7 @@ void tell_features(Protocol&, std::string_view arguments) {
 
 // --- A move of the opponent and the answer --------------------------------------------------------------------------
 
-/// The engine's answer to a move that has just been played; there is a legal one.
+/// The engine's reply to a move; there must be a legal one.
 Move find_reply(Protocol& protocol, Move move) {
     if (is_ponder_hit(protocol.pondering, move)) {
         if (const auto reply = take_ponder_result(protocol.pondering, protocol.engine)) return *reply;
@@ -162,7 +162,7 @@ void ponder(Protocol& protocol) {
     start_pondering(protocol.pondering, protocol.engine, protocol.listener);
 }
 
-/// A line that is no command is taken for a move, whatever it is; an empty one for nothing.
+/// Any other line is taken as a move; an empty one is ignored.
 void play_line(Protocol& protocol, std::string_view line) {
     Game& game = *protocol.engine.game;
     const std::string_view word = take_word(line);
@@ -174,7 +174,7 @@ void play_line(Protocol& protocol, std::string_view line) {
     }
     play_move(game, move);
     if (announce_end(game)) {
-        stop_pondering(protocol);  // there is nothing left to think about
+        stop_pondering(protocol);  // the game is over
         return;
     }
     if (protocol.force_mode) return;
@@ -249,8 +249,8 @@ void xboard_step(Protocol& protocol, std::string_view line) {
 }
 
 void xboard_loop(Engine& engine) {
-    end_when_unheard();
-    make_tables_real(engine.search->tables);
+    exit_when_reader_gone();
+    prefault_tables(engine.search->tables);
     Protocol protocol(engine);
     while (const auto line = read_line()) xboard_step(protocol, *line);
     quit(protocol, {});

@@ -1,6 +1,5 @@
-// The second front end: the engine as the partner of a graphical chess program that speaks the xboard protocol. A line
-// that is no command is taken for a move, and the engine's answer is worked out inside the handling of that line; no
-// input is read while a search runs on the main thread.
+// The xboard front end. A line that is no command is taken as a move, and the reply is computed while handling that
+// line: no input is read while a search runs on the main thread.
 #pragma once
 
 #include <atomic>
@@ -12,12 +11,12 @@
 
 namespace varn {
 
-/// What the protocol keeps between lines.
+/// State of the front end.
 struct Protocol {
     Engine& engine;
-    bool force_mode = false;  // moves are played on the board only
+    bool force_mode = false;  // moves are played without a reply
     bool pondering_enabled;
-    std::atomic<bool> post_thinking = false;  // a search tells its lines; it may be one on the other thread
+    std::atomic<bool> post_thinking = false;  // print search output; read by the search thread too
     TimeControl time_control = {};
     Pondering pondering = {};
     SearchListener listener = {};
@@ -25,13 +24,13 @@ struct Protocol {
     explicit Protocol(Engine& its_engine);
 };
 
-/// Carries out a line, which ends with its newline where it has one. `quit` ends the process.
+/// Executes a line, which ends with its newline if it has one. `quit` ends the process.
 void xboard_step(Protocol& protocol, std::string_view line);
 
-/// Speaks the protocol on standard input until `quit` or the end of the input ends the process; never returns.
+/// Runs the protocol until `quit` or the end of input ends the process.
 [[noreturn]] void xboard_loop(Engine& engine);
 
-/// How a game stands, in the order in which the protocol claims it: a game is mate before it is anything else.
+/// Status in the protocol's order: mate comes first.
 GameStatus protocol_status(const Game& game);
 
 }  // namespace varn

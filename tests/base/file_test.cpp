@@ -1,4 +1,4 @@
-// Which files are opened at all.
+// Which files can be opened.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -13,7 +13,7 @@
 namespace varn {
 namespace {
 
-TEST(File, IsNothingThatCouldKeepItsUserWaiting) {
+TEST(File, RefusesFilesThatCouldBlock) {
     const WorkingFolder folder;
     folder.write("file", "text");
     std::filesystem::create_directory("folder");

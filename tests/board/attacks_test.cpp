@@ -1,4 +1,4 @@
-// Attacks against a walk over the board that needs none of the engine's tables.
+// Attacks, compared with a board walk that uses none of the engine's tables.
 #include <gtest/gtest.h>
 
 #include "board/attacks.h"
@@ -7,17 +7,18 @@
 namespace varn {
 namespace {
 
-/// The squares that the piece on `from` attacks, found without any table.
+/// Squares attacked by the piece on `from`, without tables.
 Bitboard attacked_from(const Game& game, int from) {
-    const int man = game.cells[from] & 7, forwards = game.cells[from] < 8 ? 1 : -1;
+    const int type = game.cells[from] & 7, forwards = game.cells[from] < 8 ? 1 : -1;
     Bitboard attacked = 0;
     for (int ranks = -2; ranks <= 2; ++ranks) {
         for (int files = -2; files <= 2; ++files) {
-            const int distance = ranks * ranks + files * files;  // 1 along a line, 2 on a diagonal, 5 a knight's
-            const bool slides = (man == queen && (distance == 1 || distance == 2)) ||
-                                (man == bishop && distance == 2) || (man >= 4 && man <= 6 && distance == 1);
-            const bool steps = (man == king && (distance == 1 || distance == 2)) || (man == knight && distance == 5) ||
-                               (man == pawn && distance == 2 && ranks == forwards);
+            const int distance = ranks * ranks + files * files;  // squared: 1 straight, 2 diagonal, 5 knight
+            const bool slides = (type == queen && (distance == 1 || distance == 2)) ||
+                                (type == bishop && distance == 2) || (type >= 4 && type <= 6 && distance == 1);
+            const bool steps = (type == king && (distance == 1 || distance == 2)) ||
+                               (type == knight && distance == 5) ||
+                               (type == pawn && distance == 2 && ranks == forwards);
             if (slides) attacked |= walk(from, ranks, files, occupied(game));
             if (steps) attacked |= walk(from, ranks, files, ~Bitboard{0});
         }
@@ -25,7 +26,7 @@ Bitboard attacked_from(const Game& game, int from) {
     return attacked;
 }
 
-TEST(Attacks, AgreeWithAWalkFromEveryMan) {
+TEST(Attacks, MatchABoardWalkFromEveryPiece) {
     RandomSource random(6);
     for (unsigned round = 0; round < 2000; ++round) {
         const auto game = game_from(random_position_text(random, round % 25));

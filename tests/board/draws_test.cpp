@@ -1,4 +1,4 @@
-// The draws by rule, and the answer in advance: whether a move leads to one.
+// Draws by rule, and the test whether a move leads to one.
 #include <gtest/gtest.h>
 
 #include "board/draws.h"
@@ -9,7 +9,7 @@ namespace {
 
 const std::string& start_text = known_positions[0].text;
 
-TEST(Draws, RepetitionsAreFoundSinceTheLastPawnMoveOrCapture) {
+TEST(Draws, RepetitionsCountSinceTheLastIrreversibleMove) {
     const auto game = game_from(start_text);
     const char* const round[] = {"g1f3", "g8f6", "f3g1", "f6g8"};
     for (int played = 1; played <= 12; ++played) {
@@ -27,7 +27,7 @@ TEST(Draws, RepetitionsAreFoundSinceTheLastPawnMoveOrCapture) {
     EXPECT_EQ(is_repetition(*game) + is_third_repetition(*game), 1);
 }
 
-TEST(Draws, PiecesThatCannotMate) {
+TEST(Draws, InsufficientMaterial) {
     constexpr std::pair<const char*, bool> cases[] = {
         {"", true},    {"B", true},   {"n", true},   {"Bn", true},   {"Nb", true},
         {"BB", false}, {"NN", false}, {"bn", false}, {"Bnn", false}, {"P", false},
@@ -45,7 +45,7 @@ struct Counts {
     int by_material = 0, by_fifty = 0, by_repetition = 0, promotions = 0;
 };
 
-/// Every legal move of the position, asked in advance and then made.
+/// Predicts for every legal move whether it draws, then makes it.
 void expect_draws_foreseen(const Game& game, Counts& counts) {
     for (const Move move : every_legal_move(game)) {
         const auto next = std::make_unique<Game>(game);
@@ -59,9 +59,9 @@ void expect_draws_foreseen(const Game& game, Counts& counts) {
     }
 }
 
-TEST(Draws, AreForeseenAsTheMoveBringsThem) {
+TEST(Draws, PredictionMatchesTheMoveMade) {
     Counts counts;
-    // Shuffling games repeat themselves: half of the moves go back where the piece came from.
+    // To get repetitions, half of the moves go back to where the piece came from.
     RandomSource random(11);
     for (const KnownPosition& known : known_positions) {
         for (const int fifty : {0, 90}) {
@@ -78,7 +78,7 @@ TEST(Draws, AreForeseenAsTheMoveBringsThem) {
             }
         }
     }
-    // Endings of a few pieces: captures and promotions that leave too little to mate with.
+    // Endgames in which captures and promotions leave insufficient material.
     for (unsigned round = 0; round < 4000; ++round) {
         std::string text(square_count, '1');
         std::size_t squares[5];

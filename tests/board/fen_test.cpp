@@ -1,4 +1,4 @@
-// Positions as clients send them: what is refused and why, and that nothing of a game's position is lost on the way.
+// FEN: what is refused and why, and that positions survive writing and reading.
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -12,7 +12,7 @@
 namespace varn {
 namespace {
 
-TEST(Fen, IsReadWholeOrRefusedWithTheFault) {
+TEST(Fen, IsReadCompletelyOrRefusedWithAReason) {
     for (const auto& row : table_rows("fen.txt")) {
         const FenReading reading = read_fen(row.at(0));
         EXPECT_EQ(reading.fault, row.at(1)) << row.at(0);
@@ -21,21 +21,21 @@ TEST(Fen, IsReadWholeOrRefusedWithTheFault) {
     }
 }
 
-TEST(Fen, BlanksOfAnyKindSeparateItsFields) {
+TEST(Fen, AnyWhitespaceSeparatesFields) {
     const FenReading reading = read_fen("\t 8/8/8/8/8/8/k7/7K\r\f w\v-\n- \t7  9\r\n");
     ASSERT_NE(reading.game, nullptr) << reading.fault;
     EXPECT_EQ(fen_text(*reading.game, reading.move_number), "8/8/8/8/8/8/k7/7K w - - 7 9");
     EXPECT_EQ(read_fen(std::string_view("8/8/8/8/8/8/k7/7K w -\0 - 7 9", 28)).game, nullptr);
 }
 
-TEST(Fen, TheStartIsTheStart) {
+TEST(Fen, StartingPositionEqualsNewGame) {
     const FenReading reading = read_fen(start_fen);
     ASSERT_NE(reading.game, nullptr) << reading.fault;
     EXPECT_TRUE(same_game(*reading.game, *new_game()));
     EXPECT_EQ(fen_text(*new_game(), 1), start_fen);
 }
 
-TEST(Fen, HoldsAllThatAPositionOfAGameIs) {
+TEST(Fen, RoundTripsInRandomGames) {
     int number = 0;
     visit_random_games(5, 120, [&number](const Game& game) {
         const FenReading reading = read_fen(fen_text(game, ++number));
@@ -54,7 +54,7 @@ TEST(Fen, HoldsAllThatAPositionOfAGameIs) {
     EXPECT_GT(number, 1000);
 }
 
-TEST(Fen, WhateverIsReadCanBePlayed) {
+TEST(Fen, EveryAcceptedPositionIsPlayable) {
     RandomSource random(99);
     constexpr std::string_view letters = "KQRBNPkqrbnp12345678/ w-eacfh0 9";
     std::vector<std::string> texts;
@@ -92,14 +92,14 @@ TEST(Fen, WhateverIsReadCanBePlayed) {
 
 // --- Keys of a long game --------------------------------------------------------------------------------------------
 
-/// How the present position and those after each move stand to the positions before them.
+/// Repetition status of the position now and after each move.
 std::vector<bool> repetitions(const Game& game) {
     std::vector<bool> found = {is_repetition(game), is_third_repetition(game)};
     for (const Move move : every_legal_move(game)) found.push_back(draw_after_move(game, move));
     return found;
 }
 
-TEST(Fen, OldKeysCanBeDroppedWithoutLoss) {
+TEST(Fen, DroppingOldKeysKeepsRepetitions) {
     RandomSource random(17);
     int repeated = 0;
     for (const KnownPosition& known : known_positions) {
@@ -107,7 +107,7 @@ TEST(Fen, OldKeysCanBeDroppedWithoutLoss) {
         for (int ply = 0; ply < 150; ++ply) {
             std::vector<Move> moves = every_legal_move(*game);
             if (moves.empty()) break;
-            // Games that go to and fro, with what can't be taken back in between.
+            // Games that shuffle, with irreversible moves in between.
             if (random.next() % 16 != 0) {
                 const auto is_final = [&](Move move) { return after(*game, move)->fifty == 0; };
                 if (!std::ranges::all_of(moves, is_final)) std::erase_if(moves, is_final);

@@ -1,4 +1,4 @@
-// Legality, pins and checkers: every answer against the move made on a copy of the game and a look at the kings.
+// Legality tests, compared with making the move and looking at the kings.
 #include <gtest/gtest.h>
 
 #include <iterator>
@@ -11,13 +11,13 @@
 namespace varn {
 namespace {
 
-/// Whether a move of the side to move leaves its king unattacked, found by making it.
+/// Whether a move is legal, found by making it.
 bool is_safe(const Game& game, Move move) {
     const auto next = after(game, move);
     return game.turn == Side::white ? !white_in_check(*next) : !black_in_check(*next);
 }
 
-/// All ways to ask whether a pseudo-legal move is legal.
+/// Every function that tests a pseudo-legal move for legality.
 void expect_legality(const Game& game, Move move, bool is_legal_move) {
     const bool white = game.turn == Side::white;
     EXPECT_EQ(is_legal(game, move), is_legal_move) << move_text(move);
@@ -26,7 +26,7 @@ void expect_legality(const Game& game, Move move, bool is_legal_move) {
         << move_text(move);
 }
 
-TEST(Legality, ValidMovesAreExactlyTheGeneratedSafeOnes) {
+TEST(Legality, ValidMovesAreExactlyTheGeneratedLegalOnes) {
     RandomSource random(4);
     visit_random_games(4, 60, [&](const Game& game) {
         const auto number_of = [](Move move) { return move.from << 16 | move.to << 8 | move.kind; };
@@ -53,23 +53,23 @@ TEST(Legality, ValidMovesAreExactlyTheGeneratedSafeOnes) {
     });
 }
 
-/// A random position in which white's pawn on a file can make a double step that can be answered en passant; empty
-/// where a king is in the way.
+/// A random position in which white's pawn on the file can make a double step that allows en passant; empty if a king
+/// is in the way.
 std::string before_a_double_step(RandomSource& random) {
     std::string text = random_position_text(random, static_cast<unsigned>(random.below(16)));
     const std::size_t file = random.below(8);
     const std::size_t beside = file == 0 || (file < 7 && random.below(2) == 0) ? file + 1 : file - 1;
-    for (const auto& [square, man] :
+    for (const auto& [square, piece] :
          {std::pair{48 + file, 'P'}, {40 + file, '1'}, {32 + file, '1'}, {32 + beside, 'p'}}) {
         if (text[square] == 'K' || text[square] == 'k') return "";
-        text[square] = man;
+        text[square] = piece;
     }
     text[square_count + 1] = 'w';
     return text;
 }
 
-/// Kings anywhere, in check or not, also that of the side that isn't to move.
-TEST(Legality, PinsAndChecksInPositionsThatNoGameHas) {
+/// Kings on any square, also with the side not to move in check.
+TEST(Legality, HoldsInUnreachablePositions) {
     RandomSource random(5);
     int en_passant = 0, en_passant_illegal = 0;
     const auto expect_all = [&](const Game& game) {

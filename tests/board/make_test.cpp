@@ -1,5 +1,5 @@
-// Make and unmake against a model that knows the mailbox and the rules of the game only: whatever is kept incrementally
-// must equal what the model computes anew, and whatever was made must be taken back to the last byte.
+// Make and unmake, compared with a model that knows only the mailbox and the rules: all incremental values must equal
+// the model's, and unmake must restore every byte.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -13,8 +13,8 @@
 namespace varn {
 namespace {
 
-/// A position without boards or counts. The hashes are exact only relative to their start: `stray` is by how much the
-/// position's are off the sums over its pieces, through lost rights and null moves; `pawn_stray` never changes.
+/// A position without boards or counts. Hashes are exact relative to their start: `stray` is the difference from the
+/// sum over the pieces, caused by lost rights and null moves; `pawn_stray` is constant.
 struct Model {
     Table<PieceCode, square_count> cells;
     std::uint32_t w_castle, b_castle;
@@ -34,7 +34,7 @@ Model model_of(const Game& g) {
     return {g.cells, g.w_castle, g.b_castle, g.turn, g.fifty, g.enpassant, stray_of(g), pawn_stray_of(g)};
 }
 
-/// A right falls as soon as the king or the rook that carries it isn't at home.
+/// A right is lost when its king or rook leaves home.
 void keep_rights(Model& m, std::uint32_t& rights, int king_code, int home, std::uint64_t kings, std::uint64_t queens) {
     const bool is_home = m.cells[home] == king_code;
     const bool loses[2] = {(rights & 1) != 0 && !(is_home && m.cells[home - 3] == king_code + kingside_rook),
@@ -46,7 +46,7 @@ void keep_rights(Model& m, std::uint32_t& rights, int king_code, int home, std::
 Model model_after(Model m, Move move) {
     auto& cells = m.cells;
     const PieceCode mover = cells[move.from];
-    const bool is_pawn = man_of(mover) == pawn, is_king = man_of(mover) == king;
+    const bool is_pawn = type_of(mover) == pawn, is_king = type_of(mover) == king;
     m.fifty = is_pawn || cells[move.to] != no_piece ? 0 : static_cast<std::uint8_t>(std::min(m.fifty + 1, 255));
     cells[move.to] = is_promotion(move.kind) ? static_cast<PieceCode>(move.kind) : mover;
     cells[move.from] = no_piece;
@@ -74,8 +74,7 @@ void expect_agreement(const Game& g, const Model& m) {
     EXPECT_EQ(pawn_stray_of(g), m.pawn_stray);
 }
 
-/// Makes and unmakes every pseudo-legal move, those that leave the king in check included, and asks what it would do to
-/// the keys.
+/// Makes and unmakes every pseudo-legal move, illegal ones included, and compares `child_keys`.
 void expect_unmake_restores(Game& game, const Game& before) {
     const Pins pins = pins_of(game);
     for (const Move move : pseudo_legal_moves(game)) {
@@ -99,12 +98,12 @@ struct Step {
     bool is_null;
 };
 
-TEST(Make, AgreesWithTheModelThereAndBackInRandomGames) {
+TEST(Make, MakeAndUnmakeMatchTheModelInRandomGames) {
     RandomSource random(2);
     std::map<int, int> seen;
     for (std::size_t round = 0; round < 3 * std::size(known_positions); ++round) {
         auto game = game_from(known_positions[round / 3].text);
-        game->fifty = round % 3 == 0 ? 240 : 0;  // so that the count meets its ceiling
+        game->fifty = round % 3 == 0 ? 240 : 0;  // reaches the counter's limit
         Model model = model_of(*game);
         std::vector<Step> line;
         for (int ply = 0; ply < 300; ++ply) {
@@ -143,8 +142,8 @@ TEST(Make, AgreesWithTheModelThereAndBackInRandomGames) {
     for (const auto& [kind, times] : seen) EXPECT_GT(times, 5) << kind;
 }
 
-/// What callers owe is asked in debug builds only.
-TEST(MakeDeathTest, AsksForPossibleMovesWhereAssertionsAre) {
+/// Preconditions are asserted in debug builds only.
+TEST(MakeDeathTest, AssertsItsPreconditions) {
 #ifdef NDEBUG
     GTEST_SKIP() << "built without assertions";
 #endif
@@ -158,7 +157,7 @@ TEST(MakeDeathTest, AsksForPossibleMovesWhereAssertionsAre) {
     EXPECT_DEATH(pop_keys(*game), "ssert");
 }
 
-TEST(Make, AFullRecordRefusesTheMove) {
+TEST(Make, FullRecordRefusesMoves) {
     auto game = new_game();
     game->move_counter = max_game_moves - 1;
     game->draw_hash_count = max_game_moves;

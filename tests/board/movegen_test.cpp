@@ -1,4 +1,4 @@
-// The generators of moves: published counts of the move tree, the rules of castling, and the stages.
+// Move generation: published perft counts, castling rules, and the order of the stages.
 #include <gtest/gtest.h>
 
 #include "board/movegen.h"
@@ -8,7 +8,7 @@
 namespace varn {
 namespace {
 
-/// Leaves of the tree of legal moves. Every position inside the tree must know whether it has a legal move.
+/// Counts leaves, and compares `has_legal_move` in every position of the tree.
 std::uint64_t count_leaves(Game& game, int depth) {
     if (depth == 0) return 1;
     std::uint64_t leaves = 0;
@@ -26,7 +26,7 @@ std::uint64_t count_leaves(Game& game, int depth) {
     return leaves;
 }
 
-TEST(MoveCounts, AsPublishedAndTheSameOnTheMirroredBoard) {
+TEST(MoveCounts, MatchPublishedValuesAlsoMirrored) {
     for (const auto& [text, depth, leaves] : known_positions) {
         const auto game = game_from(text), mirrored = game_from(mirrored_text(text));
         EXPECT_EQ(count_leaves(*game, depth), leaves) << text;
@@ -42,11 +42,11 @@ std::string joined(const std::vector<Move>& moves) {
 
 TEST(Generation, CastlingRules) {
     constexpr std::pair<const char*, std::string_view> cases[] = {
-        // ranks 4 to 1, what is generated of both castlings
+        // ranks 4 to 1, castling moves generated
         {"8/8/8/R3K2R", "e1g1 e1c1"},  {"4r3/8/8/R3K2R", ""},           // in check
         {"5r2/8/8/R3K2R", "e1c1"},     {"6r1/8/8/R3K2R", "e1c1"},       // f1 or g1 attacked
         {"3r4/8/8/R3K2R", "e1g1"},     {"2r5/8/8/R3K2R", "e1g1"},       // d1 or c1
-        {"7r/8/8/R3K2R", "e1g1 e1c1"}, {"1r6/8/8/R3K2R", "e1g1 e1c1"},  // h1 and b1 may be
+        {"7r/8/8/R3K2R", "e1g1 e1c1"}, {"1r6/8/8/R3K2R", "e1g1 e1c1"},  // h1 and b1 don't matter
         {"8/8/7p/R3K2R", "e1c1"},      {"8/8/8/R3KB1R", "e1c1"},        // pieces in the way
         {"8/8/8/R3K1nR", "e1c1"},      {"8/8/8/RN2K2R", "e1g1"},
         {"8/8/8/R1b1K2R", "e1g1"},     {"8/8/8/R2QK2R", "e1g1"},
@@ -63,7 +63,7 @@ TEST(Generation, CastlingRules) {
     }
 }
 
-TEST(Generation, AllMovesAreThoseOfTheStagesInTheirOrder) {
+TEST(Generation, AllMovesEqualTheStagesInOrder) {
     visit_random_games(4, 60, [](const Game& game) {
         MoveList stages, noisy;
         stages.count = 0;

@@ -1,4 +1,4 @@
-// Moves and squares as text: round trips, tables of short algebraic form, and bad input of every kind.
+// Moves and squares as text: round trips, algebraic notation, and bad input.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -12,14 +12,14 @@
 namespace varn {
 namespace {
 
-/// The text in a block of just its size, so that a sanitizer sees a read past its end.
+/// The text in a buffer of exactly its size, so that sanitizers catch reads past the end.
 struct ExactText {
     explicit ExactText(std::string_view text) : bytes(text.begin(), text.end()) { bytes.shrink_to_fit(); }
     operator std::string_view() const { return {bytes.data(), bytes.size()}; }
     std::vector<char> bytes;
 };
 
-TEST(SquareText, NamesRoundTripAndNothingElseIsASquare) {
+TEST(SquareText, RoundTripsAndRejectsOtherText) {
     for (int square = 0; square < square_count; ++square) EXPECT_EQ(square_from_text(square_text(square)), square);
     EXPECT_EQ(square_text(h1) + square_text(a1) + square_text(h8) + square_text(a8), "h1a1h8a8");
     EXPECT_EQ(square_from_text("B7x"), 54);
@@ -29,7 +29,7 @@ TEST(SquareText, NamesRoundTripAndNothingElseIsASquare) {
     }
 }
 
-TEST(MoveText, RoundTripsAndSanNamesEachMoveOnceInRandomGames) {
+TEST(MoveText, RoundTripsAndSanIsUniqueInRandomGames) {
     visit_random_games(8, 100, [](const Game& game) {
         std::set<std::string> names;
         for (const Move move : every_legal_move(game)) {
@@ -47,7 +47,7 @@ TEST(MoveText, RoundTripsAndSanNamesEachMoveOnceInRandomGames) {
     });
 }
 
-TEST(San, LastMoveOfALine) {
+TEST(San, NotationOfSpecialMoves) {
     for (const auto& row : table_rows("san_written.txt")) {
         auto game = game_from(row.at(0));
         std::string last;
@@ -59,16 +59,16 @@ TEST(San, LastMoveOfALine) {
         EXPECT_EQ(last, row.at(2)) << row.at(0);
     }
     auto game = game_from("6k1/5ppp/8/8/8/8/8/R3K3 w Q -");
-    game->fifty = 99;  // a draw comes before mate
+    game->fifty = 99;  // the draw takes precedence over mate
     const Move mate = parse_move(*game, "a1a8");
     EXPECT_EQ(san_column(*game, mate), " Ra8+");
 }
 
-TEST(MoveText, KindsOfWhatIsTypedAndNothingPastItsEnd) {
+TEST(MoveText, ParsesKindsWithoutReadingPastTheEnd) {
     constexpr std::tuple<std::string_view, std::string_view, int> cases[] = {
-        {"3rk3/4P3/8/8/8/8/8/4K3 w - -", "e7d8q", 1},  // not a capture: the promotion overrides it
+        {"3rk3/4P3/8/8/8/8/8/4K3 w - -", "e7d8q", 1},  // the promotion overrides the capture
         {"3rk3/4P3/8/8/8/8/8/4K3 w - -", "e7d8", 0x20}, {"3rk3/4P3/8/8/8/8/8/4K3 w - -", "e7d8x", 0xFF},
-        {"4k3/8/8/8/8/8/8/4R1K1 w - -", "e1g1", 0x20},  // no king, no castling
+        {"4k3/8/8/8/8/8/8/4R1K1 w - -", "e1g1", 0x20},  // not a king, so not castling
         {"4k3/8/8/8/8/8/8/4R2K w - -", "e1g1", 0},      {"4k3/8/8/8/8/8/8/R3K2R w KQ -", "E1C1\n", 0x42},
         {"4k3/8/8/8/8/8/4p3/K7 b - -", "e2e1N", 11},
     };

@@ -1,4 +1,4 @@
-// Pins and checkers against a walk from the king. What they mean for moves is asked in legality_test.cpp.
+// Pins and checkers, compared with a walk from the king. Legality is tested in legality_test.cpp.
 #include <gtest/gtest.h>
 
 #include "board/attacks.h"
@@ -13,9 +13,9 @@ template <Side S> Bitboard pinned_by_a_walk(const Game& game) {
     const int king_square = king_square_of<S>(game);
     Bitboard pinned = 0;
     for (const auto& [ranks, files] : {std::pair{0, 1}, {0, -1}, {1, 0}, {-1, 0}, {1, 1}, {1, -1}, {-1, 1}, {-1, -1}}) {
-        const Bitboard men = occupied(game);
-        const Bitboard first = walk(king_square, ranks, files, men) & men;
-        const Bitboard second = walk(king_square, ranks, files, men & ~first) & men & ~first;
+        const Bitboard pieces = occupied(game);
+        const Bitboard first = walk(king_square, ranks, files, pieces) & pieces;
+        const Bitboard second = walk(king_square, ranks, files, pieces & ~first) & pieces & ~first;
         const Bitboard sliders =
             queens_of<them>(game) | (ranks * files == 0 ? rooks_of<them>(game) : bishops_of<them>(game));
         if ((second & sliders) != 0) pinned |= first & pieces_of<S>(game);
@@ -30,7 +30,7 @@ template <Side S> void expect_pins(const Game& game) {
     EXPECT_EQ(pins.king_square, king_square_of<S>(game));
 }
 
-TEST(Pins, AgreeWithAWalkFromTheKing) {
+TEST(Pins, MatchAWalkFromTheKing) {
     RandomSource random(7);
     Bitboard seen = 0;
     for (unsigned round = 0; round < 4000; ++round) {
@@ -40,7 +40,7 @@ TEST(Pins, AgreeWithAWalkFromTheKing) {
         seen |= pins_of(*game).pinned;
         ASSERT_FALSE(HasFailure()) << position_text(*game);
     }
-    EXPECT_GT(popcount(seen), 50);  // of 60: no piece is pinned in a corner
+    EXPECT_GT(popcount(seen), 50);  // of 60: no pins in corners
 }
 
 }  // namespace

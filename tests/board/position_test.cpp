@@ -1,4 +1,4 @@
-// Positions as text: round trips, what is made of odd texts, and the test of a record's soundness.
+// Positions as text: round trips, malformed input, and the consistency check.
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -9,13 +9,13 @@
 namespace varn {
 namespace {
 
-/// What there is to say of a text, a letter each.
+/// The remarks on a text, one letter each.
 std::string letters(const PositionRemarks& remarks) {
     return std::string(remarks.foreign_piece ? "p" : "") + (remarks.foreign_side ? "s" : "") +
            (remarks.foreign_enpassant ? "e" : "");
 }
 
-/// Read from a block of just its size, so that a sanitizer sees a read past its end.
+/// Read from a buffer of exactly its size, so that sanitizers catch reads past the end.
 std::string remarks_on(Game& game, std::string_view text) {
     std::vector<char> exact(text.begin(), text.end());
     exact.shrink_to_fit();
@@ -36,22 +36,22 @@ TEST(PositionText, RoundTrips) {
     });
 }
 
-TEST(PositionText, WhatIsMadeOfOddTexts) {
+TEST(PositionText, ReadsMalformedText) {
     constexpr std::string_view all = "r3k2r/8/8/8/8/8/8/R3K2R ", few = "4k3/8/8/8/8/8/8/4K2R ";
     constexpr std::tuple<std::string_view, std::string_view, std::string_view, std::string_view> cases[] = {
-        // board, what follows, what is written again, what there is to say
+        // board, rest of the text, text written again, remarks
         {all, "b qQkK - 12 34 bm Kd2;", "b KQkq -", ""},
         {all, "w KQ-k -", "w k -", ""},
-        {all, "white HAx!KK -", "w Q -", ""},  // letters are added up at their values
+        {all, "white HAx!KK -", "w Q -", ""},  // letters are added up as values
         {all, "w KKKkQkqk -", "w Kk -", ""},
         {all, "w QqqQKq -", "w Kq -", ""},
         {all, "w KQkqKQk-kk -", "w q -", ""},
         {few, "w KK -", "w - -", ""},
         {few, "w KKK -", "w K -", ""},
-        {few, "w KQkq -", "w K -", ""},                       // no rook, no right
-        {"4k2R/8/8/8/8/8/8/r3K3 ", "w KQkq -", "w - -", ""},  // nor with the enemy's rook
-        {few, "x K -", "b K -", "s"},                         // the turn stays as it was
-        {few, " -K -", "b - -", "s"},  // an empty side field leaves its blank to an empty castling field
+        {few, "w KQkq -", "w K -", ""},                       // no right without a rook
+        {"4k2R/8/8/8/8/8/8/r3K3 ", "w KQkq -", "w - -", ""},  // nor with an enemy rook
+        {few, "x K -", "b K -", "s"},                         // the turn is unchanged
+        {few, " -K -", "b - -", "s"},  // an empty side field makes the castling field empty as well
         {few, "w K e3", "w K -", "e"},
         {few, "", "b - -", "s"},
         {few, "w\nK -", "w - -", ""},
@@ -62,8 +62,8 @@ TEST(PositionText, WhatIsMadeOfOddTexts) {
         EXPECT_EQ(remarks_on(*game, text), said) << text;
         EXPECT_EQ(position_text(*game), std::string(board) + std::string(expected)) << text;
         EXPECT_TRUE(is_consistent(*game)) << text;
-        // The rooks of rights, and no others, can lose them.
-        constexpr std::tuple<int, Man, std::uint32_t Game::*, std::uint32_t> corners[] = {
+        // Exactly the rooks of existing rights can lose them.
+        constexpr std::tuple<int, PieceType, std::uint32_t Game::*, std::uint32_t> corners[] = {
             {h1, kingside_rook, &Game::w_castle, kingside_right},
             {a1, queenside_rook, &Game::w_castle, queenside_right},
             {h8, kingside_rook, &Game::b_castle, kingside_right},
@@ -72,7 +72,7 @@ TEST(PositionText, WhatIsMadeOfOddTexts) {
         for (const auto& [corner, rook, rights, right] : corners) {
             const int code = game->cells[corner];
             if (code == no_piece) continue;
-            EXPECT_EQ(man_of(code), ((*game).*rights & right) != 0 ? rook : plain_rook) << text << corner;
+            EXPECT_EQ(type_of(code), ((*game).*rights & right) != 0 ? rook : plain_rook) << text << corner;
         }
     }
     EXPECT_EQ(position_text(*game_from("4k384K2R99999 w - -")), "4k3/8/4K2R/8/8/8/8/8 w - -");
@@ -82,7 +82,7 @@ TEST(PositionText, WhatIsMadeOfOddTexts) {
     }
 }
 
-TEST(PositionText, ItsKeysAreThoseOfTheBoardFieldAndTheTurnOfBefore) {
+TEST(PositionText, KeysDependOnTheBoardFieldAndThePreviousTurnOnly) {
     visit_random_games(10, 40, [](const Game& game) {
         for (const Side before : {Side::white, Side::black}) {
             const auto read = new_game(), as_read = game_from(position_text(game));
@@ -90,7 +90,7 @@ TEST(PositionText, ItsKeysAreThoseOfTheBoardFieldAndTheTurnOfBefore) {
             set_position(*read, position_text(game));
             as_read->turn = before;
             for (auto& cell : as_read->cells) {
-                if (cell != no_piece && is_rook(man_of(cell))) cell = code_of(side_of(cell), plain_rook);
+                if (cell != no_piece && is_rook(type_of(cell))) cell = code_of(side_of(cell), plain_rook);
             }
             EXPECT_EQ(keys_of(*read), position_keys(*as_read));
             EXPECT_EQ((PositionKeys{read->pawn_key, read->pawn_lock}), pawn_keys(*as_read));
@@ -99,7 +99,7 @@ TEST(PositionText, ItsKeysAreThoseOfTheBoardFieldAndTheTurnOfBefore) {
     });
 }
 
-TEST(Soundness, AnyBitOrCellAstrayIsFound) {
+TEST(Soundness, DetectsAnyWrongBitOrCell) {
     const auto sound = game_from(known_positions[3].text), game = std::make_unique<Game>(*sound);
     for (int square = 0; square < square_count; ++square) {
         for (const auto board : {&Game::w_pieces, &Game::w_king, &Game::w_queens, &Game::w_rooks, &Game::w_bishops,

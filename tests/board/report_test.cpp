@@ -1,4 +1,4 @@
-// The board as it is printed. Whole reports are in the console's transcripts.
+// Board diagrams. Full reports are tested by the console transcripts.
 #include <gtest/gtest.h>
 
 #include "board/report.h"

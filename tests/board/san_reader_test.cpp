@@ -1,4 +1,4 @@
-// Moves as others write them, read on a board.
+// Reading moves in algebraic notation as written by other programs.
 #include <gtest/gtest.h>
 
 #include "board/san_reader.h"
@@ -8,17 +8,17 @@
 namespace varn {
 namespace {
 
-/// A move with its whole from-square, spelled with all signs that belong to it and one that may not.
+/// A move with its full from-square, all its signs, and one optional sign.
 std::string long_text(const Game& game, Move move) {
-    const char man = piece_letter(man_of(game.cells[move.from]));
+    const char piece = piece_letter(type_of(game.cells[move.from]));
     const bool captures = game.cells[move.to] != no_piece || move.kind == kind_en_passant;
     std::string text = square_text(move.from) + (captures ? 'x' : '-') + square_text(move.to);
-    if (man != 'P') text = man + text;
-    if (is_promotion(move.kind)) text += std::string("=") + piece_letter(man_of(move.kind));
+    if (piece != 'P') text = piece + text;
+    if (is_promotion(move.kind)) text += std::string("=") + piece_letter(type_of(move.kind));
     return text + (move.kind == kind_en_passant ? " e.p." : "") + "+!?";
 }
 
-TEST(SanReader, ReadsEachMoveOfRandomGamesHoweverItIsSpelled) {
+TEST(SanReader, ReadsEachMoveOfRandomGamesInEverySpelling) {
     visit_random_games(41, 60, [](const Game& game) {
         for (const Move move : every_legal_move(game)) {
             std::string san = san_text(game, move);
@@ -31,9 +31,9 @@ TEST(SanReader, ReadsEachMoveOfRandomGamesHoweverItIsSpelled) {
     });
 }
 
-TEST(SanReader, TakesWhatLeavesOneMove) {
+TEST(SanReader, AcceptsUnambiguousText) {
     for (const auto& row : table_rows("san_read.txt")) {
-        const std::vector<char> exact(row.at(1).begin(), row.at(1).end());  // a sanitizer sees a read past its end
+        const std::vector<char> exact(row.at(1).begin(), row.at(1).end());  // exact size for sanitizers
         const auto move = read_san(*game_from(row.at(0)), {exact.data(), exact.size()});
         EXPECT_EQ(move ? move_text(*move) : "-", row.at(2)) << row.at(0) << ' ' << row.at(1);
     }
@@ -44,7 +44,7 @@ TEST(SanReader, TakesWhatLeavesOneMove) {
         const auto move = read_san(*game, text);
         EXPECT_TRUE(move && move->kind == kind_en_passant) << text;
     }
-    EXPECT_FALSE(read_san(*game, "c6"));  // a capture names the pawn's file
+    EXPECT_FALSE(read_san(*game, "c6"));  // a pawn capture needs its file
 }
 
 }  // namespace

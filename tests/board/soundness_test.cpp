@@ -1,4 +1,4 @@
-// Moves that are not validated: what the soundness test lets through must leave a record on which the engine can go on.
+// Unvalidated moves: those that are let through must leave a consistent, playable game.
 #include <gtest/gtest.h>
 
 #include "board/soundness.h"
@@ -7,8 +7,8 @@
 namespace varn {
 namespace {
 
-/// A move as the rules have it, or one of any three bytes: mostly of squares on the board, often of a kind that exists
-/// or that its text would have, and often onto the en-passant square.
+/// A generated move or three arbitrary bytes, mostly with squares on the board, often with an existing or matching
+/// kind, and often onto the en-passant square.
 Move any_move(RandomSource& random, const Game& game) {
     const auto square = [&] { return static_cast<std::uint8_t>(random.below(random.below(20) == 0 ? 256 : 64)); };
     constexpr Table<std::uint8_t, 6> kinds = {
@@ -26,7 +26,7 @@ Move any_move(RandomSource& random, const Game& game) {
     }
 }
 
-TEST(UnvalidatedMoves, LeaveASoundRecordWhereLetThrough) {
+TEST(UnvalidatedMoves, AcceptedMovesKeepTheGameConsistent) {
     RandomSource random(1972);
     for (const KnownPosition& known : known_positions) {
         for (int round = 0; round < 20; ++round) {
@@ -43,7 +43,7 @@ TEST(UnvalidatedMoves, LeaveASoundRecordWhereLetThrough) {
     }
 }
 
-TEST(UnvalidatedMoves, AreLetThroughWhereLegal) {
+TEST(UnvalidatedMoves, LegalMovesAreAccepted) {
     visit_random_games(3, 60, [](const Game& game) {
         for (const Move move : every_legal_move(game)) {
             EXPECT_TRUE(keeps_record_sound(game, move)) << position_text(game) << ' ' << move_text(move);

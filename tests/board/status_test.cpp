@@ -1,5 +1,4 @@
-// The ways in which a game can be over, and which of several counts. What the front ends make of them is in their own
-// tests.
+// Game status: each reason for the end of a game, and their order. How front ends report it is tested with them.
 #include <gtest/gtest.h>
 
 #include "board/status.h"
@@ -21,7 +20,7 @@ std::vector<GameStatus> ways_of(const Game& game) {
     return ways;
 }
 
-TEST(Status, EachWayIsFoundBesideTheOthers) {
+TEST(Status, EachReasonIsFoundIndependently) {
     using Ways = std::vector<GameStatus>;
     const std::tuple<const char*, int, Ways> cases[] = {
         {"3R2k1/5ppp/8/8/8/8/8/4K3 b - -", 99, {mate}},
@@ -45,7 +44,7 @@ TEST(Status, EachWayIsFoundBesideTheOthers) {
     EXPECT_FALSE(is_over_by(*game, goes_on));
 }
 
-TEST(Status, TheFirstWayAskedForCounts) {
+TEST(Status, TheFirstReasonAskedForWins) {
     const auto game = game_from("3R2k1/5ppp/8/8/8/8/8/4K3 b - -");
     game->fifty = 100;
     EXPECT_EQ(status_of(*game, {stalemate, mate, fifty_moves}), mate);

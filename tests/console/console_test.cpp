@@ -1,5 +1,4 @@
-// The console as a person at the prompt meets it: transcripts of the real process, byte for byte but for what differs
-// from run to run.
+// The console: transcripts of the real process, compared byte for byte except for what differs between runs.
 #include <gtest/gtest.h>
 
 #include <regex>
@@ -19,7 +18,7 @@ namespace {
 constexpr std::string_view prompt = "Varn> ";
 const std::string &start_text = known_positions[0].text, &rich_text = known_positions[1].text;
 
-/// Hash keys become N, and so do times and speeds; the lines that tell of a search's iterations go.
+/// Replaces hash keys, times and speeds by N and drops the search output.
 std::string normalised(const std::string& text) {
     static const std::regex iteration(" +\\d+ +-?\\d+ +\\d+ +\\d+ +\\d+ +[^\n]*\n");
     static const std::regex number("(Zobrist key: |Zobrist lock: |NPS: |nodes in )-?\\d+");
@@ -33,7 +32,7 @@ public:
         if (!lines.empty()) answer(lines);
     }
 
-    /// What the lines, with "; " between them, are answered with, up to the next prompt.
+    /// The answer to the lines (separated by "; "), up to the next prompt.
     std::string raw_answer(std::string_view lines) {
         std::string text;
         for (const std::string& line : split(lines, "; ")) {
@@ -52,7 +51,7 @@ private:
 
 std::string ignored(const std::string& line) { return "ignoring line:\t" + line + '\n'; }
 
-TEST(Console, SpeaksAsInItsTranscripts) {
+TEST(Console, MatchesItsTranscripts) {
     for_each_transcript("console.txt", [](const std::string& title, const std::string& transcript) {
         SCOPED_TRACE(title);
         Session console;
@@ -60,7 +59,7 @@ TEST(Console, SpeaksAsInItsTranscripts) {
     });
 }
 
-TEST(Console, IgnoresWhatItDoesNotKnow) {
+TEST(Console, IgnoresUnknownLines) {
     Session console;
     constexpr std::string_view lines =
         "| | show|SHOW|show |shows|time5|ply|bac|a0a1|a9a1|e2e4 |e7e8Q|e2e4qq|e2-e4|e2e|e2e4\r|perft|perft |perft x|"
@@ -73,7 +72,7 @@ TEST(Console, IgnoresWhatItDoesNotKnow) {
     EXPECT_EQ(console.position(), start_text + '\n');
 }
 
-TEST(Console, ReadsLongLinesInPiecesAndEndsWithItsInput) {
+TEST(Console, SplitsLongLinesAndExitsAtEndOfInput) {
     const std::string piece(255, 'x'), answer = "Varn> ignoring line:\t" + piece;
     const std::pair<std::string, std::string> cases[] = {
         {piece + piece + "y\n", answer + answer + "Varn> ignoring line:\ty\nVarn> "},
@@ -128,7 +127,7 @@ TEST(Console, ShowsBoardsAndScores) {
         EXPECT_EQ(console.answer(typed), text + std::to_string(score) + '\n');
 }
 
-TEST(Console, KeysOfASetPositionAreThoseOfItsPiecesAndOfTheTurnOfBefore) {
+TEST(Console, KeysOfASetPositionDependOnPiecesAndPreviousTurn) {
     Session console;
     const auto keys = [&console](const std::string& rest) {
         const std::string report = console.raw_answer("setboard r3k2r/8/8/8/8/8/8/R3K2R " + rest + "; show");
@@ -141,13 +140,13 @@ TEST(Console, KeysOfASetPositionAreThoseOfItsPiecesAndOfTheTurnOfBefore) {
     EXPECT_NE(after_black, after_white);
     EXPECT_EQ(keys("b - -"), after_white);
     EXPECT_EQ(keys("b - -"), after_black);
-    // Repetitions are told by the same keys.
+    // Repetitions are found by the same keys.
     const std::string round = "; a1b1; a8b8; b1a1; b8a8";
     EXPECT_EQ(console.answer("pvp; setboard r3k2r/8/8/8/8/8/8/R3K2R w KQkq -" + round + round + round + "; cvc"),
               "Draw by repetition.\n");
 }
 
-TEST(Console, AFullRecordTakesNoMoreMoves) {
+TEST(Console, FullRecordRefusesMoves) {
     const std::string full = "the game record is full: 1000 moves have been played.\n";
     Session console("ply 1; pvp");
     for (int i = 0; i < 249; ++i) EXPECT_EQ(console.answer("g1f3; g8f6; f3g1; f6g8"), "");
@@ -156,7 +155,7 @@ TEST(Console, AFullRecordTakesNoMoreMoves) {
     EXPECT_NE(console.answer("hint").find("I recommend: "), std::string::npos);
 }
 
-TEST(Console, TheEngineAnswersATypedMoveInItsTime) {
+TEST(Console, AnswersATypedMoveWithinTheTimeLimit) {
     Session console("time 200");
     const auto started = std::chrono::steady_clock::now();
     const std::string answer = console.answer("e2e4");
@@ -172,14 +171,14 @@ TEST(Console, TheEngineAnswersATypedMoveInItsTime) {
     EXPECT_EQ(console.position(), position_text(*game) + '\n');
 }
 
-TEST(Console, AHintLeavesTheBookOpen) {
+TEST(Console, HintKeepsTheBookEnabled) {
     Files files = default_files();
     files["book.dat"] = "e2e4e7e5\n";
     const std::string output = run_console("new\nply 1\nhint\ne2e4\n", files).output;
     EXPECT_TRUE(output.ends_with("thinking...\nmy move is: e7e5\n\nVarn> ")) << output;
 }
 
-TEST(Console, TheReportOfAGameThatIsOverEndsTheProcess) {
+TEST(Console, ReportOfAFinishedGameEndsTheProcess) {
     const std::string mate = "setboard rnb1kbnr/pppp1ppp/8/4p3/6Pq/5P2/PPPPP2P/RNBQKBNR w KQkq -";
     const Outcome outcome = run_console(mate + "\nshow\nepd\n");
     EXPECT_TRUE(outcome.output.ends_with("\nwhite to play\n\nWhite is Checkmated. Black wins.\n")) << outcome.output;

@@ -1,4 +1,4 @@
-// The console's commands for king-and-pawn patterns.
+// Console commands for king-and-pawn patterns.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -17,7 +17,7 @@ namespace {
 const std::string start_text = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -";
 const std::string some_text = "8/8/8/8/8/8/7P/5k1K w - - 0 1";
 
-/// The files that every run needs, and the positions.
+/// The files of every run, and the positions.
 Files with_positions(const std::string& text) {
     Files files = default_files();
     files[positions_file_name] = text;
@@ -27,7 +27,7 @@ Files with_positions(const std::string& text) {
 TEST(PatternCommands, RefuseWhatCannotBeAnnealed) {
     const std::string loading = "loading precomputed data in memory...\n";
     const std::string none = loading + "finished loading, 0 patterns in memory.\nerror: no patterns to anneal.\n";
-    // The game goes on where no position was read: what it is after the command, and after a step back from there.
+    // If no position was read the game is unchanged: shown after the command and after taking a move back.
     const std::string begun = "EPD string is: " + start_text + "\n";
     const std::string moved = "EPD string is: rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -\n";
     const std::string read = "EPD string is: 8/8/8/8/8/8/7P/5k1K w - -\n";
@@ -46,7 +46,7 @@ TEST(PatternCommands, RefuseWhatCannotBeAnnealed) {
     EXPECT_EQ(foreign.status, 1);
 }
 
-TEST(PatternCommands, BoxesThatAreNowhereWrittenEndTheConsoleWithAnError) {
+TEST(PatternCommands, UnwrittenBoxesEndTheConsoleWithAnError) {
     const WorkingFolder folder;
     std::filesystem::create_directories("wkpk.eb/in the way");
     const Environment temporary("TMPDIR", ".");
@@ -63,7 +63,7 @@ TEST(PatternCommands, BoxesThatAreNowhereWrittenEndTheConsoleWithAnError) {
     EXPECT_EXIT(end_input(), ::testing::ExitedWithCode(0), "^Varn> $");
 }
 
-TEST(PatternCommands, PrintAScriptOfThePlacements) {
+TEST(PatternCommands, PrintTheScriptOfPlacements) {
     const std::string output = run_console("pvp\ne2e4\nkpk\nepd\nback\n").output;
     std::size_t groups = 0;
     const std::string group = "\nepdshow\ngo\n";
@@ -74,7 +74,7 @@ TEST(PatternCommands, PrintAScriptOfThePlacements) {
     const std::string last = "K1k5/P7/8/8/8/8/8/8 w - -";
     EXPECT_NE(output.find("setboard " + last + " 0 1" + group + "Varn> "), std::string::npos);
     EXPECT_NE(output.find("Varn> EPD string is: " + last + "\nVarn> \nK#k#.#.#\nP.#.#.#.\n"), std::string::npos);
-    EXPECT_TRUE(output.ends_with("\nwhite to play\n\nStalemate.\n"));  // the report of a game that is over
+    EXPECT_TRUE(output.ends_with("\nwhite to play\n\nStalemate.\n"));  // the report of a finished game
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What the tests of the evaluation share: a context before any search.
+// An evaluation context for tests.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 
 namespace varn {
 
-/// With a pawn hash table that knows no pawns yet.
+/// With an empty pawn hash table.
 struct FreshContext : EvalContext {
     FreshContext() { EXPECT_TRUE(pawn_hash_allocate(pawns, 1 << 16)); }
 };

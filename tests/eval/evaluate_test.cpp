@@ -1,4 +1,4 @@
-// The evaluation term by term, each on positions small enough to add up by hand, and its symmetry on everything.
+// Evaluation terms on small positions that can be checked by hand, and symmetry of the evaluation.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -13,10 +13,10 @@
 namespace varn {
 namespace {
 
-/// From the board field alone.
+/// From the board field only.
 std::string full_text(std::string_view board) { return std::string(board) + " w - -"; }
 
-/// The score of a position with no pawns known yet and no search before it.
+/// The score with an empty pawn hash table and a fresh context.
 int evaluation(const Game& game) {
     FreshContext context;
     return evaluate(game, context);
@@ -28,22 +28,22 @@ int fresh_pawn_terms(const Game& game) {
     return pawn_terms(context.pawns, game);
 }
 
-/// The pawns' score where the table knows them already.
+/// The pawn score on a table hit.
 int known_pawn_terms(const Game& game) {
     FreshContext context;
     pawn_terms(context.pawns, game);
     return pawn_terms(context.pawns, game);
 }
 
-/// What `evaluate` adds to the material, the placement and the pawns.
+/// The score without material, placement and pawns.
 int terms_of_its_own(const Game& game) {
     return evaluation(game) - game.material - piece_placement(game) - known_pawn_terms(game);
 }
 
-/// Of e5, or on the mirrored board, where black is to move, of e4.
+/// Of e5, or of e4 on the mirrored board with black to move.
 int control(const Game& game) { return square_control(game, game.turn == Side::white ? e1 + 32 : e1 + 24); }
 
-TEST(Evaluate, TermsAreAsInTheirTable) {
+TEST(Evaluate, TermsMatchTheirTable) {
     const std::map<std::string, int (*)(const Game&)> terms = {
         {"placement", piece_placement}, {"own", terms_of_its_own},
         {"pawns", fresh_pawn_terms},    {"known_pawns", known_pawn_terms},
@@ -61,9 +61,9 @@ TEST(Evaluate, TermsAreAsInTheirTable) {
 
 TEST(Evaluate, Mobility) {
     const auto game = game_from("RN2k3/P7/8/2N5/3B4/2p1P3/r2b4/1r2K2R w - -");
-    EXPECT_EQ(rook_mobility(*game, a8), -27);        // nothing free
+    EXPECT_EQ(rook_mobility(*game, a8), -27);        // no free square
     EXPECT_EQ(rook_mobility(*game, b1), 9);          // a1, c1, d1 and six up the file
-    EXPECT_EQ(bishop_mobility(*game, d1 + 24), 12);  // e5 to h8; pieces on all other ways
+    EXPECT_EQ(bishop_mobility(*game, d1 + 24), 12);  // e5 to h8; all other diagonals are blocked
     EXPECT_EQ(knight_mobility(*game, b8), 3);        // a6, c6, d7
     const auto cramped = game_from("4k3/2p5/3p4/Pn6/RN5N/2p5/P5NR/4K3 w - -");
     EXPECT_EQ(rook_mobility(*cramped, a1 + 24), -13);  // one free square, none along the rank
@@ -73,7 +73,7 @@ TEST(Evaluate, Mobility) {
     EXPECT_EQ(rook_mobility(*few, h1 + 16), -4);  // three along the rank
 }
 
-TEST(Evaluate, TradesAreWelcomeToTheSideAhead) {
+TEST(Evaluate, TradesFavourTheSideAhead) {
     const auto game = game_from("4k3/8/8/8/8/8/8/QQ2K3 w - -");
     FreshContext context;
     const int plain = evaluate(*game, context);
@@ -88,7 +88,7 @@ TEST(Evaluate, TradesAreWelcomeToTheSideAhead) {
     }
 }
 
-TEST(Evaluate, IsTheSumOfTheTermsThatAreShown) {
+TEST(Evaluate, IsTheSumOfTheDisplayedTerms) {
     std::set<std::string_view> seen;
     RandomSource random(8);
     visit_random_games(7, 60, [&](const Game& game) {
@@ -124,7 +124,7 @@ TEST(Evaluate, ChangesSignWhenTheBoardIsMirrored) {
     const auto expect_mirrored = [](const std::string& text) {
         const int score = evaluation(text);
         ASSERT_EQ(evaluation(mirrored_text(text)), -score) << text;
-        // Nor does it matter whose turn it is, or what may castle.
+        // Side to move and castling rights don't matter.
         ASSERT_EQ(evaluation(text.substr(0, text.find(' ')) + " b - -"), score) << text;
     };
     visit_random_games(3, 60, [&](const Game& game) {
@@ -132,15 +132,15 @@ TEST(Evaluate, ChangesSignWhenTheBoardIsMirrored) {
         expect_mirrored(text);
         ASSERT_EQ(evaluation(text), evaluation(game)) << text;
     });
-    // Any pieces anywhere: many of them, pawns on the last ranks, a full board, no king; but not two.
+    // Arbitrary boards: many pieces, pawns on the last ranks, a full board, no king; but never two.
     RandomSource random(4);
     for (int round = 0; round < 1000; ++round) {
         std::string board = "11111111/11111111/11111111/11111111/11111111/11111111/11111111/11111111";
-        for (std::uint64_t men = random.next() % 100; men > 0; --men) {
-            const char man = "KQRBNPkqrbnp"[random.next() % 12];
-            const bool second_king = (man == 'K' || man == 'k') && board.find(man) != std::string::npos;
+        for (std::uint64_t pieces = random.next() % 100; pieces > 0; --pieces) {
+            const char piece = "KQRBNPkqrbnp"[random.next() % 12];
+            const bool second_king = (piece == 'K' || piece == 'k') && board.find(piece) != std::string::npos;
             char& square = board[random.next() % board.size()];
-            if (square != '/' && !second_king) square = man;
+            if (square != '/' && !second_king) square = piece;
         }
         expect_mirrored(full_text(board));
         EXPECT_LE(std::abs(attack_eval(*game_from(full_text(board)))), 600);

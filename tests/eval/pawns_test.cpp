@@ -1,4 +1,4 @@
-// The pawn hash table. The terms of the pawn structure are in the table of the evaluation's test.
+// The pawn hash table. Pawn structure terms are tested with the evaluation.
 #include <gtest/gtest.h>
 
 #include "eval/context.h"
@@ -8,7 +8,7 @@
 namespace varn {
 namespace {
 
-TEST(PawnTable, KnowsThePawnsWhateverTheRooks) {
+TEST(PawnTable, HitsDependOnPawnsOnly) {
     FreshContext context;
     PawnTable& table = context.pawns;
     const auto without_rook = game_from("4k3/8/4P3/8/8/8/8/4K3 w - -");
@@ -21,16 +21,16 @@ TEST(PawnTable, KnowsThePawnsWhateverTheRooks) {
     EXPECT_EQ(pawn_hash_probe(table, *with_rook), nullptr);
 }
 
-TEST(PawnTable, PlacementIsThatOfTheEvaluationsSquares) {
+TEST(PawnTable, CachedPlacementMatchesTheSquareValues) {
     FreshContext context;
     visit_random_games(6, 30, [&](const Game& game) {
-        for (int time = 1; time <= 2; ++time) {  // worked out, and then remembered
+        for (int time = 1; time <= 2; ++time) {  // computed, then cached
             ASSERT_EQ(score_pawns(context.pawns, game).placement, pawn_placement(game)) << position_text(game);
         }
     });
 }
 
-TEST(PawnTable, NothingOutlivesAClearHoweverManyFollow) {
+TEST(PawnTable, ClearingAlwaysRemovesEverything) {
     FreshContext context;
     PawnTable& table = context.pawns;
     const auto game = game_from("4k3/8/4P3/8/8/8/8/4K3 w - -");
@@ -41,7 +41,7 @@ TEST(PawnTable, NothingOutlivesAClearHoweverManyFollow) {
     }
 }
 
-TEST(PawnTable, KeepsItsFirstSize) {
+TEST(PawnTable, KeepsItsFirstAllocation) {
     PawnTable table;
     EXPECT_FALSE(pawn_hash_allocate(table, 0));
     EXPECT_FALSE(pawn_hash_allocate(table, -1));

@@ -1,4 +1,4 @@
-// The tables of the evaluation lie as a person sees them.
+// Orientation of the evaluation tables.
 #include <gtest/gtest.h>
 
 #include "eval/tables.h"
@@ -9,7 +9,7 @@ namespace {
 constexpr Side white = Side::white;
 constexpr Side black = Side::black;
 
-TEST(EvalTables, SquaresAndRegionsLieWhereTheyAreSeen) {
+TEST(EvalTables, AreOrientedAsWritten) {
     EXPECT_EQ(king_squares_game<white>[c1], 10);
     EXPECT_EQ(king_squares_game<black>[c8], 10);
     EXPECT_EQ(pawn_squares<white>[e1 + 8], -40);

@@ -1,4 +1,4 @@
-// The opening book: the file that is shipped, move by move, and what is drawn from books made for the purpose.
+// The opening book: the shipped file, and move choice in small books.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -11,12 +11,12 @@ namespace varn {
 namespace {
 
 constexpr int draws = 2000;
-constexpr int tolerance = 150;  // of the draws: more than six standard deviations of the evenest draw
-const std::string off = "off";  // for a book that gives no move
+constexpr int tolerance = 150;  // more than six standard deviations
+const std::string off = "off";  // no book move
 
 std::string moves_of(const std::string& row) { return row.substr(0, row.find(',')); }
 
-/// Plays one move after the other, each in four characters, up to the first that isn't legal; tells which one it was.
+/// Plays the moves, four characters each, up to the first illegal one and returns its number.
 std::string first_illegal_move(std::string_view moves, Game& game) {
     for (std::size_t i = 0; i < moves.size(); i += 4) {
         const Move move = parse_move(game, moves.substr(i, 4));
@@ -33,7 +33,7 @@ protected:
         return load_book(book, folder_.path_to("book.dat"), 22);
     }
 
-    /// How often the book answers the moves with what, in as many questions.
+    /// How often each answer is given to the moves, in as many tries.
     std::map<std::string, int> answers(std::string_view moves, int questions) {
         const auto game = new_game();
         EXPECT_EQ(first_illegal_move(moves, *game), "");
@@ -52,7 +52,7 @@ private:
     Folder folder_;
 };
 
-TEST_F(BookTest, AsShippedIsLegalSortedAndLarge) {
+TEST_F(BookTest, ShippedBookIsLegalSortedAndLarge) {
     EXPECT_EQ(load_book(book, VARN_DATA_FOLDER "/book.dat", 1), BookFault::none);
     ASSERT_GE(book.rows.size(), 500U);
     std::string before;
@@ -62,18 +62,18 @@ TEST_F(BookTest, AsShippedIsLegalSortedAndLarge) {
         EXPECT_LT(moves.size(), row.size()) << "no name: " << moves;
         EXPECT_EQ(moves.size() % 4, 0U) << moves;
         EXPECT_EQ(first_illegal_move(moves, *game), "") << moves;
-        // In a sorted file a row that another one only prolongs stands right before such a row.
+        // In a sorted file a prefix of another row is directly before it.
         EXPECT_LT(before, moves);
         EXPECT_FALSE(!before.empty() && moves.starts_with(before)) << moves;
         before = moves;
     }
 }
 
-TEST_F(BookTest, AnswersByTheCountOfFittingRows) {
-    // The rows, the moves of a game, and the shares of the draws.
+TEST_F(BookTest, ChoosesMovesByTheNumberOfMatchingRows) {
+    // Rows, moves of the game, and the expected shares.
     const std::tuple<std::string, std::string, std::map<std::string, double>> cases[] = {
         {"d2d4d7d5\nd2d4g8f6\ne2e4c7c5\ne2e4e7e5\ne2e4e7e6\n", "", {{"d2d4", 0.4}, {"e2e4", 0.6}}},
-        {"e2e4c7c5\nd2d4d7d5\ne2e4e7e5\n", "e2e4", {{"c7c5", 0.5}, {"d7d5", 0.5}}},  // apart from each other
+        {"e2e4c7c5\nd2d4d7d5\ne2e4e7e5\n", "e2e4", {{"c7c5", 0.5}, {"d7d5", 0.5}}},  // not adjacent
         {"e2e4c7c5\nd2\ne2e4e7e5\n", "e2e4", {{"c7c5", 0.5}, {off, 0.5}}},
         {"e2e4c7c5\nd2d4b7\nd2d4b2b4\ne2e4e7e5\ne2e4e7e5\n", "e2e4", {{"c7c5", 1 / 3.0}, {off, 2 / 3.0}}},
         {"e2e4\ne2e4e7e5\n", "e2e4", {{off, 0.5}, {"e7e5", 0.5}}},
@@ -81,8 +81,8 @@ TEST_F(BookTest, AnswersByTheCountOfFittingRows) {
         {"e2e4,e7e5\n", "e2e4", {{off, 1}}},
         {"e2e4e7e5\r\n", "e2e4", {{"e7e5", 1}}},
         {"e2e4e7e5\r\n", "e2e4e7e5", {{off, 1}}},
-        {"d2d4d7d5c2c4e7e6c2c4\n", "c2c4e7e6", {{off, 1}}},            // a row that has the moves later
-        {"e2e4e7e\ne2e4x9x9\ne2e4 \ne2e4e2e4\n", "e2e4", {{off, 1}}},  // no moves, or none that can be played
+        {"d2d4d7d5c2c4e7e6c2c4\n", "c2c4e7e6", {{off, 1}}},            // the moves occur later in the row
+        {"e2e4e7e\ne2e4x9x9\ne2e4 \ne2e4e2e4\n", "e2e4", {{off, 1}}},  // no moves, or illegal ones
         {"\n\n", "", {{off, 1}}},
     };
     for (const auto& [rows, moves, expected] : cases) {
@@ -93,7 +93,7 @@ TEST_F(BookTest, AnswersByTheCountOfFittingRows) {
     }
 }
 
-TEST_F(BookTest, EndsBehindTheTwentySecondMove) {
+TEST_F(BookTest, EndsAfterTheTwentySecondMove) {
     constexpr std::size_t last_answered = std::size_t{21} * 4;
     std::string row;
     while (row.size() <= last_answered + 8) row += "g1f3g8f6f3g1f6g8";
@@ -103,7 +103,7 @@ TEST_F(BookTest, EndsBehindTheTwentySecondMove) {
     }
 }
 
-TEST_F(BookTest, ReadsALongLineAsTwoRowsAndNothingWithoutItsFile) {
+TEST_F(BookTest, SplitsLongLinesAndNeedsItsFile) {
     for (const std::size_t length : {98U, 99U, 120U}) {
         const std::string line = "e2e4e7e5," + std::string(length - 9, 'x'), next = "d2d4d7d5";
         const bool fits = length < book_row_length;
@@ -115,7 +115,7 @@ TEST_F(BookTest, ReadsALongLineAsTwoRowsAndNothingWithoutItsFile) {
     EXPECT_EQ(answer(""), off);
 }
 
-TEST_F(BookTest, LeavesOutWhatItHasNoRoomFor) {
+TEST_F(BookTest, IgnoresRowsBeyondItsCapacity) {
     std::string rows = "c2c4e7e5\n";
     for (int row = 1; row < book_capacity; ++row) rows += "e2e4e7e5\n";
     EXPECT_EQ(load(rows), BookFault::none);

@@ -1,4 +1,4 @@
-// The comparison of games that ends each count of moves: which difference it finds and how it says so.
+// Comparison of games after perft: which differences are found and reported.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -8,7 +8,7 @@
 namespace varn {
 namespace {
 
-TEST(CompareGames, NamesEveryDifferenceThatCounts) {
+TEST(CompareGames, ReportsEveryRelevantDifference) {
     constexpr std::pair<const char*, void (*)(Game&)> cases[] = {
         {"Zobrist keys do not match!\n", [](Game& g) { g.zobrist_key ^= 1; }},
         {"Zobrist locks do not match!\n", [](Game& g) { g.zobrist_lock ^= 1; }},
@@ -31,7 +31,7 @@ TEST(CompareGames, NamesEveryDifferenceThatCounts) {
         compare_games(a, b);
     };
     const auto sound = game_from(known_positions[1].text), spoilt = std::make_unique<Game>();
-    sound->fifty = 100;  // a game that is over must not end the report
+    sound->fifty = 100;  // a finished game must not end the report
     for (const auto& [message, spoil] : cases) {
         *spoilt = *sound;
         spoil(*spoilt);

@@ -7,7 +7,7 @@
 namespace varn {
 namespace {
 
-TEST(Configuration, ReadsKeysAtTheStartOfALine) {
+TEST(Configuration, ReadsKeysAtLineStarts) {
     using Settings = Table<std::int32_t, 4>;
     constexpr Settings standard = {{21, 16777216, 1048576, 1}};
     const std::pair<std::string, Settings> cases[] = {
@@ -17,8 +17,8 @@ TEST(Configuration, ReadsKeysAtTheStartOfALine) {
         {"hash 12\nqhash 34\nphash 56\npondering 0\n", {{12, 34, 56, 0}}},
         {"hash   +12abc\nphash -7", {{12, 16777216, -7, 1}}},
         {"hash 4294967297\nqhash -99999999999\n", {{INT32_MAX, INT32_MIN, 1048576, 1}}},
-        {std::string(99, 'x') + "hash 12\n", {{12, 16777216, 1048576, 1}}},  // the rest counts as a line of its own
-        {std::string(990'000, '\0') + "hash 12\n", standard},                // it isn't read for ever
+        {std::string(99, 'x') + "hash 12\n", {{12, 16777216, 1048576, 1}}},  // the rest is read as another line
+        {std::string(990'000, '\0') + "hash 12\n", standard},                // not read forever
         {std::string("ha\0sh 12\nphash 56\n", 18), {{21, 16777216, 56, 1}}},
     };
     const WorkingFolder folder;

@@ -1,5 +1,5 @@
-// What a front end drives: the game that is played and taken back, positions set from text, and the choice between the
-// book and a search. The transcripts of both front ends show the rest.
+// The engine interface of the front ends: playing and taking back, setting positions, and choosing between book and
+// search. The transcripts cover the rest.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -20,7 +20,7 @@ protected:
     SmallEngine engine;
 };
 
-TEST_F(EngineTest, SaysWhatThereIsToSayOfAPositionsText) {
+TEST_F(EngineTest, ReportsProblemsInPositionText) {
     const std::string kings = "4k3/8/8/8/8/8/8/4K3 ";
     for (const auto& [rest, said] : {std::pair{"b - -", ""},
                                      {"x - -", "error: unrecognised character in side to move field.\n"},
@@ -44,9 +44,9 @@ TEST_F(EngineTest, TakesMovesAndPassesBack) {
     play("e2e4"), stand();
     pass_turn(engine);
     play("g1f3"), stand();
-    pass_turn(engine), pass_turn(engine);  // there and back again
+    pass_turn(engine), pass_turn(engine);  // two passes cancel
     play("d7d5"), stand();
-    pass_turn(engine);  // goes with the move before it
+    pass_turn(engine);  // taken back with the move before it
     for (int left = 3; left >= 0; --left) {
         take_back_moves(engine, left == 3 ? 0 : 1);
         EXPECT_TRUE(same_game(*engine.game, stood[static_cast<std::size_t>(left)])) << left;
@@ -60,7 +60,7 @@ TEST_F(EngineTest, TakesMovesAndPassesBack) {
     EXPECT_TRUE(same_game(*engine.game, set));
 }
 
-TEST_F(EngineTest, AsksTheBookUntilItHasNoMove) {
+TEST_F(EngineTest, UsesTheBookUntilItHasNoMove) {
     const Folder folder;
     folder.write("book.dat", "a2a3a7a6\n");
     load_book(engine.book, folder.path_to("book.dat"), 1);
@@ -82,7 +82,7 @@ TEST_F(EngineTest, AsksTheBookUntilItHasNoMove) {
     EXPECT_FALSE(choose_move(engine, *game_from("k6R/8/1K6/8/8/8/8/8 b - -"), listener));
 }
 
-TEST_F(EngineTest, NewGamesAndTakingBackForgetWhatTheSearchFound) {
+TEST_F(EngineTest, NewGamesAndTakingBackClearTheSearchTables) {
     const auto is_known = [&] {
         return hash_probe(engine.search->tables.transposition_table, *engine.game, 0) != nullptr;
     };

@@ -1,4 +1,4 @@
-// How the console says that a game is over.
+// Game status at the console.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -10,7 +10,7 @@
 namespace varn {
 namespace {
 
-TEST(GameReport, TellsHowTheGameStands) {
+TEST(GameReport, PrintsTheGameStatus) {
     const std::map<std::string, std::string_view> lines = {{"1", "Game is in progress.\n"},
                                                            {"0", "Stalemate.\n"},
                                                            {"9999", "Black is Checkmated. White wins.\n"},
@@ -21,7 +21,7 @@ TEST(GameReport, TellsHowTheGameStands) {
     }
 }
 
-TEST(GameReport, RefusesWhatCannotBePlayed) {
+TEST(GameReport, RefusesUnplayablePositions) {
     const auto game = game_from("8/8/8/8/8/8/8/4K3 w - -");
     EXPECT_EQ(printed([&] { EXPECT_TRUE(refuse_unplayable(*game)); }), unplayable_text);
     EXPECT_EQ(printed([] { EXPECT_FALSE(refuse_unplayable(*new_game())); }), "");

@@ -1,4 +1,4 @@
-// The lines in which a search tells of itself.
+// The search output lines.
 #include <gtest/gtest.h>
 
 #include "frontend/search_table.h"
@@ -7,13 +7,13 @@
 namespace varn {
 namespace {
 
-TEST(SearchTable, HasItsColumns) {
+TEST(SearchTable, PrintsItsColumns) {
     const auto game = new_game();
     PvLine line = {};
     line.length = 3;
     line.moves[0] = parse_move(*game, "e2e4");
     line.moves[1] = {51, 35, kind_double_step};
-    line.moves[2] = {51, 35, kind_double_step};  // a tail that doesn't follow
+    line.moves[2] = {51, 35, kind_double_step};  // a stale tail
     const SearchReport report = {*game, line, 7, -42, 1234, 567, 899, 1234, 9, 1, false};
     EXPECT_EQ(printed([&] { print_search_line(report, QuiescentColumn::left_out); }),
               "  7     -42      89       1234       e4    e5 \n");

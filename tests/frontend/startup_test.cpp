@@ -1,4 +1,4 @@
-// What a start makes of the settings.
+// Start-up with various settings.
 #include <gtest/gtest.h>
 
 #include "frontend/startup.h"
@@ -21,7 +21,7 @@ TEST(Startup, NeedsSettingsAndTables) {
     }
 }
 
-TEST(Startup, SizesTheTableAsSet) {
+TEST(Startup, UsesTheConfiguredTableSize) {
     const std::pair<std::string, std::string> cases[] = {{"", "83886040"}, {"hash 10\n", "40920"}};
     for (const auto& [settings, bytes] : cases) {
         EXPECT_EQ(run_console("tstats\n", {{"varn.ini", settings}}).output,

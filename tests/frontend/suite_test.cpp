@@ -12,13 +12,13 @@
 namespace varn {
 namespace {
 
-/// Without what the searches say.
+/// Without the search output.
 std::string without_searches(const std::string& text) {
     static const std::regex search("\n ply +score[^\n]*\n\n( +\\d+ +-?\\d+ +\\d+ [^\n]*\n)*\nNPS: \\d+\n\n");
     return std::regex_replace(text, search, "");
 }
 
-/// Answers to the lines in an engine that finds the files, and the log of the last suite.
+/// The answers to the lines in an engine started with the files, and the log of the last suite.
 struct Played {
     std::string output, log;
     int status;
@@ -34,14 +34,14 @@ Played run_lines(const std::string& lines, const Files& suites) {
     return {without_searches(outcome.output), engine.file("log"), outcome.status};
 }
 
-/// The log says what standard output says, but for one sign.
+/// The log equals standard output except for one character.
 std::string as_logged(const std::string& report) {
     return std::regex_replace(report, std::regex("Failure\\."), "Failure!");
 }
 
 constexpr const char* start_text = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -";
 
-TEST(Suite, ReportsOnEachPositionHereAndInTheLog) {
+TEST(Suite, ReportsEachPositionOnOutputAndInTheLog) {
     const std::string mate = "6k1/5ppp/8/8/8/8/8/K3R3 w - - bm ";
     const std::tuple<std::string, std::string, std::string> positions[] = {
         {mate + "Re8#;\n", "", "Success!"},
@@ -81,7 +81,7 @@ TEST(Suite, SwitchesTheBookOffAndReadsLinesOfAnyLength) {
     EXPECT_EQ(run.log, "Test suite complete.\n  0/0 problems solved.\n\n");
 }
 
-TEST(Suite, WithoutItsFilesItOnlySaysSo) {
+TEST(Suite, MissingFilesOnlyGiveAMessage) {
     const std::string error = "error: unknown file error. cannot run test suite.\n";
     const std::string ignored = "ignoring line:\t";
     const std::tuple<std::string, std::string, std::string> cases[] = {
@@ -104,7 +104,7 @@ TEST(Suite, WithoutItsFilesItOnlySaysSo) {
     }
 }
 
-TEST(Suite, NeitherWaitsForAPeerNorReadsALineWithoutEnd) {
+TEST(Suite, RefusesPipesAndEndlessLines) {
     const std::string solved = "k7/8/1K6/8/8/8/8/8 b - - bm Kb8;\n";
     Files files = default_files();
     files["suite"] = solved + std::string(longest_line + 1, ' ');
@@ -121,7 +121,7 @@ TEST(Suite, NeitherWaitsForAPeerNorReadsALineWithoutEnd) {
     EXPECT_EQ(engine.file("log"), "Test suite complete.\n  0/0 problems solved.\n\n");
 }
 
-TEST(Suite, GoesOnWhereItsLogIsFullAndSaysSo) {
+TEST(Suite, ContinuesWithAMessageIfTheLogIsFull) {
     Files files = default_files();
     files["suite"] = "k7/8/1K6/8/8/8/8/8 b - - bm Kb8;\n";
     Process engine(files);
@@ -136,7 +136,7 @@ TEST(Suite, GoesOnWhereItsLogIsFullAndSaysSo) {
     EXPECT_EQ(engine.file("log"), "\nTest position #1: k");
 }
 
-TEST(Suite, AForeignLineEndsTheProcessBehindACompleteLog) {
+TEST(Suite, AnInvalidLineEndsTheProcessAfterACompleteLog) {
     for (const std::string foreign : {"\n", "4k3/x w - -\n"}) {
         const std::string solved = "k7/8/1K6/8/8/8/8/8 b - - bm Kb8;\n";
         const Played run = run_lines("runsuite suite log\n", {{"suite", solved + foreign}});

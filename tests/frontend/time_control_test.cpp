@@ -1,4 +1,4 @@
-// How the clock of a game is dealt out.
+// Time management.
 #include <gtest/gtest.h>
 
 #include "base/random.h"
@@ -8,8 +8,8 @@
 namespace varn {
 namespace {
 
-TEST(TimeControl, SharesItsTimeAmongTheMoves) {
-    TimeControl control;  // the controls of all rows follow one another
+TEST(TimeControl, DividesTheTimeAmongTheMoves) {
+    TimeControl control;  // carried over from row to row
     for (const auto& row : table_rows("clock.txt")) {
         for (const std::string& level : split(row.at(0), ",")) set_level(control, level);
         for (int answers = std::stoi(row.at(1)); answers > 0; --answers) count_turn(control);
@@ -21,7 +21,7 @@ TEST(TimeControl, SharesItsTimeAmongTheMoves) {
     }
 }
 
-TEST(TimeControl, AShortClockOutlastsItsShortestMoves) {
+TEST(TimeControl, ShortClocksLastForManyMoves) {
     for (const char* level : {"40 5 0", "2 5 0", "0 5 0", "0 5 1", "0 5 60"}) {
         TimeControl control;
         set_level(control, level);
@@ -35,9 +35,9 @@ TEST(TimeControl, AShortClockOutlastsItsShortestMoves) {
     }
 }
 
-// --- The clock that is told before each move ------------------------------------------------------------------------
+// --- Clocks as sent before each move --------------------------------------------------------------------------------
 
-TEST(GameClock, GivesNoMoveMoreThanTheClockAllows) {
+TEST(GameClock, NeverExceedsTheClock) {
     RandomSource random(31);
     const auto any = [&random] {
         return static_cast<std::int64_t>(random.next() % (std::uint64_t{1} << random.next() % 40));
@@ -50,7 +50,7 @@ TEST(GameClock, GivesNoMoveMoreThanTheClockAllows) {
                                         << overhead_ms << ": " << budget_ms);
         ASSERT_GE(budget_ms, 1);
         ASSERT_LE(budget_ms, std::max<std::int64_t>(1, clock.time_ms - overhead_ms));
-        // More time never makes a move shorter, and neither does a nearer control or a quicker way to the client.
+        // More time, a nearer time control or less overhead never shortens a move.
         ASSERT_LE(budget_ms,
                   allocate_time({clock.time_ms + any(), clock.increment_ms, clock.moves_to_go}, overhead_ms));
         ASSERT_LE(budget_ms,
@@ -63,7 +63,7 @@ TEST(GameClock, GivesNoMoveMoreThanTheClockAllows) {
     }
 }
 
-TEST(GameClock, LastsForAllMovesAndIsUsed) {
+TEST(GameClock, LastsTheGameAndIsUsed) {
     for (const std::int64_t moves : {1, 2, 10, 40, 100}) {
         for (const std::int64_t increment_ms : {0, 100, 3000}) {
             constexpr std::int64_t overhead_ms = 30;
@@ -77,7 +77,7 @@ TEST(GameClock, LastsForAllMovesAndIsUsed) {
             EXPECT_LE(time_ms - increment_ms, start_ms / 2) << moves << ' ' << increment_ms;
         }
     }
-    // Without a control the increment alone feeds the moves in the end.
+    // In sudden death only the increment is left in the end.
     std::int64_t time_ms = 60000;
     for (int move = 0; move < 500; ++move) {
         time_ms -= allocate_time({time_ms, 1000, 0}, 30) + 30;

@@ -1,4 +1,4 @@
-// The source of chance that has a published sequence.
+// The random source with a published sequence.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,9 +9,9 @@
 namespace varn {
 namespace {
 
-TEST(PatternChance, AcceptanceHasThePublishedSequence) {
+TEST(PatternChance, MatchesThePublishedSequence) {
     UniformState first = {1}, late = {1764000000}, other = {-2};
-    // The shuffle gives each number of the generator once, out of a table's length of them.
+    // The shuffle returns each number of the generator once, picked from a table.
     constexpr int warm_up = 8, table = 32;
     constexpr double modulus = 2147483647, largest = 0.99999988;
     long number = 1;
@@ -24,7 +24,7 @@ TEST(PatternChance, AcceptanceHasThePublishedSequence) {
         EXPECT_EQ(value, uniform_random(late)) << i;
         EXPECT_NE(value, uniform_random(other)) << i;
         EXPECT_TRUE(i > 0 || std::abs(value - 0.4159994) < 5e-8);
-        // The sequence has a number early on that is cut down.
+        // An early number of the sequence is clamped.
         const long drawn = value == largest ? *in_table.rbegin() : std::lround(value * modulus);
         EXPECT_EQ(in_table.erase(drawn), 1U) << i;
         in_table.insert(next());

@@ -1,4 +1,4 @@
-// King and pawn against king, solved and listed.
+// The king-and-pawn solver.
 #include <gtest/gtest.h>
 
 #include "patterns/kpk_solver.h"
@@ -6,7 +6,7 @@
 namespace varn {
 namespace {
 
-TEST(Kpk, TheSumsOfTheSolvedPositionsAreThePublishedOnes) {
+TEST(Kpk, CountsMatchPublishedValues) {
     const auto wins = solve_kpk();
     EXPECT_EQ(kpk_placements().size(), 2U * 81664);
     EXPECT_EQ(wins->white_to_move.count(), 2U * 62480);

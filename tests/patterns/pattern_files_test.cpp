@@ -1,4 +1,4 @@
-// The files of the annealing, and the run that reads and writes them.
+// Input and output files of the annealing, and full runs.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
@@ -14,7 +14,7 @@
 namespace varn {
 namespace {
 
-/// While it lives, no file grows beyond the size.
+/// Limits the size of files while it exists.
 class FileLimit {
 public:
     explicit FileLimit(rlim_t bytes) {
@@ -37,7 +37,7 @@ protected:
     std::string written() const { return folder_.read(patterns_file_name); }
     std::vector<std::string> names() const { return folder_.names(); }
     const Folder& folder() const { return folder_; }
-    /// What a run says that goes on from the one before it.
+    /// The output of a run that continues the previous one.
     std::string anneal() {
         const auto game = new_game();
         return printed([&] {
@@ -57,9 +57,9 @@ const std::string some_text = "8/8/8/8/8/8/7P/5k1K w - - 0 1";
 const std::string other_text = "8/8/8/8/8/8/7P/4k2K w - - 0 1";
 constexpr Pattern some_position = {{1, 1 << 8, 1 << 2}};
 
-TEST_F(PatternFiles, TakeTheDrawnPositionsOfWhateverLinesThereAre) {
+TEST_F(PatternFiles, LoadTheDrawnPositionsFromAnyLines) {
     const std::string nul("\0\t0\n", 4);
-    // The text, how many positions are drawn, the last one read, and how many lines there are.
+    // Text, number of drawn positions, last position read, number of lines.
     const std::tuple<std::string, std::size_t, std::string, std::uint64_t> cases[] = {
         {some_text + "\t0", 1, some_text, 1},
         {some_text + "\t+00 of 3\r\n", 1, some_text, 1},
@@ -87,7 +87,7 @@ TEST_F(PatternFiles, TakeTheDrawnPositionsOfWhateverLinesThereAre) {
     }
 }
 
-TEST_F(PatternFiles, HoldTheBoxesInOrder) {
+TEST_F(PatternFiles, ContainTheBoxesInOrder) {
     EXPECT_EQ(board_number(0), "0");
     EXPECT_EQ(board_number(bit_mask(32) - 1), "4294967295");
     EXPECT_EQ(board_number(bit_mask(a8)), "21474836480");
@@ -107,7 +107,7 @@ TEST_F(PatternFiles, HoldTheBoxesInOrder) {
     EXPECT_EQ(written(), "1 w\n1 256 4 0\n");
 }
 
-TEST_F(PatternFiles, AReaderIsToldWhatIsWrongWithEachPosition) {
+TEST_F(PatternFiles, RemarksOnEachPositionAreReported) {
     write("x\t0\n" + some_text + "\t0\n8/8/8/8/8/8/8/8 x - e3\t1\n");
     std::string told;
     const auto game = new_game();
@@ -117,7 +117,7 @@ TEST_F(PatternFiles, AReaderIsToldWhatIsWrongWithEachPosition) {
     EXPECT_EQ(told, "p-s");
 }
 
-TEST_F(PatternFiles, ComeIntoBeingAsAWholeOrNotAtAll) {
+TEST_F(PatternFiles, AreWrittenAtomically) {
     const PatternList list(std::vector<Pattern>{some_position}, 1);
     const auto dump = [&] { dump_patterns(patterns_file_name, list); };
     std::filesystem::create_directories("wkpk.eb/in the way");  // can't be renamed to
@@ -132,7 +132,7 @@ TEST_F(PatternFiles, ComeIntoBeingAsAWholeOrNotAtAll) {
         EXPECT_FALSE(write_whole_file("no folder/wkpk.eb", ""));
     }
     EXPECT_EQ(names(), std::vector<std::string>{});
-    // What a link leads to is another's.
+    // Links are replaced, not followed.
     folder().write("another's", "old");
     std::filesystem::create_symlink("another's", "wkpk.eb");
     EXPECT_TRUE(can_write_whole_file("wkpk.eb", long_text));
@@ -143,7 +143,7 @@ TEST_F(PatternFiles, ComeIntoBeingAsAWholeOrNotAtAll) {
     EXPECT_EQ(names(), (std::vector<std::string>{"another's", "wkpk.eb"}));
 }
 
-TEST_F(PatternFiles, AreKeptWhereTheyCannotBeWritten) {
+TEST_F(PatternFiles, ResultsSurviveWriteErrors) {
     write(some_text + "\t0\n");
     const std::string error = "error: cannot output evalubase file.\n";
     std::filesystem::create_directories("wkpk.eb/in the way");
@@ -156,7 +156,7 @@ TEST_F(PatternFiles, AreKeptWhereTheyCannotBeWritten) {
     EXPECT_EQ(written(), "1 w\n1 256 4 0\n");
 }
 
-TEST_F(PatternFiles, AreRescuedBeforeTheyAreGone) {
+TEST_F(PatternFiles, ResultsAreRescuedBeforeExit) {
     const std::string error = "error: cannot output evalubase file.\n";
     write(some_text + "\t0\n");
     bool is_settled = false;

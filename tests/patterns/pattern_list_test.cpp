@@ -1,5 +1,5 @@
-// The list of boxes against the plain walk. Whether a long annealing keeps all positions is asked where the tool is
-// tested from end to end.
+// The box list, compared with the plain reference implementation. That annealing preserves the positions is tested with
+// the tool.
 #include <gtest/gtest.h>
 
 #include "patterns/pattern_list.h"
@@ -8,7 +8,7 @@
 namespace varn {
 namespace {
 
-/// Every square with every other on three edges: all of it can become one box.
+/// All combinations of squares on three edges; they can become one box.
 std::vector<Pattern> full_block(int edge) {
     std::vector<Pattern> block;
     const int size = edge * edge * edge;
@@ -19,7 +19,7 @@ std::vector<Pattern> full_block(int edge) {
     return block;
 }
 
-/// Where in memory the box at an index of the list lies.
+/// The place of the box at a list index.
 BoxPlace place_of(const PatternList& list, std::size_t index) {
     std::vector<std::uint64_t> stamps = list.stamps;
     const auto nth = stamps.begin() + static_cast<std::ptrdiff_t>(index);
@@ -27,8 +27,8 @@ BoxPlace place_of(const PatternList& list, std::size_t index) {
     return static_cast<BoxPlace>(std::ranges::find(list.stamps, *nth) - list.stamps.begin());
 }
 
-TEST(Patterns, TheListChangesAsThePlainWalkChangesIt) {
-    std::vector<Pattern> odd = full_block(4);  // positions more than once, or without a piece, or with two
+TEST(Patterns, ListMatchesTheReferenceImplementation) {
+    std::vector<Pattern> odd = full_block(4);  // duplicates, and boxes with empty or multiple sets
     odd.insert(odd.end(), odd.begin(), odd.begin() + 20);
     for (Bitboard i = 0; i < 20; ++i) odd.push_back({{0, i & 1, i}});
     const std::tuple<std::vector<Pattern>, std::size_t, int> works[] = {
@@ -46,7 +46,7 @@ TEST(Patterns, TheListChangesAsThePlainWalkChangesIt) {
         for (int i = 0; i < moves; ++i) {
             choices.renew();
             const std::uint32_t index = choices.below(list.count());
-            // More merges at first, so that there are large boxes to split.
+            // More merges first, so that there are large boxes to split.
             const bool is_merge = choices.below(i % 5000 < 2500 ? 4 : 2) != 0;
             const auto field = static_cast<Field>(choices.below(field_count));
             Choices same = choices;

@@ -1,4 +1,4 @@
-// Preloaded into an engine under test: there goes wrong what the environment names in VARN_FAULT.
+// Preloaded into an engine under test; causes the fault named by VARN_FAULT.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -17,18 +17,18 @@ bool is_fault(std::string_view name) {
     return fault != nullptr && fault == name;
 }
 
-/// The function that the one here stands before.
+/// The original function that this one replaces.
 template <typename Function> Function* next(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-constexpr std::size_t largest_block = 28U << 20U;  // where memory is short; a search and its lists still fit
+constexpr std::size_t largest_block = 28U << 20U;  // enough for a search record and its lists
 bool is_refused(std::size_t bytes) { return bytes > largest_block && is_fault("memory"); }
 
-constexpr std::int64_t ms_until_fault = 200;  // from the first time that the clock is read
+constexpr std::int64_t ms_until_fault = 200;  // after the first clock read
 std::atomic<std::int64_t> first_ms = 0;
 
-/// What the clock shows instead.
+/// The clock's value after the fault.
 std::int64_t wrong_ms(std::int64_t ms) {
     constexpr std::int64_t hour_ms = 3'600'000;
     constexpr std::int64_t wrap_ms = std::int64_t{1} << 32;
@@ -62,7 +62,7 @@ int clock_gettime(clockid_t clock, timespec* time) {
     return status;
 }
 
-// Ways in which a file goes or gets its name.
+// Functions that remove or rename files.
 
 int unlink(const char* name) {
     if (is_fault("signal behind a file")) raise(SIGTERM);

@@ -1,4 +1,4 @@
-// The clock that stops a search, and how seldom it is read.
+// The search clock and how often it is read.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -13,7 +13,7 @@ namespace {
 
 using ClockTest = SearchTest;
 
-TEST_F(ClockTest, IsReadOnceIn16384Nodes) {
+TEST_F(ClockTest, IsReadEvery16384Nodes) {
     s.clock.time_limit_ms = 0;
     std::this_thread::sleep_for(std::chrono::milliseconds(3));
     for (const std::uint32_t seen : {1U, 16383U, 16385U, 24576U}) {
@@ -21,15 +21,15 @@ TEST_F(ClockTest, IsReadOnceIn16384Nodes) {
         EXPECT_TRUE(clock_ok(s)) << seen;
     }
     s.nodes = 3 * 16384;
-    s.clock.time_limit_ms = -1;  // without a sign: 49 days
+    s.clock.time_limit_ms = -1;  // unsigned: 49 days
     EXPECT_TRUE(clock_ok(s));
     s.clock.time_limit_ms = 0;
     EXPECT_FALSE(clock_ok(s));
     s.nodes = 1;
-    EXPECT_FALSE(clock_ok(s));  // once is enough
+    EXPECT_FALSE(clock_ok(s));  // stays stopped
 }
 
-TEST_F(ClockTest, ANewBudgetCountsFromNowButStartsNothing) {
+TEST_F(ClockTest, RestartCountsFromNowButDoesNotStart) {
     s.clock.clock_start_ms = clock_ms() - 1000;
     s.clock.time_limit_ms = 10;
     restart_clock(s.clock, 600000);

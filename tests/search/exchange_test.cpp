@@ -1,4 +1,4 @@
-// Exchanges against the captures played out on the board.
+// Static exchange evaluation, compared with playing out the captures.
 #include <gtest/gtest.h>
 
 #include "board/attacks.h"
@@ -8,7 +8,7 @@
 namespace varn {
 namespace {
 
-/// What the side to move gains if it goes on capturing on the square, or doesn't; played out on the board.
+/// The gain of optional captures on the square for the side to move, by playing them out.
 int reply_gain(const Game& game, int target) {
     std::vector<Move> captures = pseudo_legal_captures(game);
     std::erase_if(captures, [&](Move move) { return move.to != target || move.kind == kind_en_passant; });
@@ -16,9 +16,9 @@ int reply_gain(const Game& game, int target) {
     const auto cost = [&](Move move) {
         return std::pair((piece_values[game.cells[move.from]] + 9999) % 10000, move.from);
     };
-    Move move = std::ranges::min(captures, {}, cost);  // a king comes last
+    Move move = std::ranges::min(captures, {}, cost);  // the king captures last
     const int won = piece_values[game.cells[target]];
-    if (man_of(game.cells[move.from]) == king) {
+    if (type_of(game.cells[move.from]) == king) {
         return game.turn == Side::white ? (attacked_by_black(game, target) ? 0 : won)
                                         : (attacked_by_white(game, target) ? 0 : won);
     }
@@ -26,7 +26,7 @@ int reply_gain(const Game& game, int target) {
     return std::max(0, won - reply_gain(*after(game, move), target));
 }
 
-TEST(Exchange, IsThatPlayedOutOnTheBoard) {
+TEST(Exchange, MatchesCapturesPlayedOnTheBoard) {
     int captures = 0;
     visit_random_games(41, 40, [&](const Game& game) {
         for (Move move : pseudo_legal_captures(game)) {

@@ -1,4 +1,4 @@
-// History, killers, and the choice of the best score.
+// History, killers, and picking the best move.
 #include <gtest/gtest.h>
 
 #include "positions.h"
@@ -28,14 +28,14 @@ TEST(Ordering, HistoryCountsQuietMovesByDepth) {
     EXPECT_EQ(history[Side::white][8][24] + history[Side::black][8][24], 0);
 }
 
-TEST(Ordering, KillersChangePlacesByTheirCounts) {
+TEST(Ordering, KillersSwapByTheirCounts) {
     const auto white = game_from("4k3/8/8/8/8/8/8/4K3 w - -"), black = game_from("4k3/8/8/8/8/8/8/4K3 b - -");
     for (int from = 0; from < square_count; ++from) white->cells[from] = static_cast<PieceCode>(from);
     Killers killers;
     constexpr int ply = 499;
     const int i = killer_index(*white, ply);
-    // Each letter is a cut-off by a move and a piece of its own; 0 zeroes the counts. Then the first and the second
-    // killer with their counts.
+    // Each letter is a cutoff by a different move and piece; 0 clears the counts. Then the expected killers with their
+    // counts.
     for (const auto& [cuts, expected] : {std::pair{"ab", "@0 b0"},
                                          {"aa", "a1 @0"},
                                          {"aabb", "a1 b1"},
@@ -65,7 +65,7 @@ TEST(Ordering, KillersChangePlacesByTheirCounts) {
     EXPECT_EQ(killers.killer_one[killer_index(*black, ply)].move.kind, kind_double_step);
 }
 
-TEST(Ordering, PicksTheHighestScoreAndOfEqualsTheFirst) {
+TEST(Ordering, PicksTheFirstOfTheBestScores) {
     RandomSource random(12);
     const auto list = std::make_unique<MoveList>();
     for (int round = 0; round < 2000; ++round) {

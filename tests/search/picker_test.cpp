@@ -1,5 +1,4 @@
-// The move picker against the list of all legal moves: each comes once, in the order of the stages, and leaves no
-// trace.
+// The move picker, compared with the legal moves: each comes once, in stage order, and the game is restored.
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -27,7 +26,7 @@ bool is_quiet(Move move) { return move.kind == kind_quiet || move.kind == kind_d
 
 class PickerTest : public SearchTest {
 protected:
-    /// Everything that the picker has to give, each move taken back as a node does.
+    /// All moves of the picker, each unmade as a node does.
     std::vector<Move> drain(Game& game, int depth, int beta, std::optional<Move> first) {
         const Game before = game;
         std::vector<Move> moves;
@@ -65,7 +64,7 @@ protected:
     }
 };
 
-/// The stage that a legal move belongs to, 0 to 6; within a stage of scored moves, its score.
+/// The stage of a legal move, 0 to 6, and its score within scored stages.
 std::pair<int, int> PickerTest::place_of(const Game& game, Move move, std::optional<Move> first) const {
     if (move == first) return {0, 0};
     const int i = killer_index(game, line_ply);
@@ -82,10 +81,9 @@ std::pair<int, int> PickerTest::place_of(const Game& game, Move move, std::optio
     return {quiet_stage, s.history[game.turn][move.from][move.to]};
 }
 
-TEST_F(PickerTest, HandsOutEachLegalMoveOnceStageByStage) {
+TEST_F(PickerTest, ReturnsEachLegalMoveOnceInStageOrder) {
     RandomSource random(31);
-    std::vector<std::pair<Move, int>> quiets_seen[2] = {{{{}, 0}},
-                                                        {{{}, 0}}};  // by side, with the pieces that made them
+    std::vector<std::pair<Move, int>> quiets_seen[2] = {{{{}, 0}}, {{{}, 0}}};  // by side, with their pieces
     const auto pick = [&](const auto& from) { return from[random.below(from.size())]; };
     int first_moves = 0, killers = 0;
     visit_random_games(32, 25, [&](Game& game) {
@@ -102,12 +100,12 @@ TEST_F(PickerTest, HandsOutEachLegalMoveOnceStageByStage) {
             s.iteration_depth = 10;
             std::optional<Move> first;
             if (!legal.empty() && round != 0) first = pick(legal);
-            // Killers of positions long gone and of this one, of pieces of another kind, and the first move itself.
+            // Killers from other positions and this one, of other piece types, and the first move itself.
             std::tie(one.move, one_piece) = pick(quiets);
             std::tie(two.move, two_piece) =
                 quiets[quiets.size() - 1 - random.below(std::min<std::size_t>(quiets.size(), 9))];
             if (first && round == 1) one.move = *first;
-            if (round == 2 && is_rook(man_of(two_piece))) two_piece = code_of(game.turn, plain_rook);
+            if (round == 2 && is_rook(type_of(two_piece))) two_piece = code_of(game.turn, plain_rook);
             if (round == 3) two_piece ^= 1;
             if (one.move == two.move) one.move = {};
 
@@ -131,7 +129,7 @@ TEST_F(PickerTest, HandsOutEachLegalMoveOnceStageByStage) {
     EXPECT_GT(killers, 300);
 }
 
-TEST_F(PickerTest, PromotionsComeInTheirOwnOrderAndAKnownChildBeforeQuietMoves) {
+TEST_F(PickerTest, OrdersPromotionsAndEnhancedTranspositionMoves) {
     const auto game = game_from("8/P6k/8/8/8/8/7P/K7 w - -");
     const Move step = parse_move(*game, "h2h3");
     s.history[Side::white][a1][b1] = 1000;

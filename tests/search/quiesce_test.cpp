@@ -1,4 +1,4 @@
-// Quiescence: how finished games score, what stands pat, which captures are tried, and what the table answers.
+// Quiescence: finished games, stand pat, delta pruning, and the quiescence table.
 #include <gtest/gtest.h>
 
 #include "search/quiesce.h"
@@ -24,7 +24,7 @@ TEST_F(Quiesce, StatusOfFinishedGames) {
     }
 }
 
-TEST_F(Quiesce, MaterialAloneDecidesWhereThereIsMuchOfIt) {
+TEST_F(Quiesce, LazyEvaluationWithMuchMaterial) {
     const auto game = game_from(middle_text);
     for (const auto& [total, balance, decides] : {std::tuple{3000, 302, true},
                                                   {3000, 301, false},
@@ -44,7 +44,7 @@ TEST_F(Quiesce, MaterialAloneDecidesWhereThereIsMuchOfIt) {
 }
 
 TEST_F(Quiesce, StandsPat) {
-    const auto game = game_from("4k3/8/4p3/3p4/8/8/8/3QK3 w - -");  // the one capture loses
+    const auto game = game_from("4k3/8/4p3/3p4/8/8/8/3QK3 w - -");  // the only capture loses material
     const int stand = static_score(s, *game, 0);
     for (const auto& [alpha, beta, bound] :
          {std::tuple{stand - 1, stand, 2}, {stand, stand + 1, 1}, {stand - 1, stand + 1, 0}}) {
@@ -55,7 +55,7 @@ TEST_F(Quiesce, StandsPat) {
     }
 }
 
-TEST_F(Quiesce, TriesWhatMayReachAlpha) {
+TEST_F(Quiesce, DeltaPruningKeepsWhatMayRaiseAlpha) {
     const auto nodes_of = [&](const Game& game, int alpha) {
         Game copy = game;
         quiesce_afresh(copy, alpha, full_window);
@@ -74,7 +74,7 @@ TEST_F(Quiesce, TriesWhatMayReachAlpha) {
     EXPECT_GT(nodes_of(*game_after("4k3/3p4/8/4P3/8/8/8/4K3 b - -", {"d7d5"}), -full_window), 1U);  // en passant
 }
 
-TEST_F(Quiesce, AnswersBeforeItStandsPat) {
+TEST_F(Quiesce, TableCutoffsComeBeforeStandPat) {
     const auto game = game_from("4k3/pppp4/8/8/8/8/4PPPP/4K3 w - -");
     const int stand = static_score(s, *game, 0);
     for (const auto& [bound, score, alpha, beta, answers] : {std::tuple{bound_upper, 700, 700, 800, true},

@@ -1,4 +1,4 @@
-// The record of a search: searches that share nothing, and what a new game and a new position clear.
+// The search record: independence of searches, and clearing for new games and positions.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -9,7 +9,7 @@
 namespace varn {
 namespace {
 
-/// All that a search tells of itself, but for its times.
+/// All output of a search except times.
 std::string told_by_a_search(const std::vector<std::string>& texts) {
     const auto s = small_search();
     std::string told;
@@ -34,8 +34,8 @@ std::string told_by_a_search(const std::vector<std::string>& texts) {
     return told;
 }
 
-/// Under a thread sanitizer, too: whatever two searches shared would be seen.
-TEST(SearchThreads, TwoSearchesAtOnceTellWhatEachTellsAlone) {
+/// Thread sanitizers detect anything the two searches share.
+TEST(SearchThreads, ConcurrentSearchesGiveTheSameResults) {
     const std::vector<std::string> texts[] = {{start_text, known_positions[2].text, known_positions[3].text},
                                               {middle_text, known_positions[4].text, known_positions[5].text}};
     const std::string alone[] = {told_by_a_search(texts[0]), told_by_a_search(texts[1])};
@@ -49,7 +49,7 @@ TEST(SearchThreads, TwoSearchesAtOnceTellWhatEachTellsAlone) {
     }
 }
 
-TEST(SearchRecord, IsClearedForAGameAndForAPosition) {
+TEST(SearchRecord, IsClearedForNewGamesAndPositions) {
     const auto s = small_search();
     const auto game = game_from(start_text);
     const int i = killer_index(*game, 0);
@@ -75,7 +75,7 @@ TEST(SearchRecord, IsClearedForAGameAndForAPosition) {
     EXPECT_EQ(s->killers.killer_one[i].count, 0);
 }
 
-TEST(SearchRecord, NamesTheTableThatCannotBeHad) {
+TEST(SearchRecord, NamesTheTableThatCannotBeAllocated) {
     const auto s = new_search();
     EXPECT_EQ(allocate_tables(*s, {.hash_bits = 31}), TableFault::transposition);
     EXPECT_EQ(allocate_tables(*s, {.hash_bits = 4, .qhash_bytes = 0}), TableFault::quiescence);

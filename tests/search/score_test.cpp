@@ -1,4 +1,4 @@
-// What a score means.
+// Mate scores.
 #include <gtest/gtest.h>
 
 #include "search/score.h"

@@ -1,4 +1,4 @@
-// The search node: what ends it, what it passes and extends, and what it leaves behind.
+// The search node: draws, table cutoffs, null move, extensions, history and killers, and the first move.
 #include <gtest/gtest.h>
 #include <pthread.h>
 
@@ -21,7 +21,7 @@ protected:
     }
 };
 
-TEST_F(SearchNode, NothingIsWrittenBehindTheLastPly) {
+TEST_F(SearchNode, NothingIsWrittenBeyondTheLastPly) {
     const auto game = game_from(middle_text);
     const Game before = *game;
     PvLine line = {};
@@ -37,7 +37,7 @@ TEST_F(SearchNode, NothingIsWrittenBehindTheLastPly) {
     }
 }
 
-/// Runs the work on a thread with a stack of that size.
+/// Runs the work on a thread with this stack size.
 void run_on_stack(std::size_t bytes, std::function<void()> work) {
     const auto run = [](void* task) -> void* {
         (*static_cast<std::function<void()>*>(task))();
@@ -52,8 +52,8 @@ void run_on_stack(std::size_t bytes, std::function<void()> work) {
     pthread_attr_destroy(&attributes);
 }
 
-/// A depth that no search asks for goes down to the last ply by the internal searches alone.
-TEST_F(SearchNode, ALineToTheLastPlyFitsASmallStack) {
+/// At an absurd depth internal iterative deepening reaches the last ply.
+TEST_F(SearchNode, TheDeepestLineFitsASmallStack) {
     constexpr int depth = 2 * ply_slots;
     const bool is_sanitized = !std::string_view(VARN_SANITIZERS).empty();
     const auto game = game_from(middle_text);
@@ -68,7 +68,7 @@ TEST_F(SearchNode, ALineToTheLastPlyFitsASmallStack) {
     EXPECT_TRUE(same_game(*game, before));
 }
 
-TEST_F(SearchNode, NodeTakesTheAnswerOfTheTable) {
+TEST_F(SearchNode, TableEntriesCutOff) {
     const auto game = game_from(start_text);
     for (const auto& [bound, stored, alpha, beta, score] : {std::tuple{bound_upper, 20, 20, 60, 20},
                                                             {bound_lower, 60, 20, 60, 60},
@@ -79,7 +79,8 @@ TEST_F(SearchNode, NodeTakesTheAnswerOfTheTable) {
                                                             {bound_exact, 9996, 20, 60, 10006}}) {
         hash_clear(table);
         hash_store(table, *game, 10, std::nullopt, stored, bound);
-        EXPECT_EQ(search_at(*game, alpha, beta, 2, 6), score) << bound + 0 << stored;  // mates: 10 farther, 6 nearer
+        EXPECT_EQ(search_at(*game, alpha, beta, 2, 6), score)
+            << bound + 0 << stored;  // mates: 10 added when stored, 6 subtracted when read
         EXPECT_EQ(s.nodes, 1U);
     }
     for (const auto& [bound, stored] :
@@ -96,7 +97,7 @@ TEST_F(SearchNode, NodeTakesTheAnswerOfTheTable) {
     EXPECT_EQ(s.nodes, 1U);
 }
 
-TEST_F(SearchNode, DrawsEndALineButNotTheRoot) {
+TEST_F(SearchNode, DrawsEndALineExceptAtTheRoot) {
     const auto game = game_from(known_positions[7].text);
     game->fifty = 100;
     for (const int ply : {0, 1}) {
@@ -105,7 +106,7 @@ TEST_F(SearchNode, DrawsEndALineButNotTheRoot) {
     }
 }
 
-TEST_F(SearchNode, NullMoveIsTriedWhereItIsSafe) {
+TEST_F(SearchNode, NullMoveConditions) {
     constexpr const char* rich = "k5r1/pppp4/8/8/8/8/PPPPQ3/K6R w - -";
     constexpr std::tuple<const char*, const char*, int, int, int, bool> cases[] = {
         // the text, depth, beta and ply
@@ -121,7 +122,7 @@ TEST_F(SearchNode, NullMoveIsTriedWhereItIsSafe) {
     };
     for (const auto& [what, text, depth, beta, ply, passes] : cases) {
         const int score = search_at(*game_from(text), beta - 1, beta, depth, ply);
-        EXPECT_EQ(s.null_move_at[ply], passes) << what;  // left behind by a pass that cut the node off
+        EXPECT_EQ(s.null_move_at[ply], passes) << what;  // not reset if the null move failed high
         EXPECT_TRUE(!passes || score == beta) << what;
     }
     const auto game = game_from(rich);
@@ -141,14 +142,13 @@ TEST_F(SearchNode, NullMoveIsTriedWhereItIsSafe) {
     EXPECT_TRUE(passes([&] { hash_store(table, *game, 9, std::nullopt, 450, bound_lower); }));
 }
 
-TEST_F(SearchNode, ExtensionsShowInTheDepthThatIsStored) {
+TEST_F(SearchNode, ExtensionsIncreaseTheStoredDepth) {
     constexpr const char* quiet = "r3k3/8/8/8/8/8/8/R3K3 w - -";
     constexpr const char* check = "r3k3/8/8/8/8/8/8/4K2r w - -";
     constexpr const char* seventh = "4k3/R7/8/8/8/8/1p6/4K3 w - -";
     constexpr int b2 = 14, a7 = 55;
     constexpr std::tuple<const char*, int, int, int, int, std::uint8_t, std::uint8_t, int> cases[] = {
-        // the depth, what was taken, what was taken back, the last move's target, extensions for pawns and in all,
-        // depth
+        // depth, captured piece, recaptured piece, last move's target, pawn extensions, all extensions, expected depth
         {check, 1, -1, -1, 0, 0, 2, 2},    {check, 1, -1, -1, 0, 0, 3, 1},    {quiet, 1, 11, 2, 0, 0, 0, 2},
         {quiet, 1, 14, 3, 0, 0, 0, 1},     {quiet, 1, 15, 7, 0, 0, 0, 1},     {seventh, 0, -1, -1, b2, 0, 0, 1},
         {seventh, 0, -1, -1, a7, 0, 0, 0}, {seventh, 0, -1, -1, b2, 1, 0, 0}, {seventh, 1, -1, -1, b2, 0, 0, 1},
@@ -165,7 +165,7 @@ TEST_F(SearchNode, ExtensionsShowInTheDepthThatIsStored) {
     }
 }
 
-TEST_F(SearchNode, RaisingAlphaMakesHistoryAndACutOffKillers) {
+TEST_F(SearchNode, RaisingAlphaUpdatesHistoryAndCutoffsKillers) {
     const auto game = game_from(start_text);
     const auto search_start = [&](int beta) {
         hash_clear(table);
@@ -183,12 +183,12 @@ TEST_F(SearchNode, RaisingAlphaMakesHistoryAndACutOffKillers) {
     EXPECT_EQ(s.killers.killer_two[0].move, entry->move);
     EXPECT_EQ(s.killers.killer_two_piece[0], game->cells[entry->move.from]);
     hash_clear(table);
-    EXPECT_EQ(search(s, *game, best + 50, best + 51, 1, root_frame, s.main_pv), best);  // fails soft
+    EXPECT_EQ(search(s, *game, best + 50, best + 51, 1, root_frame, s.main_pv), best);  // fail-soft
     entry = hash_probe(table, *game, 1);
     EXPECT_TRUE(entry->bound == bound_upper && entry->has_move == 0 && entry->score == best);
 }
 
-TEST_F(SearchNode, TheFirstMoveComesFromTheTableOrFromAShallowerSearch) {
+TEST_F(SearchNode, FirstMoveComesFromTheTableOrIid) {
     const auto game = game_from(middle_text);
     const std::vector<Move> legal = every_legal_move(*game);
     const auto first = [&](int depth, int alpha, int beta) {
@@ -196,7 +196,7 @@ TEST_F(SearchNode, TheFirstMoveComesFromTheTableOrFromAShallowerSearch) {
         return first_move(s, *game, 3, alpha, beta, depth);
     };
     hash_store(table, *game, 4, legal[5], 0, bound_upper);
-    EXPECT_EQ(first(5, 10, 11), legal[5]);  // an entry a ply too shallow for the node still has its move
+    EXPECT_EQ(first(5, 10, 11), legal[5]);  // an entry one ply too shallow still gives its move
     EXPECT_EQ(first(0, 10, 11), std::nullopt);
     EXPECT_EQ(first(6, 10, 11), std::nullopt);
     for (const auto& [depth, beta, searches] : {std::tuple{3, 11, false}, {2, 12, false}, {3, 12, true}}) {

@@ -1,4 +1,4 @@
-// The entry to the search: mates found, limits kept, what the listener is told, and the signature of the whole search.
+// Complete searches: mates, limits, listener calls, and the signature of the search.
 #include <gtest/gtest.h>
 
 #include "search/think.h"
@@ -46,9 +46,9 @@ TEST_F(Think, Mates) {
     }
 }
 
-/// Whoever changes this number has changed what the engine plays.
+/// A different number means that the engine plays differently.
 TEST_F(Think, ItsSignatureStands) {
-    think_to(*game_from(std::get<0>(mates[0])), 4);  // the window of the next search hangs on the last score
+    think_to(*game_from(std::get<0>(mates[0])), 4);  // the next aspiration window depends on this score
     qhash_clear(qtable);
     s.killers = {};
     std::uint64_t all_nodes = 0;
@@ -71,20 +71,20 @@ TEST_F(Think, StoppedSearchesGiveALegalMove) {
     }
 }
 
-TEST_F(Think, StoppedBeforeItsFirstLineGivesTheFirstLegalMove) {
+TEST_F(Think, StoppedWithoutALineGivesTheFirstLegalMove) {
     const auto game = game_from("qqqqkqqq/qqqqqqqq/8/8/8/8/QQQQQQQQ/QQQQKQQQ w - -");
     s.clock.time_limit_ms = 0;
     EXPECT_EQ(think_to(*game, deepest_iteration), every_legal_move(*game)[0]);
     EXPECT_EQ(s.iteration_depth, 1);
     EXPECT_FALSE(s.predicted_move);
-    // Whoever starts the clock may have stopped it again before the search begins.
+    // The clock may have been started and stopped before the search begins.
     s.clock.time_limit_ms = 1 << 30;
     stop_clock(s.clock);
     EXPECT_EQ(think(s, *game, {.clock_runs = true}, {}), every_legal_move(*game)[0]);
     EXPECT_FALSE(is_running(s.clock));
 }
 
-TEST_F(Think, ForcedAndFinishedGamesAreNotSearched) {
+TEST_F(Think, ForcedMovesAndFinishedGamesAreNotSearched) {
     for (const auto& [text, forced] : {std::pair{"7k/8/8/8/8/8/r7/7K w - -", "h1g1"},
                                        {"7k/8/8/8/8/6q1/r7/7K w - -", ""},
                                        {"k7/8/8/8/8/8/r4q2/7K w - -", ""}}) {
@@ -100,7 +100,7 @@ TEST_F(Think, ForcedAndFinishedGamesAreNotSearched) {
     }
 }
 
-TEST_F(Think, DeepensToTheLimitAsked) {
+TEST_F(Think, DeepensToTheDepthLimit) {
     const auto game = game_from("4k3/8/8/8/8/8/8/4KB2 w - -");
     for (const auto& [limit, deepest] : {std::pair{-5, 1}, {0, 1}, {1, 1}, {7, 7}, {50, 50}, {99, 50}}) {
         think_to(*game, limit);
@@ -108,7 +108,7 @@ TEST_F(Think, DeepensToTheLimitAsked) {
     }
 }
 
-TEST_F(Think, ARestrictedRootIsSearchedForItsMovesAloneAndKeptOutOfTheTable) {
+TEST_F(Think, ExcludedRootMovesAreNeitherSearchedNorStored) {
     const auto game = game_from(start_text);
     const std::vector<Move> only = {parse_move(*game, "a2a3"), parse_move(*game, "h2h4")};
     for (const auto& moves : {only, std::vector<Move>{}}) {
@@ -116,7 +116,7 @@ TEST_F(Think, ARestrictedRootIsSearchedForItsMovesAloneAndKeptOutOfTheTable) {
         EXPECT_EQ(hash_probe(s.tables.transposition_table, *game, 0) == nullptr, !moves.empty());
         EXPECT_TRUE(moves.empty() || best == moves[0] || best == moves[1]);
     }
-    // What the other moves are worth doesn't count.
+    // Scores of excluded moves must not matter.
     const auto winning = game_from("4k3/8/8/3q4/4P3/8/8/4K3 w - -");
     think(s, *winning, {.depth = 4, .only = {parse_move(*winning, "e1e2")}}, {});
     EXPECT_LT(s.root_score, 0);
@@ -124,7 +124,7 @@ TEST_F(Think, ARestrictedRootIsSearchedForItsMovesAloneAndKeptOutOfTheTable) {
     EXPECT_GT(s.root_score, 0);
 }
 
-TEST_F(Think, TellsItsListenerOfEachIterationAndEachBetterLine) {
+TEST_F(Think, ReportsEachIterationAndEachBetterLine) {
     const auto game = game_from(start_text);
     std::string order;
     int last_score = 0;
@@ -146,7 +146,7 @@ TEST_F(Think, TellsItsListenerOfEachIterationAndEachBetterLine) {
     };
     listener.iteration_finished = [&](const SearchReport& report) {
         expect_report(report);
-        EXPECT_EQ(report.score, last_score) << "not that of the line told last";
+        EXPECT_EQ(report.score, last_score) << "not the score of the last line reported";
         EXPECT_EQ(report.score, s.root_score);
         order += static_cast<char>('0' + report.depth);
     };

@@ -1,4 +1,4 @@
-// Both hash tables against a model of their slots, and the moves that lead to a known child.
+// Both hash tables, compared with a model, and enhanced transposition cutoffs.
 #include <gtest/gtest.h>
 
 #include "positions.h"
@@ -7,7 +7,7 @@
 namespace varn {
 namespace {
 
-/// A record that has these keys and stands for their position.
+/// A game with these keys.
 std::unique_ptr<Game> with_keys(std::uint64_t key, std::uint64_t lock) {
     auto game = std::make_unique<Game>();
     game->zobrist_key = key;
@@ -15,7 +15,7 @@ std::unique_ptr<Game> with_keys(std::uint64_t key, std::uint64_t lock) {
     return game;
 }
 
-TEST(Transposition, TableActsAsItsModel) {
+TEST(Transposition, TableMatchesItsModel) {
     struct Slot {
         std::uint64_t lock = 0;
         int depth = -1, score = -1, credit = 0;
@@ -30,7 +30,7 @@ TEST(Transposition, TableActsAsItsModel) {
     std::vector<Slot> model;
     int found = 0;
     for (int step = 0; step < 40000; ++step) {
-        if (step % 2500 == 0) {  // a table of 1, 3 or 7 slots, at times of the same size again
+        if (step % 2500 == 0) {  // 1, 3 or 7 slots, sometimes the same size again
             const int bits = 1 + step / 5000 % 3;
             hash_allocate(table, bits);
             model.assign((std::size_t{1} << bits) - 1, Slot{});
@@ -80,14 +80,14 @@ TEST(Transposition, UsageAndSize) {
     }
 }
 
-TEST(Transposition, SizesThatCannotBe) {
+TEST(Transposition, RejectsInvalidSizes) {
     TranspositionTable table;
     QuiescenceTable qtable;
     for (const int bits : {0, -1, 31, 64}) EXPECT_FALSE(hash_allocate(table, bits)) << bits;
     for (const int bytes : {0, -1, INT32_MIN}) EXPECT_FALSE(qhash_allocate(qtable, bytes)) << bytes;
 }
 
-TEST(Transposition, QuiescenceTableKeepsTheLastOfEachSlot) {
+TEST(Transposition, QuiescenceTableAlwaysReplaces) {
     for (const auto& [bytes, entries] : {std::pair{1, 1U}, {7 * 40 + 39, 7U}, {8 * 40, 8U}}) {
         QuiescenceTable table;
         ASSERT_TRUE(qhash_allocate(table, bytes));
@@ -104,7 +104,7 @@ TEST(Transposition, QuiescenceTableKeepsTheLastOfEachSlot) {
     }
 }
 
-TEST(Transposition, NothingOutlivesAClearHoweverManyFollow) {
+TEST(Transposition, ClearingAlwaysRemovesEverything) {
     TranspositionTable table;
     QuiescenceTable qtable;
     ASSERT_TRUE(hash_allocate(table, 2) && qhash_allocate(qtable, 1));
@@ -119,14 +119,14 @@ TEST(Transposition, NothingOutlivesAClearHoweverManyFollow) {
     }
 }
 
-TEST(Transposition, EnhancedTranspositionFindsTheKnownChild) {
+TEST(Transposition, EnhancedCutoffFindsTheKnownChild) {
     constexpr std::tuple<int, int, int, std::uint8_t, bool> cases[] = {
         {-50, 4, 50, bound_lower, true},
         {-50, 4, 50, bound_upper, false},
         {-50, 3, 49, bound_exact, true},
         {-50, 4, 51, bound_exact, false},
         {-50, 5, 50, bound_exact, false},
-        {-9990, 4, 9994, bound_lower, true},  // a mate is stored as -9994, and taken as it stands
+        {-9990, 4, 9994, bound_lower, true},  // a mate is stored as -9994 and used unadjusted
     };
     TranspositionTable table;
     ASSERT_TRUE(hash_allocate(table, 16));

@@ -1,4 +1,4 @@
-// Books out of games: PGN as it comes, and the rows that come of it.
+// Building books: reading PGN, and the resulting rows.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -27,7 +27,7 @@ Built build(const std::string& pgn, int plies, long fewest_games, std::size_t mo
     return built;
 }
 
-TEST(BookBuilder, ReadsGamesAsTheyCome) {
+TEST(BookBuilder, ReadsPgnInAnyForm) {
     const char* const annotated =
         "[White \"A\"] [Black \"B\"]\r\n1. e4 {best {by test\r\n[Eval 0.3] } e5 $1 2. Nf3! ( 2. f4 (2. Bc4 {; )} Nf6) "
         "exf4 ) 2... Nc6!? ; the rest (of the line\r\n3. Bb5 a6 1/2-1/2\r\n";
@@ -48,25 +48,25 @@ TEST(BookBuilder, ReadsGamesAsTheyCome) {
     EXPECT_EQ(build(std::string(games[0]) + games[1] + games[4], 9, 1).rows.size(), 3U);
 }
 
-TEST(BookBuilder, NamesWhatItCannotReadAndGoesOn) {
+TEST(BookBuilder, ReportsUnreadableGamesAndContinues) {
     const Built built = build(
         "1. e4 e5 *\n[SetUp \"1\"]\n[FEN \"4k3/8/8/8/8/8/8/4K3 w - - 0 1\"]\n1. Kd2 *\n"
         "1. e4 e5 2. Qxh7 *\n1. d4 d5 {no end\n[Event \"\"]\n1. d4 d5 (2. c4\n[Event \"\"]\n1. d4 d5 *",
         20, 1);
     EXPECT_EQ(built.rows, (std::vector<std::string>{"d2d4d7d5,", "e2e4e7e5,"}));
     EXPECT_EQ(built.complaints,
-              "x.pgn: game 3: \"Qxh7\" is no move after 2 moves\nx.pgn: game 4: a comment has no end\n"
-              "x.pgn: game 5: a variation has no end\n");
+              "x.pgn: game 3: \"Qxh7\" is not a legal move after 2 moves\nx.pgn: game 4: unterminated comment\n"
+              "x.pgn: game 5: unterminated variation\n");
     EXPECT_EQ(built.counts.used, 2);
     EXPECT_EQ(built.counts.set_up, 1);
     EXPECT_EQ(built.counts.unreadable, 3);
-    // What lies behind the plies wanted doesn't matter, and no row holds a promotion.
+    // Moves after the wanted plies don't matter, and rows end before promotions.
     EXPECT_EQ(build("1. e4 e5 2. Qxh7 *", 2, 1).rows, std::vector<std::string>{"e2e4e7e5,"});
     EXPECT_EQ(build("1. g4 h5 2. gxh5 g6 3. hxg6 Nf6 4. g7 d6 5. gxh8=Q d5 *", 20, 1).rows,
               std::vector<std::string>{"g2g4h7h5g4h5g7g6h5g6g8f6g6g7d7d6,"});
 }
 
-TEST(BookBuilder, WeighsLinesByTheirGames) {
+TEST(BookBuilder, WeightsLinesByTheirGames) {
     std::string games;
     for (int i = 0; i < 5; ++i) games += "1. e4 e5 *\n";
     for (int i = 0; i < 3; ++i) games += "1. e4 c5 *\n";
@@ -76,7 +76,7 @@ TEST(BookBuilder, WeighsLinesByTheirGames) {
                                                "e2e4e7e5,", "e2e4e7e5,", "e2e4e7e5,", "e2e4e7e5,"};
     EXPECT_EQ(built.rows, expected);
     EXPECT_EQ(built.games_per_row, 1);
-    // Too many rows: a row for two games, and a row at least for each line; then the rarer lines go.
+    // With too many rows every line gets one row per two games, at least one; then rare lines are dropped.
     EXPECT_EQ(build(games, 20, 2, 6).rows,
               (std::vector<std::string>{"e2e4c7c5,", "e2e4c7c5,", "e2e4e7e5,", "e2e4e7e5,", "e2e4e7e5,"}));
     EXPECT_EQ(build(games, 20, 2, 1).rows.size(), 1U);

@@ -1,5 +1,4 @@
-// The way from other people's files of positions to suites in the engine's own text, and the suites that come with the
-// engine.
+// Converting EPD files to suites, and the shipped suites.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -15,7 +14,7 @@
 namespace varn {
 namespace {
 
-TEST(Epd, BecomesASuiteInTheEnginesOwnText) {
+TEST(Epd, ConvertsToTheEnginesNotation) {
     std::string epd = "  \t\n", suite, messages;
     int number = 1, refused = 0;
     for (const auto& row : table_rows("epd.txt")) {
@@ -24,7 +23,7 @@ TEST(Epd, BecomesASuiteInTheEnginesOwnText) {
         if (!row.at(2).empty()) messages += "line " + std::to_string(number) + ": " + row.at(2) + '\n';
         refused += row.at(2).starts_with("refused");
     }
-    epd.pop_back();  // a last line may lack its newline
+    epd.pop_back();  // the last line may lack a newline
     std::istringstream in(epd);
     std::ostringstream out, said;
     EXPECT_EQ(printed([&] { EXPECT_EQ(convert_epd(in, out, said), refused); }), "");
@@ -32,7 +31,7 @@ TEST(Epd, BecomesASuiteInTheEnginesOwnText) {
     EXPECT_EQ(said.str(), messages);
 }
 
-/// The lines of a suite in the data folder, by their ids.
+/// The lines of a shipped suite by id.
 std::map<std::string, std::string> shipped_suite(const std::string& name) {
     std::ifstream file(std::filesystem::path(VARN_DATA_FOLDER) / "suites" / name);
     std::map<std::string, std::string> lines;
@@ -45,7 +44,7 @@ std::map<std::string, std::string> shipped_suite(const std::string& name) {
     return lines;
 }
 
-TEST(ShippedSuites, GiveLegalMovesInTheEnginesOwnTextAndCountNoOther) {
+TEST(ShippedSuites, ContainLegalMovesInTheEnginesNotation) {
     const std::map<std::string, std::string> notes = {{"BK.12", "will count as solved, too: f5"}};
     for (const auto& [name, size] : {std::pair{"bratko-kopec.epd", 24U}, {"mates.epd", 32U}, {"tactics.epd", 30U}}) {
         const auto suite = shipped_suite(name);

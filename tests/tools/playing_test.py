@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Tests of what the tools that play games share: the rules of chess, clocks, the score and the processes.
+"""Tests of the game-playing tools: chess rules, clocks, scores and child processes.
 
-Runnable alone. Where Stockfish is there it says which moves are legal all along random games; it is never installed.
+Can be run directly. If Stockfish is installed legal moves are compared with it in random games.
 """
 
 import contextlib
@@ -30,7 +30,7 @@ from playing.rules import START, Position, coordinates  # noqa: E402
 from playing.runner import play_game  # noqa: E402
 from playing.score import Score, elo  # noqa: E402
 
-# Published counts of move sequences; between them they hold every kind of move.
+# Published perft counts, covering every kind of move.
 COUNTS = [
     ("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1", 3, 8902),
     ("r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1", 2, 2039),
@@ -47,7 +47,7 @@ def count(position, depth):
 
 
 def played(*texts, fen=None):
-    """A game behind these moves, in coordinates; each of them must be legal."""
+    """A game after these legal moves in coordinates."""
     game = Game(fen) if fen else Game()
     for text in " ".join(texts).split():
         assert game.follow(text), text
@@ -55,12 +55,12 @@ def played(*texts, fen=None):
 
 
 class Rules(unittest.TestCase):
-    def test_counts_of_move_sequences(self):
+    def test_perft(self):
         for fen, depth, moves in COUNTS:
             self.assertEqual(count(Position(fen), depth), moves, fen)
 
-    @unittest.skipUnless(shutil.which("stockfish", path=SEARCH_PATH), "there is no Stockfish")
-    def test_legal_moves_along_random_games(self):
+    @unittest.skipUnless(shutil.which("stockfish", path=SEARCH_PATH), "Stockfish isn't installed")
+    def test_legal_moves_in_random_games(self):
         chance = random.Random(1)
         with contextlib.ExitStack() as stack:
             folder = stack.enter_context(tempfile.TemporaryDirectory())
@@ -77,7 +77,7 @@ class Rules(unittest.TestCase):
                     self.assertEqual(game.position.in_check(), len(checkers.split()) > 1)
                     game.play(chance.choice(moves))
 
-    def test_notation_names_each_move_once(self):
+    def test_san_is_unique(self):
         chance = random.Random(2)
         for _ in range(6):
             game = Game()
@@ -96,7 +96,7 @@ class Rules(unittest.TestCase):
             position = Position(fen)
             self.assertEqual(position.san(position.parse_coordinates(move)), name)
 
-    def test_refuses_what_is_no_position(self):
+    def test_refuses_invalid_positions(self):
         for fen in ["", "8/8/8/8/8/8/8/8 w - - 0 1", "k7/8/8/8/8/8/8/KP w - -", "k7/8/8/8/8/8/8/7K x - - 0 1",
                     "kR6/8/8/8/8/8/8/7K w - - 0 1", "k7/8/8/8/8/8/8/7K w K - 0 1", "k7/8/8/8/8/8/8/7K w - e6 0 1",
                     "k6P/8/8/8/8/8/8/7K w - - 0 1", "k7/8/8/8/8/8/8/7K w - - x 1"]:
@@ -105,7 +105,7 @@ class Rules(unittest.TestCase):
 
 
 class Ends(unittest.TestCase):
-    def test_of_games(self):
+    def test_results(self):
         shuffle = "g1f3 g8f6 f3g1 f6g8 "
         cases = [
             (played("f2f3 e7e5 g2g4 d8h4"), ("0-1", "Black mates")),
@@ -125,8 +125,8 @@ class Ends(unittest.TestCase):
         for game, end in cases:
             self.assertEqual(game.end(), end, game.uci_position())
 
-    def test_repetition_looks_at_the_rights(self):
-        # The first time, black can still capture en passant, or can't: his king would be in check.
+    def test_repetition_depends_on_rights(self):
+        # At first black can capture en passant, or can't because of a pin.
         round_trip = "a8b8 a1b1 b8a8 b1a1 "
         for fen, rook, end in [("r6k/8/8/8/4p3/8/3P4/R6K w - - 0 1", "d2d4", None),
                                ("r6k/8/8/8/5p2/8/3P4/R6K w - - 0 1", "d2d4", ("1/2-1/2", "repetition"))]:
@@ -146,19 +146,19 @@ class Clocks(unittest.TestCase):
     def test_flag_and_increment(self):
         clock = Clock(TimeControl(2, 0.5), margin=0.1)
         self.assertTrue(clock.charge(1.5))
-        self.assertAlmostEqual(clock.left, 1.0)  # the increment comes behind the move
+        self.assertAlmostEqual(clock.left, 1.0)  # the increment is added after the move
         self.assertTrue(clock.charge(1.05))
-        self.assertAlmostEqual(clock.left, 0.5)  # what the margin gave isn't owed
+        self.assertAlmostEqual(clock.left, 0.5)  # the margin isn't charged
         self.assertFalse(clock.charge(0.65))
 
-    def test_moves_of_a_control(self):
+    def test_moves_per_control(self):
         clock = Clock(TimeControl(10, 0, 2))
         self.assertEqual([(clock.charge(4), clock.moves_to_go, clock.left) for _ in range(3)],
                          [(True, 1, 6), (True, 2, 12), (True, 1, 8)])
 
 
 class Scores(unittest.TestCase):
-    def test_difference(self):
+    def test_elo_and_points(self):
         self.assertAlmostEqual(elo(0.5), 0)
         self.assertAlmostEqual(elo(10 / 11), 400)
         score = Score()
@@ -167,13 +167,13 @@ class Scores(unittest.TestCase):
         self.assertEqual((score.won, score.lost, score.drawn, score.points()), (2, 1, 1, 2.5))
         self.assertEqual(elo(0), -elo(1))
 
-    def test_margin_of_a_hundred_even_games(self):
+    def test_margin_of_100_even_games(self):
         score = Score()
         score.won = score.lost = 50
         self.assertAlmostEqual(score.margin(), 0.098)
 
 
-# An engine of either protocol that plays the moves it is told to, or does something else.
+# An engine of either protocol that plays the given moves or misbehaves.
 ENGINE = '''
 import sys, time
 moves = iter(sys.argv[2:])
@@ -202,7 +202,7 @@ class Games(unittest.TestCase):
         (self.folder / "engine.py").write_text(ENGINE)
 
     def play(self, kind, moves):
-        """What comes of a game in which black, of some protocol, plays these moves against two that lead nowhere."""
+        """The outcome of a game in which black plays these moves and white shuffles."""
         engines = {}
         for white, protocol, own in [(True, UciEngine, "g1f3 f3g1 " * 9), (False, kind, moves)]:
             folder = self.folder / ("white" if white else "black")
@@ -225,7 +225,7 @@ class Games(unittest.TestCase):
                 self.assertIn(reason, outcome.reason)
         self.assertIn("resigns", self.play(XboardEngine, "g8f6 resign").reason)
 
-    def test_openings_of_the_house(self):
+    def test_shipped_openings(self):
         openings = read_openings(ROOT / "data/openings.txt")
         self.assertEqual(len({begin(opening).position.key() for opening in openings}), 40)
         for text in ["e4 e4", "k7/8/8/8/8/8/8/7K w - - 0 1", "", "e4 e5 \0"]:
@@ -242,7 +242,7 @@ def is_alive(process):
 
 
 def ends(process, patience=10):
-    """A process that was killed is gone a moment later."""
+    """Whether the process disappears within the time."""
     deadline = time.monotonic() + patience
     while is_alive(process) and time.monotonic() < deadline:
         time.sleep(0.01)
@@ -268,11 +268,11 @@ class Processes(unittest.TestCase):
         child = self.child("read line; echo trouble >&2; exit 1")
         self.assertEqual(child.end(5), ["ended with status 1", "on the error stream: trouble"])
         self.assertEqual(self.child("sleep 60").end(0.1), ["didn't end"])
-        child.send("x")  # to one that has ended
+        child.send("x")  # has ended: no effect
         with self.assertRaises(CannotStart):
             find_command("no-such-program")
 
-    def test_one_that_reads_nothing_is_given_up(self):
+    def test_send_times_out_if_nothing_is_read(self):
         child = self.child("sleep 60")
         import playing.process
         self.addCleanup(setattr, playing.process, "PATIENCE", playing.process.PATIENCE)

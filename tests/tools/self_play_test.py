@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Whether long runs by UCI notice the faults that an engine may have: an engine that moves at random has one at a time.
+"""Checks that UCI self-play detects engine faults: a random mover has one fault at a time, and passes without one.
 
-Runnable alone. The engine without a fault must pass.
+Can be run directly.
 """
 
 import concurrent.futures
@@ -37,7 +37,7 @@ def answer(legal):
         say("bestmove (none)")
         return
     chance.shuffle(legal)
-    legal.sort(key=lambda move: game.position.board[move[1]] == ".")  # captures end a game soon
+    legal.sort(key=lambda move: game.position.board[move[1]] == ".")  # captures make games short
     for number, move in enumerate(legal[:lines], 1):
         after = game.position.after(move)
         line = coordinates(move)
@@ -69,7 +69,7 @@ def answer(legal):
         sys.stderr.write("trouble\\n")
     if is_due() == "silent":
         return
-    # What comes too late is written together with bestmove: written behind it, it could fall into the next search.
+    # Late output is written together with bestmove, or it could arrive during the next search.
     too_late = {"twice": "\\nbestmove " + best[0], "late info": "\\ninfo depth 1"}.get(is_due(), "")
     say("bestmove " + " ponder ".join(best) + too_late)
 
@@ -109,7 +109,7 @@ if fault == "status":
     sys.exit(3)
 """
 
-# What the report says of each fault.
+# Expected report of each fault.
 FAULTS = {
     "illegal line": "an illegal move e4e5 in the line", "one line too many": "a line of number", "late": "in time",
     "same line": "two lines begin with the same move", "wild score": "a score out of range",
@@ -117,7 +117,7 @@ FAULTS = {
     "illegal move": "an illegal move: bestmove a1a1", "other move": "the best line began with",
     "illegal ponder": "an illegal move to ponder on", "crash": "SIGABRT", "error stream": "trouble",
     "silent": "no bestmove", "twice": "an unexpected line: bestmove", "late info": "an unexpected line: info",
-    "deaf": "readyok", "searchmoves": "with another move than it may", "early": "bestmove too early",
+    "deaf": "readyok", "searchmoves": "with an excluded move", "early": "bestmove too early",
     "no move": "an illegal move: bestmove (none)", "status": "ended with status 3",
 }
 
@@ -130,7 +130,7 @@ class Faults(unittest.TestCase):
         self.engine.chmod(0o755)
 
     def run_tool(self, fault):
-        """The status and the report of some games."""
+        """Status and report of some games."""
         games = 2 if fault else 4
         run = subprocess.run(
             [sys.executable, ROOT / "tools/self_play", "--protocol", "uci", "--engine", self.engine, "--ponder", "all",
@@ -142,7 +142,7 @@ class Faults(unittest.TestCase):
         status, said = self.run_tool("")
         self.assertEqual(status, 0, said)
 
-    def test_each_fault_is_told(self):
+    def test_each_fault_is_reported(self):
         with concurrent.futures.ThreadPoolExecutor(2) as pool:
             for (fault, report), (status, said) in zip(FAULTS.items(), pool.map(self.run_tool, FAULTS)):
                 with self.subTest(fault):

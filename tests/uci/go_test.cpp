@@ -1,4 +1,4 @@
-// Searches by the front end's words: what bounds them, what they tell, and the one move that each of them gives.
+// `go`: limits, search output, and exactly one `bestmove` per search.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr TableSizes small_sizes = {.hash_bits = 16, .qhash_bytes = 1 << 20, .phash_bytes = 1 << 16};
 
-/// Plays the line from the position; false at the first move that isn't legal.
+/// Plays the line; returns false at the first illegal move.
 bool is_playable_line(Game game, const std::vector<std::string>& line) {
     for (const std::string& text : line) {
         const Move move = parse_move(game, text);
@@ -36,7 +36,7 @@ bool contains(const std::vector<std::string>& texts, const std::string& text) {
 
 std::string fen_line(const std::string& position) { return "position fen " + position; }
 
-/// What holds of every search in a position with legal moves.
+/// Checks that apply to every search with legal moves.
 void expect_sound_search(const Game& game, const std::string& said) {
     EXPECT_TRUE(contains(legal_texts(game), best_move_in(said))) << said;
     const std::vector<std::string> answer = split(split(answers_in(said).at(0), "\n")[0], " ");
@@ -54,9 +54,9 @@ void expect_sound_search(const Game& game, const std::string& said) {
     }
 }
 
-// --- What bounds a search -------------------------------------------------------------------------------------------
+// --- Limits ---------------------------------------------------------------------------------------------------------
 
-TEST(UciGo, SearchesTheSameNodesAsTheSearchItself) {
+TEST(UciGo, SearchesTheSameNodesAsThink) {
     UciSession session;
     const auto other = new_search();
     ASSERT_EQ(allocate_tables(*other, small_sizes), TableFault::none);
@@ -64,7 +64,7 @@ TEST(UciGo, SearchesTheSameNodesAsTheSearchItself) {
         session.send("ucinewgame; " + fen_line(known.text));
         if (every_legal_move(*session.uci.game).empty()) continue;
         const std::string said = session.search("go depth 5");
-        forget_all(*other);
+        reset_search(*other);
         const auto move = think(*other, *game_from(known.text), {.depth = 5, .search_forced = true}, {});
         EXPECT_EQ(session.uci.search->search_nodes, other->search_nodes) << known.text;
         EXPECT_EQ(best_move_in(said), move_text(*move)) << known.text;
@@ -77,7 +77,7 @@ TEST(UciGo, SearchesTheSameNodesAsTheSearchItself) {
     }
 }
 
-TEST(UciGo, ALimitOnNodesIsExact) {
+TEST(UciGo, NodeLimitIsExact) {
     UciSession session;
     for (const std::size_t place : {0U, 1U}) {
         const std::string& position = known_positions[place].text;
@@ -91,7 +91,7 @@ TEST(UciGo, ALimitOnNodesIsExact) {
     }
 }
 
-TEST(UciGo, EndsByWhateverIsReachedFirst) {
+TEST(UciGo, EndsAtTheFirstLimitReached) {
     UciSession session;
     for (const char* words :
          {"movetime 1", "movetime 50", "movetime 0", "movetime -5", "wtime 500 btime 500",
@@ -105,7 +105,7 @@ TEST(UciGo, EndsByWhateverIsReachedFirst) {
     }
 }
 
-TEST(UciGo, TellsWhatTheClockLeavesAfterTheOverhead) {
+TEST(UciGo, ReportsTheTimeAfterOverhead) {
     UciSession session;
     const auto budget_after = [&](const std::string& words) {
         session.search("go depth 1 " + words);
@@ -124,9 +124,9 @@ TEST(UciGo, TellsWhatTheClockLeavesAfterTheOverhead) {
     }
 }
 
-// --- Searches that hold their move back -----------------------------------------------------------------------------
+// --- Infinite and pondering searches --------------------------------------------------------------------------------
 
-TEST(UciGo, HoldsTheMoveBackUntilItMayCome) {
+TEST(UciGo, InfiniteAndPonderingSearchesHoldTheMoveBack) {
     UciSession session;
     const std::string mated = "R5k1/5ppp/8/8/8/8/8/4K3 b - -", stalemate = "7k/8/8/8/8/8/5q2/7K w - -",
                       single = "k7/8/8/8/8/8/r7/7K w - -", drawn = "8/8/8/8/8/8/k7/7K w - -";
@@ -161,7 +161,7 @@ TEST(UciGo, HoldsTheMoveBackUntilItMayCome) {
     EXPECT_EQ(expect_none_before(single, "go ponder wtime 1000 btime 1000", "ponderhit", ""), "h1g1");
     expect_none_before(drawn, "go ponder movetime 1000", "ponderhit", "info depth 50 ");
     expect_none_before(drawn, "go ponder infinite depth 2", "ponderhit; stop", "info depth 2 ");
-    // Without anything that bounds it a search that was pondered on goes on until it is stopped.
+    // After `ponderhit` a search without limits runs until it is stopped.
     session.send("position startpos; go ponder; ponderhit");
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     EXPECT_EQ(answers_in(session.said()).size(), 0U);
@@ -172,7 +172,7 @@ TEST(UciGo, HoldsTheMoveBackUntilItMayCome) {
     EXPECT_EQ(answers_in(session.said()).size(), 0U);
 }
 
-TEST(UciGo, APonderedMoveHasItsWholeTimeFromTheHit) {
+TEST(UciGo, PonderhitStartsTheFullTime) {
     UciSession session;
     session.send("setoption name Move Overhead value 0; position startpos moves e2e4; go ponder movetime 150");
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
@@ -185,9 +185,9 @@ TEST(UciGo, APonderedMoveHasItsWholeTimeFromTheHit) {
     EXPECT_LT(taken, std::chrono::seconds(2));
 }
 
-// --- Lines of play --------------------------------------------------------------------------------------------------
+// --- Principal variations -------------------------------------------------------------------------------------------
 
-TEST(UciGo, GivesSoManyBestLines) {
+TEST(UciGo, MultiPvGivesTheBestLines) {
     UciSession session;
     RandomSource random(12);
     for (const KnownPosition& known : known_positions) {
@@ -221,7 +221,7 @@ TEST(UciGo, GivesSoManyBestLines) {
     }
 }
 
-TEST(UciGo, SearchmovesWithoutALegalMoveRestrictNothing) {
+TEST(UciGo, SearchmovesWithoutALegalMoveAreIgnored) {
     UciSession session;
     const std::string said = session.search("go depth 2 searchmoves e2e5 e7e5 a1a1");
     EXPECT_TRUE(said.starts_with("info string illegal move: e2e5\ninfo string illegal move: e7e5\n")) << said;
@@ -229,7 +229,7 @@ TEST(UciGo, SearchmovesWithoutALegalMoveRestrictNothing) {
     EXPECT_EQ(best_move_in(session.search("go searchmoves a2a3 depth 2 searchmoves h2h4")), "h2h4");
 }
 
-TEST(UciGo, CountsMatesInMovesForTheSideToMove) {
+TEST(UciGo, MateScoresAreInMovesForTheSideToMove) {
     UciSession session;
     for (const auto& [text, depth, score] : {std::tuple{"6k1/5ppp/8/8/8/8/8/R3K3 w - -", 3, "mate 1"},
                                              {"7k/8/5K2/8/8/8/8/6R1 w - -", 5, "mate 2"},
@@ -240,14 +240,14 @@ TEST(UciGo, CountsMatesInMovesForTheSideToMove) {
             ASSERT_EQ(last.size(), 1U) << said;
             EXPECT_TRUE(last[0].is_mate) << position << '\n' << said;
             EXPECT_EQ("mate " + std::to_string(last[0].score), score) << position;
-            // A search for a mate ends with it, and its line leads there.
+            // A mate search ends with the mate, and its line leads there.
             if (last[0].score <= 0) continue;
             const std::string found = session.search("go mate " + std::to_string(last[0].score));
             EXPECT_EQ(last_lines(found).at(0).score, last[0].score) << found;
             EXPECT_EQ(last_lines(found)[0].pv.size(), 2U * static_cast<unsigned>(last[0].score) - 1) << found;
         }
     }
-    // Which of two sides is ahead: centipawns, too.
+    // Centipawns, too, are for the side to move.
     for (const auto& [position, sign] :
          {std::pair{"4k3/pppp4/8/8/8/8/PPPP4/Q3K3 w - -", 1}, {"4k3/pppp4/8/8/8/8/PPPP4/Q3K3 b - -", -1}}) {
         for (const std::string& text : {std::string(position), mirrored_text(position)}) {
@@ -257,9 +257,9 @@ TEST(UciGo, CountsMatesInMovesForTheSideToMove) {
     }
 }
 
-// --- Draws by what came before --------------------------------------------------------------------------------------
+// --- Draws by game history ------------------------------------------------------------------------------------------
 
-TEST(UciGo, SeesRepetitionsAndTheFiftyMovesFromTheFirstMove) {
+TEST(UciGo, RepetitionsAndFiftyMovesIncludeTheGameHistory) {
     UciSession session;
     const auto score_of = [&](const std::string& lines) { return last_lines(session.search(lines)).at(0).value(); };
     EXPECT_GT(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 98 60; go depth 1"), 200);

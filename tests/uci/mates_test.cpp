@@ -1,4 +1,4 @@
-// Mates as the front end counts them, against a solver that tries every move.
+// Mate distances, compared with a brute-force solver.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,9 +11,9 @@
 namespace varn {
 namespace {
 
-/// Whether the side to move mates in so many of its moves.
+/// Whether the side to move can force mate in this many moves.
 bool mates_in(const Game& game, int moves);
-/// Whether it is mated within so many moves of the other side, whatever it does.
+/// Whether the side to move is mated in this many moves.
 bool is_mated_in(const Game& game, int moves) {
     const std::vector<Move> legal = every_legal_move(game);
     if (legal.empty()) return in_check(game);
@@ -24,7 +24,7 @@ bool mates_in(const Game& game, int moves) {
                                             [&](Move move) { return is_mated_in(*after(game, move), moves - 1); });
 }
 
-/// Moves to the mate, from the side to move's point of view; 0 where none is within two.
+/// Moves to mate for the side to move; 0 if none within two.
 int moves_to_mate(const Game& game) {
     for (const int moves : {1, 2}) {
         if (mates_in(game, moves)) return moves;
@@ -33,7 +33,7 @@ int moves_to_mate(const Game& game) {
     return 0;
 }
 
-TEST(UciMates, AreAsManyMovesAwayAsTheyAreSaidToBe) {
+TEST(UciMates, DistancesMatchASolver) {
     constexpr const char* boards[] = {"7k/R7/1R6/8/8/8/8/K7",  "7k/8/8/8/8/8/R7/1R5K",    "8/8/8/8/8/1K6/7Q/k7",
                                       "6k1/R7/1R6/8/8/8/8/K7", "6rk/6pp/7N/8/8/8/8/K5Q1", "8/8/8/8/8/k1K5/8/7R"};
     UciSession session;

@@ -1,4 +1,4 @@
-// The options: what they may be, what they do, and that nonsense changes nothing.
+// UCI options: ranges, effects, and invalid input.
 #include <gtest/gtest.h>
 
 #include "folder.h"
@@ -13,7 +13,7 @@ auto values_of(const Options& o) {
                       o.analyse_mode, o.about);
 }
 
-/// An option as a client is told of it.
+/// An `option` line.
 struct ToldOption {
     std::string name, type, standard, lowest, highest;
 };
@@ -37,7 +37,7 @@ std::vector<ToldOption> told_options() {
     return told;
 }
 
-TEST(UciOptions, TakeTheirWholeRangeAndNothingElse) {
+TEST(UciOptions, AcceptExactlyTheirRange) {
     const WorkingFolder folder;
     folder.write("book.dat", "e2e4\n");
     UciSession session;
@@ -58,7 +58,7 @@ TEST(UciOptions, TakeTheirWholeRangeAndNothingElse) {
             wrong.push_back(std::to_string(std::stoll(option.lowest) - 1));
             wrong.push_back(std::to_string(std::stoll(option.highest) + 1));
             EXPECT_EQ(set(option.name, option.lowest), "");
-            if (option.name != "Hash") {  // as much memory as there is
+            if (option.name != "Hash") {  // would use all memory
                 EXPECT_EQ(set(option.name, option.highest), "");
             }
             set(option.name, option.standard);
@@ -95,7 +95,7 @@ TEST(UciOptions, HashIsTheSizeOfTheTable) {
     TranspositionTable& table = session.uci.search->tables.transposition_table;
     for (const int megabytes : {1, 2, 3, 17, 64, 100}) {
         EXPECT_EQ(session.answer("setoption name Hash value " + std::to_string(megabytes)), "");
-        // No power of two more has room in it.
+        // The next power of two doesn't fit.
         const std::uint64_t bytes = (std::uint64_t{1} << hash_bits_for(megabytes)) * sizeof(HashEntry);
         EXPECT_LE(bytes, std::uint64_t(megabytes) << 20U);
         EXPECT_GT(2 * bytes, std::uint64_t(megabytes) << 20U);
@@ -109,7 +109,7 @@ TEST(UciOptions, HashIsTheSizeOfTheTable) {
     EXPECT_GT(hash_permille(table), 0);
     EXPECT_EQ(session.answer("setoption name Clear Hash"), "");
     EXPECT_EQ(hash_permille(table), 0);
-    // While a search runs it gives its move first.
+    // A running search sends its move first.
     EXPECT_EQ(answers_in(session.answer("go infinite; setoption name Hash value 2")).size(), 1U);
 }
 
@@ -143,7 +143,7 @@ TEST(UciOptions, TheBookIsForClockedGamesFromTheStart) {
     EXPECT_EQ(best_move_in(session.search(clocked)), "a2a4");
     EXPECT_EQ(session.answer("setoption name Book File value other.dat"), "");
     EXPECT_EQ(best_move_in(session.search(clocked)), "h2h4");
-    // A name may hold blanks and the word that stands before it.
+    // A file name may contain blanks and the word "value".
     folder.write("my value book", "g2g4,Third\n");
     EXPECT_EQ(session.answer("setoption name Book File value  my value book "), "");
     EXPECT_EQ(best_move_in(session.search(clocked)), "g2g4");

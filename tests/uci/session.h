@@ -1,4 +1,4 @@
-// The UCI front end in this process, and what it says as records.
+// The UCI front end in this process, with its output parsed.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -23,18 +23,18 @@
 
 namespace varn {
 
-/// A line about a search.
+/// An `info` line of a search.
 struct InfoLine {
     int depth = 0;
     int selective_depth = 0;
     int line_number = 0;
     bool is_mate = false;
-    int score = 0;  // centipawns, or moves to the mate
+    int score = 0;  // centipawns or moves to mate
     bool is_bound = false;
     std::uint64_t nodes = 0;
     std::vector<std::string> pv;
 
-    /// Grows with what the side to move would rather have.
+    /// Orders scores for the side to move.
     int value() const { return !is_mate ? score : score > 0 ? mate_score - score : -mate_score - score; }
 };
 
@@ -58,7 +58,7 @@ inline InfoLine info_line(const std::string& line) {
     return info;
 }
 
-/// The lines about searches in what was said, without those on single root moves.
+/// The `info` lines of searches, without `currmove` lines.
 inline std::vector<InfoLine> info_lines(std::string_view said) {
     std::vector<InfoLine> infos;
     for (const std::string& line : split(said, "\n")) {
@@ -68,7 +68,7 @@ inline std::vector<InfoLine> info_lines(std::string_view said) {
     return infos;
 }
 
-/// The lines of the last iteration, one for each line of play, the best first.
+/// The lines of the last iteration, one per principal variation, best first.
 inline std::vector<InfoLine> last_lines(std::string_view said) {
     std::vector<InfoLine> last;
     for (const InfoLine& info : info_lines(said)) {
@@ -78,22 +78,22 @@ inline std::vector<InfoLine> last_lines(std::string_view said) {
     return last;
 }
 
-/// "bestmove" lines as they stand.
+/// The `bestmove` lines.
 inline std::vector<std::string> answers_in(std::string_view said) {
     std::vector<std::string> answers = split(said, "\n");
     std::erase_if(answers, [](const std::string& line) { return !line.starts_with("bestmove "); });
     return answers;
 }
 
-/// The move of the only answer.
+/// The move of the only `bestmove` line.
 inline std::string best_move_in(std::string_view said) {
     const std::vector<std::string> answers = answers_in(said);
     EXPECT_EQ(answers.size(), 1U) << said;
     return answers.empty() ? "" : split(answers[0], " ")[1];
 }
 
-/// The front end with small tables. While it lives standard output is a file of its own; where the test fails, all that
-/// was said stands in the test's output behind it.
+/// The front end with small tables. While it exists standard output is redirected to a file; if the test fails all of
+/// it is printed.
 class UciSession {
 public:
     explicit UciSession(const TableSizes& sizes = {.hash_bits = 16, .qhash_bytes = 1 << 20, .phash_bytes = 1 << 16}) {
@@ -118,12 +118,12 @@ public:
     UciSession(const UciSession&) = delete;
     UciSession& operator=(const UciSession&) = delete;
 
-    /// Carries out the lines, with "; " between them, and goes on at once.
+    /// Executes the lines (separated by "; ") without waiting.
     void send(std::string_view lines) {
         for (const std::string& line : split(lines, "; ")) uci_step(uci, line);
     }
 
-    /// What was said since the last call.
+    /// The output since the last call.
     std::string said() {
         char buffer[1 << 14];
         const std::size_t before = all_.size();
@@ -134,7 +134,7 @@ public:
         return std::exchange(unheard_, {});
     }
 
-    /// The same once it holds the text; throws where that takes too long.
+    /// The same, once it contains the text; throws on timeout.
     std::string said_with(std::string_view text) {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(2);
         std::string heard = said();
@@ -147,14 +147,14 @@ public:
         return heard;
     }
 
-    /// The lines' answer.
+    /// The answer to the lines.
     std::string answer(std::string_view lines) {
         said();
         send(lines);
         return said();
     }
 
-    /// What the lines, the last of which is a search that ends by itself, are answered with up to the move.
+    /// The answer to lines that end with a terminating search, up to its `bestmove`.
     std::string search(std::string_view lines) {
         said();
         send(lines);

@@ -1,4 +1,4 @@
-// The front end as a client meets it: transcripts of the real process, games as clients send them, and how it ends.
+// The UCI front end: transcripts of the real process, games as clients send them, and termination.
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -20,8 +20,8 @@ class UciProcess : public Process {
 public:
     UciProcess() : Process({}, VARN_UCI_EXECUTABLE) {}
 
-    /// What the lines, with "; " between them, are answered with; where they begin a search, which must end by itself
-    /// or by the last of them, up to its move. Numbers that depend on the machine are left out.
+    /// The answer to the lines (separated by "; "). If they start a search, which must end by itself or by the last
+    /// line, up to `bestmove`. Machine-dependent numbers are removed.
     std::string answer(const std::string& lines) {
         const std::vector<std::string> typed = split(lines, "; ");
         for (const std::string& line : typed) send(line + '\n');
@@ -41,7 +41,7 @@ public:
     }
 };
 
-TEST(UciProcess, SpeaksAsInItsTranscripts) {
+TEST(UciProcess, MatchesItsTranscripts) {
     for_each_transcript("uci.txt", [](const std::string& title, const std::string& transcript) {
         SCOPED_TRACE(title);
         UciProcess process;
@@ -53,7 +53,7 @@ TEST(UciProcess, SpeaksAsInItsTranscripts) {
     });
 }
 
-TEST(UciProcess, SaysNothingBeforeItIsSpokenToAndEndsWithItsInput) {
+TEST(UciProcess, IsSilentAtStartAndExitsAtEndOfInput) {
     for (const char* end : {"", "quit", "quit\n", "\n \t\nquit now\n", "unknown\nquit\n"}) {
         UciProcess process;
         process.send(end);
@@ -64,7 +64,7 @@ TEST(UciProcess, SaysNothingBeforeItIsSpokenToAndEndsWithItsInput) {
     }
 }
 
-TEST(UciProcess, EndsInMidSearchWithTheMoveSaid) {
+TEST(UciProcess, QuittingDuringASearchStillSendsTheMove) {
     for (const char* go : {"go infinite", "go ponder wtime 1000 btime 1000", "go movetime 100000", "go"}) {
         for (const bool quits : {false, true}) {
             UciProcess process;
@@ -83,7 +83,7 @@ TEST(UciProcess, EndsInMidSearchWithTheMoveSaid) {
     }
 }
 
-TEST(UciProcess, EndsWhenNobodyReadsItAnyMore) {
+TEST(UciProcess, ExitsWhenItsReaderIsGone) {
     UciProcess process;
     process.send("go infinite\n");
     process.read_until("info depth 3 ");
@@ -93,7 +93,7 @@ TEST(UciProcess, EndsWhenNobodyReadsItAnyMore) {
     EXPECT_TRUE(status == 0 || status == -SIGPIPE) << status;
 }
 
-TEST(UciProcess, TakesAnyBytesForLines) {
+TEST(UciProcess, SurvivesArbitraryBytes) {
     UciProcess process;
     process.send(std::string("\0go\0\n\xff\xfe\x80\n%s%n\n;\n", 16));
     process.send("position startpos moves" + std::string((1 << 20) + 10, ' ') + "e2e4\n");
@@ -104,14 +104,14 @@ TEST(UciProcess, TakesAnyBytesForLines) {
 
 // --- Games ----------------------------------------------------------------------------------------------------------
 
-/// The FEN that the front end shows.
+/// The FEN shown by the front end.
 std::string shown_fen(UciSession& session) {
     const std::string said = session.answer("d");
     const std::size_t start = said.find("Fen: ");
     return start == std::string::npos ? said : said.substr(start + 5, said.find('\n', start) - start - 5);
 }
 
-/// A random game that goes to and fro a good deal; `seen` counts how often each position has stood.
+/// A random game with many repetitions; `seen` counts the occurrences of each position.
 struct LongGame {
     std::unique_ptr<Game> game = new_game();
     std::string moves;
@@ -126,7 +126,7 @@ bool play_random_move(LongGame& played, RandomSource& random) {
     const auto is_final = [&](Move move) { return after(game, move)->fifty == 0; };
     std::erase_if(moves, ends_game);
     if (moves.empty()) return false;
-    // So many plies need pieces on the board: what can't be taken back comes seldom.
+    // So many plies are only possible with few irreversible moves.
     if (random.next() % 64 != 0 && !std::ranges::all_of(moves, is_final)) std::erase_if(moves, is_final);
     moves.resize(std::min<std::size_t>(moves.size(), 3));
     const Move move = moves[random.next() % moves.size()];
@@ -151,7 +151,7 @@ TEST(UciPosition, GamesOfAnyLengthKeepTheirRepetitions) {
         const Game& game = *session.uci.game;
         EXPECT_EQ(shown_fen(session), fen_text(*played.game, 1 + length / 2));
         EXPECT_EQ(game.fifty, played.game->fifty);
-        // A count of 255 plies is the most that is told.
+        // The halfmove clock saturates at 255.
         if (game.fifty < 255) {
             EXPECT_EQ(is_repetition(game), played.seen[position_text(game)] > 1) << length;
             EXPECT_EQ(is_third_repetition(game), played.seen[position_text(game)] > 2) << length;
@@ -169,7 +169,7 @@ TEST(UciPosition, GamesOfAnyLengthKeepTheirRepetitions) {
     EXPECT_GT(thirds, 2);
 }
 
-TEST(UciPosition, WhatIsRefusedLeavesWhatWasThere) {
+TEST(UciPosition, RefusedPositionsChangeNothing) {
     UciSession session;
     session.send("position startpos moves e2e4 e7e5");
     const std::string before = shown_fen(session);
@@ -188,7 +188,7 @@ TEST(UciPosition, WhatIsRefusedLeavesWhatWasThere) {
     EXPECT_EQ(shown_fen(session), "3k4/8/8/8/8/8/8/4K3 w - - 8 41");
 }
 
-TEST(UciPosition, CountsItsMovesByRootMove) {
+TEST(UciPosition, PerftCountsByRootMove) {
     UciSession session;
     for (const KnownPosition& known : known_positions) {
         for (const int depth : {1, 3}) {

@@ -1,4 +1,4 @@
-// Lines that come while a search is at work, in any order: each search gives one move, and a legal one.
+// Commands during a search, in any order: each search sends one legal move.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -36,7 +36,7 @@ std::string any_line(RandomSource& random) {
     }
 }
 
-TEST(UciThread, AnyOrderOfLinesGivesEachSearchOneLegalMove) {
+TEST(UciThread, EachSearchGivesOneLegalMoveInAnyOrderOfLines) {
     UciSession session(tiny_sizes);
     RandomSource random(2024);
     std::vector<Game> asked;
@@ -44,7 +44,7 @@ TEST(UciThread, AnyOrderOfLinesGivesEachSearchOneLegalMove) {
     for (int i = 0; i < 6000; ++i) {
         const std::string line = any_line(random);
         session.send(line);
-        // Most lines come at once, before the search has done anything.
+        // Most lines are sent at once, before the search has started.
         if (random.next() % 8 == 0) std::this_thread::sleep_for(std::chrono::microseconds(random.next() % 2000));
         if (line.starts_with("go") && !line.starts_with("go perft")) asked.push_back(*session.uci.game);
         if (i % 100 == 0) said += session.said();
@@ -63,7 +63,7 @@ TEST(UciThread, AnyOrderOfLinesGivesEachSearchOneLegalMove) {
     }
 }
 
-TEST(UciThread, EveryLineIsWholeWhileTwoThreadsTalk) {
+TEST(UciThread, LinesOfTwoThreadsAreNotInterleaved) {
     UciSession session(tiny_sizes);
     std::string said;
     for (int round = 0; round < 20; ++round) {

@@ -1,5 +1,4 @@
-// Thinking on the opponent's time: what stops the search on the second thread and what doesn't, whose clock it runs by,
-// and long random dialogues, which a thread sanitizer watches.
+// Pondering: what stops it and what doesn't, its clock, and long random dialogues for the thread sanitizer.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -19,7 +18,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-/// Without the lines that a search prints, which all begin with a blank.
+/// Without search output, whose lines begin with a blank.
 std::string without_search_lines(std::string_view text) {
     std::string rest;
     for (const std::string& line : split(text, "\n")) {
@@ -28,7 +27,7 @@ std::string without_search_lines(std::string_view text) {
     return rest;
 }
 
-/// The protocol in this process, which says nothing but by it while it lives: what a test finds it says afterwards.
+/// The protocol in this process. Standard output is captured while it exists.
 class Session {
 public:
     explicit Session(const Game& game = *new_game()) {
@@ -55,12 +54,12 @@ public:
     Protocol protocol = Protocol(engine);
 };
 
-/// Whether a search was started on the other thread and has not been dealt with.
+/// Whether pondering is active.
 bool is_pondering(const Session& session) { return is_pondering(session.protocol.pondering); }
 
 // --- Stopping -------------------------------------------------------------------------------------------------------
 
-TEST(Ponder, IsStoppedByWhateverTouchesTheSearch) {
+TEST(Ponder, IsStoppedByCommandsThatTouchTheSearch) {
     const std::set<std::string> stopping = {"go",   "hint",   "new",   "result *", "RESULT",
                                             "undo", "remove", "force", "easy"};
     std::set<std::string> lines = {"hard",  "post",  "nopost", "sd 50",   "level 9 5 0", "otim 1",
@@ -101,7 +100,7 @@ TEST(Ponder, EndsWithTheGame) {
 
 // --- The clock ------------------------------------------------------------------------------------------------------
 
-TEST(Ponder, AHitIsAnsweredWhenItsTimeIsUsedUp) {
+TEST(Ponder, HitsAreAnsweredWhenTheTimeIsUp) {
     Partner partner;
     Process& engine = partner.process();
     const auto expected_move = [&] {
@@ -116,18 +115,18 @@ TEST(Ponder, AHitIsAnsweredWhenItsTimeIsUsedUp) {
     };
     constexpr milliseconds limit(2000), a_little(20);
     engine.send("level 40 5 0\ntime 8002\ne2e4\n");
-    // The first hit comes without a `time` line: the search has what the last move had, from now on.
+    // The first hit comes without `time`: the search gets the last move's time, counted from now.
     EXPECT_GE(time_of_answer(expected_move()), limit - a_little);
-    // The second comes behind such a line, from which its time counts.
+    // The second comes after `time`, and is counted from there.
     const std::string hit = expected_move();
-    engine.send("time 7602\n");  // of 38 moves
+    engine.send("time 7602\n");  // for 38 moves
     std::this_thread::sleep_for(limit * 3 / 4);
     EXPECT_LE(time_of_answer(hit), limit * 3 / 4);
 }
 
 // --- Random dialogues -----------------------------------------------------------------------------------------------
 
-/// A client that says anything at any time, and knows by a game of its own what must come of it.
+/// A client that sends random commands at random times and checks the answers with a game of its own.
 class RandomClient {
 public:
     explicit RandomClient(std::uint64_t seed) : random_(seed) {
@@ -136,9 +135,9 @@ public:
         begin_game("new");
     }
 
-    /// The first answer that wasn't as it should have been, or what else was wrong then.
+    /// The first wrong answer, or other error.
     std::string fault;
-    /// How often each kind of line met a search.
+    /// How often each kind of line arrived during a search.
     std::map<std::string, int> met_search;
 
     void say_something() {
@@ -148,10 +147,10 @@ public:
             begin_game(any({"new", "result 1-0 {White mates}", "RESULT"}));
         } else if (choice < 50) {
             play();
-        } else if (choice < 60 && !posting_) {  // the hint would begin with the search's lines
+        } else if (choice < 60 && !posting_) {  // search output would precede the hint
             stop("hint");
             check(result.empty() && answer_.starts_with("Hint: ") ? answer_ : result);
-        } else if (choice < 65 && !every_legal_move(*game_).empty()) {  // else the process would end
+        } else if (choice < 65 && !every_legal_move(*game_).empty()) {  // else the process exits
             stop("go");
             forced_ = false;
             check(reply());
@@ -170,7 +169,7 @@ private:
     bool one_in(std::uint64_t cases) { return random_.below(cases) == 0; }
     std::string any(std::initializer_list<const char*> texts) { return texts.begin()[random_.below(texts.size())]; }
 
-    /// Waits before as a client may: mostly not at all.
+    /// Random delay, mostly none.
     void say(const std::string& line, const std::string& kind) {
         if (one_in(3)) std::this_thread::sleep_for(std::chrono::microseconds(random_.below(3000)));
         if (pondered_) ++met_search[kind];
@@ -178,7 +177,7 @@ private:
         answer_ = session_.say(line);
     }
 
-    /// A line that ends the search.
+    /// A line that stops the search.
     void stop(const std::string& line) {
         say(line, line);
         pondered_.reset();
@@ -209,7 +208,7 @@ private:
         forced_ = posting_ = false;
         *game_ = start_;
         check("");
-        // Mostly a search that ends by itself before long: so many more lines can be said.
+        // Mostly short searches, so that more lines can be sent.
         set("sd " + any({"1", "2", "3", "4", "4", "5", "99"}));
     }
 
@@ -239,7 +238,7 @@ private:
         check("");
     }
 
-    /// The engine's move, out of its game; it must follow from the client's.
+    /// The engine's move, taken from its game, which must extend the client's.
     std::string reply() {
         const Game& game = *session_.engine.game;
         const Move reply = game.game_moves[game_->move_counter];
@@ -248,7 +247,7 @@ private:
         return "move " + move_text(reply) + '\n';
     }
 
-    /// What is said behind a move where pondering is allowed: whether it begins depends on what the search expects.
+    /// The output after a move if pondering is on: it depends on whether the search has an expected reply.
     std::string pondering() {
         std::string enabled = "pondering enabled\n";
         const std::string begins = "i am going to try to ponder\npondering: ";
@@ -269,7 +268,7 @@ private:
     Session session_;
 };
 
-TEST(Ponder, RandomDialoguesLeaveTheRightGame) {
+TEST(Ponder, RandomDialoguesKeepTheGameCorrect) {
     const char* wanted = std::getenv("VARN_PONDER_LINES");
     std::string_view number = wanted != nullptr ? wanted : "2500";
     const int lines = take_number(number).value_or(0);

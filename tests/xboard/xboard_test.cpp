@@ -1,5 +1,5 @@
-// The protocol as a chess program meets it: transcripts of the real process, byte for byte but for the engine's choice
-// of moves, its clock, and whatever a client may do to it.
+// The xboard protocol: transcripts of the real process, compared byte for byte except for the engine's moves; its
+// clock; and misbehaving clients.
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -16,7 +16,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-TEST(Xboard, SpeaksAsInItsTranscripts) {
+TEST(Xboard, MatchesItsTranscripts) {
     for_each_transcript("xboard.txt", [](const std::string& title, const std::string& transcript) {
         SCOPED_TRACE(title);
         const std::vector<std::string> parts = split(title, " | ");
@@ -24,7 +24,7 @@ TEST(Xboard, SpeaksAsInItsTranscripts) {
     });
 }
 
-TEST(Xboard, TakesAnyBytesForLines) {
+TEST(Xboard, SurvivesArbitraryBytes) {
     Partner partner;
     partner.expect("> \t\r; \f\v ; force\n");
     for (const char* line : {"protover 3\n", "protover  99 x\n"}) {
@@ -33,7 +33,7 @@ TEST(Xboard, TakesAnyBytesForLines) {
     }
     EXPECT_EQ(partner.answer(std::string("e2\0e4; \x01\xff\x80\xfe; quit\r", 18)),
               "Illegal Move: e2h2\nIllegal Move: ????\nIllegal Move: a3a3\n");
-    // A line that is too long counts as several.
+    // A line that is too long is split.
     partner.process().send(std::string(255, 'x') + std::string(255, ' ') + std::string(255, 'y') + "force\ne2e4\n");
     EXPECT_EQ(partner.answer(std::string(250, ' ') + "e7e5"), "Illegal Move: h6h6\nIllegal Move: a6a6\n");
     EXPECT_EQ(partner.answer("  g1f3  and more"), "");
@@ -41,7 +41,7 @@ TEST(Xboard, TakesAnyBytesForLines) {
 
 // --- The clock ------------------------------------------------------------------------------------------------------
 
-TEST(Xboard, ATimeLineSetsTheBudgetOfTheNextMove) {
+TEST(Xboard, TimeSetsTheLimitOfTheNextMove) {
     SmallEngine engine;
     Protocol protocol(engine);
     const std::uint32_t before = clock_ms();
@@ -54,12 +54,12 @@ TEST(Xboard, ATimeLineSetsTheBudgetOfTheNextMove) {
     EXPECT_LE(engine.search->clock.clock_start_ms - before, clock_ms() - before) << "the budget counts from the line";
 }
 
-TEST(Xboard, CountsItsAnswersButNotItsOpening) {
+TEST(Xboard, CountsRepliesButNotTheFirstMove) {
     Partner partner;
     for (const auto& [lines, turns] : {std::pair{"level 3 5 0", 3},
                                        {"go", 3},
                                        {"new; e2e4", 2},
-                                       {"new; d2d4", 3},  // a new game leaves the control as it was
+                                       {"new; d2d4", 3},  // a new game keeps the control
                                        {"force; undo; undo", 3}}) {
         const std::string text = partner.answer(std::string(lines) + "; time 1");
         EXPECT_EQ(text.substr(text.rfind("turns left")),
@@ -67,16 +67,16 @@ TEST(Xboard, CountsItsAnswersButNotItsOpening) {
     }
 }
 
-// --- How a game goes and ends ---------------------------------------------------------------------------------------
+// --- Course and end of a game ---------------------------------------------------------------------------------------
 
-TEST(Xboard, SaysHowGamesEnd) {
+TEST(Xboard, ReportsTheResult) {
     for (const auto& row : table_rows("status.txt")) {
         const std::string result = row.at(4) == "-" ? "" : row.at(4) + '\n';
         EXPECT_EQ(result_text(*game_of_row(row)), result) << row.at(0) << row.at(1);
     }
 }
 
-TEST(Xboard, AFullRecordIsADraw) {
+TEST(Xboard, FullRecordIsADraw) {
     SmallEngine engine;
     engine.game->move_counter = max_game_moves - 1;
     Protocol protocol(engine);
@@ -88,7 +88,7 @@ TEST(Xboard, AFullRecordIsADraw) {
     EXPECT_EQ(said, once + once + once + once);
 }
 
-TEST(Xboard, GoWithoutAMoveEndsIt) {
+TEST(Xboard, GoWithoutALegalMoveReportsTheResult) {
     const Outcome outcome = run_console("setboard 7R/k7/2K5/8/8/8/8/1R6 b - -\nxboard\ngo\nx\n");
     EXPECT_TRUE(outcome.output.ends_with("Varn> \nmove a7a6\nIllegal Move: ????\n")) << outcome.output;
     const Outcome mated = run_console("setboard k6R/8/1K6/8/8/8/8/8 b - -\nxboard\ngo\nx\n");
@@ -96,25 +96,25 @@ TEST(Xboard, GoWithoutAMoveEndsIt) {
     EXPECT_EQ(mated.status, 0);
 }
 
-TEST(Xboard, SaysWhatItThinksOnRequest) {
+TEST(Xboard, PostsItsThinkingOnRequest) {
     const std::string said = Partner().answer("new; sd 2; post; go; nopost; go");
     const std::string line = "  [12] +-?\\d+ +0 +\\d+      {0,3}[A-Za-h][^ \n]* [^\n]*\n", move = "move [a-h1-8]{4}\n";
     EXPECT_TRUE(std::regex_match(said, std::regex('(' + line + ")+" + move + move))) << said;
-    // The iteration's line comes last, with the score of the line that was found last.
+    // The iteration's line comes last and repeats the score of the last principal variation.
     constexpr std::size_t depth_and_score = 11;
     const std::vector<std::string> lines = split(said.substr(0, said.find("move ")), "\n");
     ASSERT_GE(lines.size(), 3U);
     EXPECT_EQ(lines[lines.size() - 2].substr(0, depth_and_score), lines[lines.size() - 3].substr(0, depth_and_score));
 }
 
-TEST(Xboard, AnswersFromItsBookWithoutThinking) {
+TEST(Xboard, BookMovesNeedNoSearch) {
     Files files = default_files();
     files["book.dat"] = "e2e4e7e5g1f3\ne2e4e7e5g1f3\n";
     Partner("", files).expect(
         "> time 999999999; new; post; e2e4; hint\ngot time: 9999999970\nturns left = 0\n"
         "allocating 249999999 milliseconds for search.\nmove e7e5\npondering enabled\nHint:   Nf3\n"
         "> new; easy; e2e4; remove; go; remove\nmove e7e5\nmove e2e4\n");
-    // As many rows as fit are drawn from, beginning with the first that does.
+    // The choice is among as many rows as fit, from the first of them on.
     files["book.dat"] = "c2c4\ne2e4d7d5\nd2d4d7d5\ne2e4e7e5\n";
     const std::string games = "new; easy; e2e4; new; easy; e2e4; new; easy; e2e4; new; easy; e2e4";
     Partner("", files).expect("> " + games + "; " + games + '\n' + "move d7d5\nmove d7d5\nmove d7d5\nmove d7d5\n" +
@@ -123,13 +123,13 @@ TEST(Xboard, AnswersFromItsBookWithoutThinking) {
 
 // --- Clients that misbehave -----------------------------------------------------------------------------------------
 
-TEST(Xboard, EndsWhenItsClientIsGone) {
+TEST(Xboard, ExitsWhenItsClientIsGone) {
     const std::pair<std::string, std::string> stages[] = {
         {"e2e", "Varn> \n"},
         {"new\n" + std::string(5000, 'x') + "\n", "h6h6\n"},
         {"time 1\ne2e4\n", "pondering: "},
         {"time 1\ne2e4\ntime 40000000\n", "pondering: "},
-        {"time 400000000\npost\ne2e4\n", "  5 "},  // the end of the input is seen behind the answer
+        {"time 400000000\npost\ne2e4\n", "  5 "},  // the end of input is noticed after the answer
     };
     for (const auto& [sent, awaited] : stages) {
         for (const char* closed : {"output", "both", "input"}) {
@@ -145,7 +145,7 @@ TEST(Xboard, EndsWhenItsClientIsGone) {
     }
 }
 
-TEST(Xboard, AnswersAllOfAnInputThatHasEnded) {
+TEST(Xboard, AnswersAllInputBeforeItsEnd) {
     const Outcome outcome = run_console("xboard\ntime 100\nsd 4\ne2e4\nforce\nundo\nundo\nping\nquit");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_TRUE(std::regex_search(outcome.output, std::regex("move [a-h1-8]{4}\npondering enabled\n")))
@@ -153,8 +153,8 @@ TEST(Xboard, AnswersAllOfAnInputThatHasEnded) {
     EXPECT_TRUE(outcome.output.ends_with("Illegal Move: ????\nIllegal Move: a3a3\n")) << outcome.output;
 }
 
-TEST(Xboard, IsNotInterruptedFromItsFirstLineOn) {
-    Process engine(Files{{"varn.ini", "hash 22\n"}});  // takes a while to be made ready
+TEST(Xboard, IgnoresInterruptsFromItsFirstLineOn) {
+    Process engine(Files{{"varn.ini", "hash 22\n"}});  // takes a while to prefault
     engine.send("xboard\n");
     engine.read_until("Varn> \n");
     engine.send_signal(SIGINT);
@@ -164,7 +164,7 @@ TEST(Xboard, IsNotInterruptedFromItsFirstLineOn) {
     EXPECT_EQ(outcome.status, 0);
 }
 
-TEST(Xboard, IsNotInterrupted) {
+TEST(Xboard, IgnoresInterrupts) {
     Partner partner;
     partner.answer("sd 9; post");
     partner.process().send("e2e4\n");
@@ -177,9 +177,9 @@ TEST(Xboard, IsNotInterrupted) {
     EXPECT_EQ(partner.process().finish().status, 0);
 }
 
-TEST(Xboard, WithoutASecondThreadItEndsWithAMessage) {
+TEST(Xboard, WithoutASecondThreadItExitsWithAMessage) {
     Partner partner;
-    partner.process().limit_memory(4U << 20U);  // half of what the thread asks for
+    partner.process().limit_memory(4U << 20U);  // half of the thread's stack
     partner.process().send("sd 2\ne2e4\n");
     const Outcome outcome = partner.process().finish();
     EXPECT_TRUE(outcome.output.ends_with("i am going to try to ponder\nerror: cannot start new search thread\n"))
@@ -189,9 +189,9 @@ TEST(Xboard, WithoutASecondThreadItEndsWithAMessage) {
 
 // --- A whole game ---------------------------------------------------------------------------------------------------
 
-TEST(Xboard, PlaysItselfUnderAClock) {
+TEST(Xboard, PlaysAGameAgainstItselfOnTheClock) {
     constexpr int moves_per_control = 10, plies = 60;
-    constexpr milliseconds base(500), hold_up(5000);  // a busy machine may hold the engine up for a while
+    constexpr milliseconds base(500), hold_up(5000);  // tolerance for busy machines
     Partner partner;
     partner.answer("new; level 10 0:01 0");
     milliseconds clock = base;

@@ -1,10 +1,10 @@
-"""Time controls, and the clock of one side. All times are seconds."""
+"""Time controls and clocks. All times are in seconds."""
 
 import re
 
 
 class TimeControl:
-    """A base time with an increment, or with a number of moves after which the base time is added again."""
+    """A base time with an increment, or a base time per number of moves."""
 
     def __init__(self, base, increment=0.0, moves=0):
         self.base, self.increment, self.moves = base, increment, moves
@@ -15,7 +15,7 @@ class TimeControl:
 
 
 def parse_time_control(text):
-    """5+0.05, 60, 40/60, 1:30 or 40/0:30: seconds, or minutes and seconds. Nothing where it is none of these."""
+    """5+0.05, 60, 40/60, 1:30 or 40/0:30: seconds, or minutes and seconds. None if it is malformed."""
     match = re.fullmatch(r"(?:(\d{1,3})/)?(?:(\d{1,4}):)?(\d{1,6}(?:\.\d{1,3})?)(?:\+(\d{1,4}(?:\.\d{1,3})?))?", text)
     if match is None:
         return None
@@ -25,18 +25,18 @@ def parse_time_control(text):
 
 
 class Clock:
-    """What one side has left. It may think a little longer, by the margin, before its flag counts as fallen."""
+    """The clock of one side. The margin is tolerated before a loss on time."""
 
     def __init__(self, control, margin=0.0):
         self.control, self.margin = control, margin
         self.left, self.moves_to_go = control.base, control.moves
 
     def limit(self):
-        """How long the next move may take."""
+        """The time allowed for the next move, margin included."""
         return self.left + self.margin
 
     def charge(self, seconds):
-        """Books a move that took so long; gives whether it was made in time."""
+        """Charges a move; returns whether it was in time."""
         in_time = seconds <= self.limit()
         self.left = max(0.0, self.left - seconds) + self.control.increment
         if self.control.moves:

@@ -1,14 +1,13 @@
 """Engines that speak UCI or the xboard protocol, behind one interface.
 
-    engine = UciEngine(command, folder, options)      starts it; CannotStart where that fails
-    engine.new_game(game, control, ponder)            ... for every game
+    engine = UciEngine(command, folder, options)      starts it, or raises CannotStart
+    engine.new_game(game, control, ponder)            before every game
     answer = engine.move(game, clocks)                asks for the move in the game's position
-    engine.ponder(game, clocks, answer.ponder)        lets it think on the other's time, after its move was played
+    engine.ponder(game, clocks, answer.ponder)        lets it ponder after its move
     engine.finish(result, reason)                     the game is over
-    engine.end()                                      gives what is to be said against the way in which it ended
+    engine.end()                                      quits it and returns faults
 
-The clocks are found by whether they are white's: clocks[True] is white's. Whatever goes wrong raises a Fault; the
-engine is then not fit for another game.
+clocks[True] is white's clock. Errors raise a Fault; the engine can't play another game then.
 """
 
 import collections
@@ -19,18 +18,18 @@ import time
 from playing.process import CannotStart, Child, Fault, Silence
 from playing.rules import START, coordinates
 
-START_PATIENCE = 10  # seconds; an engine may want more by saying so (xboard) or takes part in no game
-GRACE = 10  # seconds behind the end of its time after which an engine is given up
+START_PATIENCE = 10  # seconds; an xboard engine may ask for more
+GRACE = 10  # seconds after the end of its time until an engine is given up
 
-# The move in coordinates (or what stood in its place), the reply that the engine expects, the time that it took, what
-# it says of the position from its own point of view (for people to read), and a claim that it makes instead of a move.
+# The move in coordinates (or the raw text), the expected reply, the time taken, the engine's score as a PGN comment,
+# and a claim made instead of a move.
 Answer = collections.namedtuple("Answer", "move ponder seconds comment claim", defaults=["", None])
 
 
 class Engine:
-    """What both protocols share."""
+    """Common to both protocols."""
 
-    reusable = True  # whether it may play another game
+    reusable = True  # whether it can play another game
 
     def __init__(self, command, folder):
         self.child = Child(command, folder)
@@ -47,7 +46,7 @@ class Engine:
         self.child.kill()
 
     def _wait(self, pattern, deadline, what):
-        """The line that matches wholly, and its match; lines before it are passed over."""
+        """The next fully matching line and its match; other lines are skipped."""
         while (line := self.child.read_before(deadline)) is not None:
             if match := re.fullmatch(pattern, line.text.strip()):
                 return line, match
@@ -59,7 +58,7 @@ def milliseconds(seconds):
 
 
 def go_by_clock(clocks, white):
-    """The command that starts a search of one side by the clocks."""
+    """The go command for one side with clocks."""
     words = ["go"]
     for name, side in [("w", True), ("b", False)]:
         words += [name + "time", milliseconds(clocks[side].left)]
@@ -74,9 +73,9 @@ class UciEngine(Engine):
     BESTMOVE = r"bestmove\s+(\S+)(?:\s+ponder\s+(\S+))?"
 
     def __init__(self, command, folder, options=()):
-        """The options are pairs of a name and a value."""
+        """`options`: pairs of name and value."""
         super().__init__(command, folder)
-        self.pondered = None  # the moves of the game in which it now ponders
+        self.pondered = None  # the moves of the position it ponders on
         for name, value in options:
             self.set_option(name, value)
         self.synchronise()
@@ -93,14 +92,14 @@ class UciEngine(Engine):
         return name
 
     def set_option(self, name, value):
-        """Raises CannotStart where the engine hasn't the option, or a number is out of its range."""
+        """Raises CannotStart if the option doesn't exist or a number is out of range."""
         option = self.options.get(name)
         if option is None:
             raise CannotStart("%s has no option %s" % (self.name, name))
         if option["type"] == "spin":
             low, high = int(option["min"]), int(option["max"])
             if not re.fullmatch(r"-?\d{1,18}", str(value)) or not low <= int(value) <= high:
-                raise CannotStart("%s of %s is a number from %d to %d" % (name, self.name, low, high))
+                raise CannotStart("%s of %s must be a number from %d to %d" % (name, self.name, low, high))
         self.child.send("setoption name " + name + ("" if option["type"] == "button" else " value %s" % value))
 
     def synchronise(self):
@@ -181,7 +180,7 @@ class XboardEngine(Engine):
     def _shake_hands(self):
         self.child.send("xboard", "protover 2")
         self.features, self.options = {"reuse": "1", "myname": self.child.folder.name}, ""
-        # Engines of the first version of the protocol say nothing at all; xboard gives them two seconds, too.
+        # Engines of protocol version 1 don't answer; xboard waits two seconds, too.
         patience = 2
         while self.features.get("done") != "1":
             try:
@@ -217,7 +216,7 @@ class XboardEngine(Engine):
         self._synchronise()
 
     def _synchronise(self):
-        """What was said of the last game is passed over."""
+        """Skips output about the last game."""
         if self.features.get("ping") == "1":
             self.pings += 1
             self.child.send("ping %d" % self.pings)
@@ -247,7 +246,7 @@ class XboardEngine(Engine):
         raise Silence("no move in time")
 
     def ponder(self, game, clocks, expected):
-        """It ponders by itself."""
+        """Pondering needs no command in this protocol."""
 
     def finish(self, result, reason):
         self.child.send("result %s {%s}" % (result, reason), "force")

@@ -1,15 +1,15 @@
-"""A game with its history, and how it stands by the rules."""
+"""A game with its history and result."""
 
 import collections
 import re
 
 from playing.rules import START, Position, coordinates
 
-LENGTH_LIMIT = 1000  # plies, which is as many as Varn records
+LENGTH_LIMIT = 1000  # plies; Varn records no more
 
 
 class Game:
-    """The moves that led from the first position to the present one."""
+    """A game: its first and current position and the moves between them."""
 
     def __init__(self, fen=START):
         self.first = self.position = Position(fen)
@@ -27,28 +27,28 @@ class Game:
         self.seen[self.position.key()] += 1
 
     def follow(self, text):
-        """Plays the move that a text in coordinates names; gives whether it is legal."""
+        """Plays a move in coordinate notation; returns whether it is legal."""
         move = self.position.parse_coordinates(text)
         if move is not None:
             self.play(move)
         return move is not None
 
     def legal_moves(self):
-        """In coordinates."""
+        """In coordinate notation."""
         return [coordinates(move) for move in self.position.legal_moves()]
 
     def uci_position(self, *more):
-        """The command that sets this position up, with the moves that are to follow."""
+        """The UCI position command for this game, followed by more moves."""
         start = "startpos" if self.first.fen() == START else "fen " + self.first.fen()
         moves = [*self.moves, *more]
         return "position " + start + (" moves " + " ".join(moves) if moves else "")
 
     def repeated(self):
-        """Whether the present position stands for the third time."""
+        """Whether this is the third occurrence of the position."""
         return self.seen[self.position.key()] >= 3
 
     def end(self):
-        """The result and its reason where the game is over, else nothing."""
+        """The result and its reason, or None if the game isn't over."""
         position = self.position
         if not position.has_legal_move():
             if not position.in_check():
@@ -64,14 +64,14 @@ class Game:
 
 
 def has_bare_pieces(position):
-    """No pawn, rook or queen, and at most one bishop or knight a side: mate could only be helped, if at all."""
+    """No pawn, rook or queen, and at most one minor piece per side: mate cannot be forced."""
     board = "".join(position.board)
     minors = [len(re.findall(side, board)) for side in ("[BN]", "[bn]")]
     return not re.search("[PRQprq]", board) and max(minors) < 2
 
 
 def has_bishops_of_one_colour(position):
-    """Nothing but bishops, all on squares of one colour, which no legal moves turn into a mate."""
+    """Only bishops, all on squares of one colour: mate is impossible."""
     bishops = [square for square, piece in enumerate(position.board) if piece in "Bb"]
     others = sum(piece not in ".KkBb" for piece in position.board)
     return not others and len({(square % 8 + square // 8) % 2 for square in bishops}) <= 1

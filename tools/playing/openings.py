@@ -1,4 +1,4 @@
-"""Openings: short lines of moves, or positions, from which games begin."""
+"""Openings: short lines of moves or positions."""
 
 import collections
 
@@ -10,12 +10,12 @@ Opening = collections.namedtuple("Opening", "fen moves")
 
 
 def read_openings(file):
-    """One opening a line: moves, in SAN or coordinates, or a position as FEN or EPD; # begins a comment."""
+    """One opening per line: moves in SAN or coordinates, or a position in FEN or EPD; # starts a comment."""
     openings = []
     try:
         text = file.read_text()
     except (OSError, UnicodeDecodeError) as error:
-        raise CannotStart("%s can't be read: %s" % (file, getattr(error, "strerror", None) or "no text")) from None
+        raise CannotStart("can't read %s: %s" % (file, getattr(error, "strerror", None) or "not a text file")) from None
     for number, line in enumerate(text.split("\n"), 1):
         line = line.partition("#")[0].strip()
         if not line:
@@ -28,7 +28,7 @@ def read_openings(file):
             raise CannotStart("%s, line %d: %s" % (file, number, error)) from None
         openings.append(opening)
     if not openings:
-        raise CannotStart("%s holds no opening" % file)
+        raise CannotStart("%s contains no opening" % file)
     return openings
 
 
@@ -51,7 +51,7 @@ def read_line(line):
 
 
 def begin(opening):
-    """A game that stands behind its opening."""
+    """A game after its opening moves."""
     game = Game(opening.fen)
     for move in opening.moves:
         game.follow(move)

@@ -1,8 +1,7 @@
-"""A program that is spoken to line by line, and that never outlives the tool.
+"""Child processes driven line by line, which never outlive the tool.
 
-Every program runs in a process group of its own, which is killed when its `Child` is done with, when the tool ends in
-whatever way it can notice, and by `kill_all`. Where the tool itself is killed the system kills the program: setpriv
-asks it to.
+Every program runs in its own process group, which is killed with its `Child`, at the exit of the tool, and by
+`kill_all`. If the tool itself is killed the kernel kills the program (setpriv --pdeathsig).
 """
 
 import atexit
@@ -20,24 +19,24 @@ import subprocess
 import threading
 import time
 
-PATIENCE = 120  # seconds for one answer, on a busy machine and under a sanitizer
+PATIENCE = 120  # seconds for an answer, also with sanitizers on a busy machine
 LINE_LIMIT = 1 << 20
-DIALOGUE_LINES = 20000  # that are remembered of each program
+DIALOGUE_LINES = 20000  # kept for each program
 SEARCH_PATH = os.environ.get("PATH", os.defpath) + ":/usr/games"  # where Debian puts chess engines
 
-Line = collections.namedtuple("Line", "text at")  # when it was read, by time.monotonic()
+Line = collections.namedtuple("Line", "text at")  # at: time.monotonic() when it was read
 
 running = set()
 running_lock = threading.RLock()
-closing = threading.Event()  # from then on nothing is started
+closing = threading.Event()  # set: no process may be started any more
 
 
 class Fault(Exception):
-    """A program that doesn't answer, or not as it should."""
+    """Wrong or missing behaviour of a program."""
 
 
 class Silence(Fault):
-    """No line within the time that was given."""
+    """No line before the timeout."""
 
 
 class Ended(Fault):
@@ -45,24 +44,24 @@ class Ended(Fault):
 
 
 class CannotStart(Fault):
-    """There is no such program, or it doesn't run."""
+    """The program doesn't exist or doesn't start."""
 
 
 def find_command(command):
-    """The words of a command, the first one as a path that holds in every folder."""
+    """The words of a command, the program as an absolute path."""
     try:
         words = shlex.split(command)
     except ValueError:
-        raise CannotStart("a command with an open quotation: " + command) from None
+        raise CannotStart("unbalanced quotes in the command " + command) from None
     program = shutil.which(words[0], path=SEARCH_PATH) if words else None
     if program is None:
-        raise CannotStart("there is no program %s" % (words[0] if words else "without a name"))
+        raise CannotStart("no such program: %s" % (words[0] if words else "(empty command)"))
     return [os.path.abspath(program), *words[1:]]
 
 
 def start_program(command, **how):
-    """Starts a program that the system kills where the thread that started it ends without having done so. What is no
-    program at all ends at once, with a status of 126 or 127."""
+    """Starts a program that the kernel kills if the starting thread dies. If it can't be executed it ends at once with
+    status 126 or 127."""
     environment = dict(os.environ, PATH=SEARCH_PATH, **how.pop("environment", {}))
     return subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "--", *command], env=environment, **how)
 
@@ -77,16 +76,16 @@ def describe_status(status):
 
 
 class Child:
-    """A program that is spoken to line by line. Its error stream goes to the file `errors` in its folder."""
+    """A child process driven line by line. Its standard error goes to the file `errors` in its folder."""
 
     def __init__(self, command, folder):
         self.folder = pathlib.Path(folder)
         self.lines, self.dialogue = queue.SimpleQueue(), collections.deque(maxlen=DIALOGUE_LINES)
-        self.sending = threading.Lock()  # another thread may end the program meanwhile
+        self.sending = threading.Lock()  # another thread may kill the program
         self.started, self.status, self.output_ended = time.monotonic(), None, False
         with open(self.folder / "errors", "wb") as errors, running_lock:
             if closing.is_set():
-                raise Ended("isn't started any more")
+                raise Ended("the tool is shutting down")
             self.process = start_program(command, cwd=self.folder, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                          stderr=errors, process_group=0, bufsize=0)
             running.add(self)
@@ -103,7 +102,7 @@ class Child:
     # --- The dialogue -------------------------------------------------------------------------------------------------
 
     def _read_lines(self):
-        """Reads all the time, so that a line's time is right and the program never waits for room to write."""
+        """Reads continuously, so that time stamps are exact and the program never blocks on output."""
         unread = b""
         with self.process.stdout as output:
             while more := os.read(output.fileno(), 1 << 16):
@@ -119,7 +118,7 @@ class Child:
         self.dialogue.append("%10.3f %s %s" % (at - self.started, direction, text))
 
     def send(self, *lines):
-        """Sends lines. Where the program has ended nothing happens: the end of its output tells."""
+        """Sends lines. If the program has ended nothing happens: the next read reports it."""
         for line in lines:
             self._note(">", line, time.monotonic())
         unsent = ("\n".join(lines) + "\n").encode()
@@ -131,7 +130,7 @@ class Child:
                 unsent = unsent[os.write(self.process.stdin.fileno(), unsent):]
 
     def read_before(self, deadline):
-        """The next line with its time, or nothing where none has come by then."""
+        """The next line with its time, or None at the deadline."""
         try:
             line = None if self.output_ended else self.lines.get(timeout=max(0, deadline - time.monotonic()))
         except queue.Empty:
@@ -149,7 +148,7 @@ class Child:
         return line.text
 
     def read_until(self, pattern, patience=PATIENCE):
-        """All lines up to the first whose beginning matches, which is the last one."""
+        """All lines up to and including the first whose beginning matches."""
         deadline = time.monotonic() + patience
         lines = []
         while not lines or not re.match(pattern, lines[-1]):
@@ -160,7 +159,7 @@ class Child:
         return lines
 
     def drop_lines(self):
-        """Forgets what has been said so far."""
+        """Discards the output so far."""
         with contextlib.suppress(Ended):
             while self.read_before(0):
                 pass
@@ -170,7 +169,7 @@ class Child:
             kept.writelines(line + "\n" for line in self.dialogue)
 
     def last_words(self):
-        """The first line on the error stream, or else the last one that was read; empty where there is neither."""
+        """The first line of standard error, or else the last line read, or an empty text."""
         errors = (self.folder / "errors").read_text(errors="replace").strip()
         heard = [line for line in self.dialogue if " < " in line[:14]]
         return errors.split("\n")[0] or (heard[-1].partition(" < ")[2] if heard else "")
@@ -178,7 +177,7 @@ class Child:
     # --- The end ------------------------------------------------------------------------------------------------------
 
     def has_ended(self, patience=0):
-        """Waits without collecting the process, so that its number stays taken until its group is killed."""
+        """Waits without reaping the process, so that its id isn't reused before its group is killed."""
         deadline = time.monotonic() + patience
         while self.status is None:
             try:
@@ -195,7 +194,7 @@ class Child:
         return True
 
     def kill(self):
-        """Ends the program and all of its group at once; nothing where that has been done."""
+        """Kills the program and its process group, unless that was done before."""
         with running_lock:
             if self not in running:
                 return
@@ -207,7 +206,7 @@ class Child:
             self.process.stdin.close()
 
     def end(self, patience=PATIENCE):
-        """Says quit and waits; gives what is to be said against the way in which the program ended."""
+        """Sends quit and waits; returns faults in the way the program ended."""
         faults = []
         with contextlib.suppress(Silence):
             self.send("quit")

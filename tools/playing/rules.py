@@ -1,6 +1,6 @@
-"""Chess: positions, legal moves, the notations of moves. Written to judge Varn, so it shares nothing with it.
+"""Chess rules: positions, legal moves and move notation, independent of Varn in order to check it.
 
-A square is a number, a1 = 0 to h8 = 63. A move is a tuple (from, to, promotion), the last one a letter of "qrbn" or "".
+A square is a number, a1 = 0 to h8 = 63. A move is a tuple (from, to, promotion); promotion is a letter of "qrbn" or "".
 """
 
 import re
@@ -15,7 +15,7 @@ LEAPS = [(1, 2), (2, 1), (2, -1), (1, -2), (-1, -2), (-2, -1), (-2, 1), (-1, 2)]
 
 
 def reach(square, steps, distance):
-    """For each step, the squares that it reaches on the board, the nearest first."""
+    """For each direction the squares reached on the board, nearest first."""
     rays = []
     for right, up in steps:
         ray = []
@@ -32,25 +32,25 @@ def reach(square, steps, distance):
 RAYS = {piece: [reach(square, steps, distance) for square in range(64)]
         for piece, steps, distance in [("n", LEAPS, 1), ("k", STRAIGHT + DIAGONAL, 1), ("b", DIAGONAL, 7),
                                        ("r", STRAIGHT, 7), ("q", STRAIGHT + DIAGONAL, 7)]}
-# The squares that a pawn attacks.
+# Squares attacked by a pawn.
 PAWN_ATTACKS = {white: [sum(reach(square, [(-1, up), (1, up)], 1), []) for square in range(64)]
                 for white, up in [(True, 1), (False, -1)]}
-# The rights that are lost with a move from or to a square.
+# Castling rights lost by a move from or to a square.
 LOST_RIGHTS = {0: "Q", 4: "KQ", 7: "K", 56: "q", 60: "kq", 63: "k"}
 AT_HOME = {"K": [(4, "K"), (7, "R")], "Q": [(4, "K"), (0, "R")],
            "k": [(60, "k"), (63, "r")], "q": [(60, "k"), (56, "r")]}
-# By the right: the square of the king, the squares that must be empty, those that mustn't be attacked.
+# By right: the king's square, squares that must be empty, squares that must not be attacked.
 CASTLING = {"K": (4, (5, 6), (4, 5, 6)), "Q": (4, (1, 2, 3), (4, 3, 2)),
             "k": (60, (61, 62), (60, 61, 62)), "q": (60, (57, 58, 59), (60, 59, 58))}
 
 
 class Position:
-    """A position as a FEN tells it. It is never changed: a move makes a new one."""
+    """An immutable position: making a move returns a new one."""
 
     __slots__ = ["board", "white", "rights", "en_passant", "fifty", "number"]
 
     def __init__(self, fen=START):
-        """Raises ValueError where the text is no FEN, or no legal game has such kings."""
+        """Raises ValueError if the text is no FEN or the position is illegal."""
         fields = fen.split()
         if not 4 <= len(fields) <= 6 or fields[1] not in ("w", "b"):
             raise ValueError("not a FEN: " + fen)
@@ -117,7 +117,7 @@ class Position:
         return piece != "." and piece.isupper() == self.white
 
     def _targets(self, square):
-        """Where the piece on a square may go, but for its king's safety; castling aside."""
+        """Pseudo-legal targets of the piece on a square, without castling."""
         piece = self.board[square].lower()
         if piece == "p":
             yield from self._pawn_targets(square)
@@ -149,7 +149,7 @@ class Position:
                     yield king, walk[-1]
 
     def moves_from(self, square):
-        """The legal moves of one piece."""
+        """Legal moves of one piece."""
         if not self._is_own(self.board[square]):
             return []
         targets = list(self._targets(square))
@@ -171,7 +171,7 @@ class Position:
         return any(self.moves_from(square) for square in range(64))
 
     def after(self, move):
-        """The position behind a move that is known to be legal, but for its king's safety."""
+        """The position after a pseudo-legal move."""
         origin, target, promotion = move
         result = Position.__new__(Position)
         board = result.board = self.board.copy()
@@ -198,8 +198,7 @@ class Position:
         return result
 
     def key(self):
-        """Equal for positions that are the same by the rule of repetition: the right to capture en passant counts
-        only where there is such a capture."""
+        """Equal for positions that count as repeated: en passant matters only if such a capture is legal."""
         target = self.en_passant
         if target is not None:
             pawn = "P" if self.white else "p"
@@ -211,7 +210,7 @@ class Position:
     # --- Notations ------------------------------------------------------------------------------------------------
 
     def parse_coordinates(self, text):
-        """The legal move that a text as e2e4 or a7a8q names, or nothing."""
+        """The legal move in coordinate notation (e2e4, a7a8q), or None."""
         match = re.fullmatch(r"([a-h][1-8])([a-h][1-8])([qrbn]?)", text)
         if match is None:
             return None
@@ -219,18 +218,18 @@ class Position:
         return move if move in self.moves_from(move[0]) else None
 
     def parse_san(self, text):
-        """The legal move that a text as Nbd2 names, or nothing."""
+        """The legal move in SAN (Nbd2), or None."""
         plain = text.rstrip("+#!?").replace("0", "O")
         found = [move for move in self.legal_moves() if self.san(move, bare=True) == plain]
         return found[0] if found else None
 
     def parse_move(self, text):
-        """A legal move in either notation; capital letters of a promotion and of castling are as one likes."""
+        """The legal move in either notation, ignoring the case of promotions and castling."""
         move = self.parse_coordinates(text) or self.parse_coordinates(text.lower())
         return move or self.parse_san(text.upper() if text.lower() in ("o-o", "o-o-o") else text)
 
     def san(self, move, bare=False):
-        """As PGN files have it; a bare one doesn't tell check and mate."""
+        """SAN as in PGN; `bare`: without check and mate signs."""
         origin, target, promotion = move
         piece = self.board[origin].upper()
         captures = self.board[target] != "." or piece == "P" and origin % 8 != target % 8
@@ -247,7 +246,7 @@ class Position:
         return text + ("" if not after.in_check() else "+" if after.has_legal_move() else "#")
 
     def _distinction(self, origin, target):
-        """What tells a piece from others of its kind that can go to the same square."""
+        """Disambiguation from other pieces of the same type that can move to the same square."""
         rivals = [square for square in range(64) if square != origin and self.board[square] == self.board[origin]
                   and any(move[1] == target for move in self.moves_from(square))]
         if not rivals:

@@ -1,4 +1,4 @@
-"""Games between two engines, by clocks and judged by the rules of chess, and their PGN."""
+"""Games between two engines with clocks and a referee, and PGN output."""
 
 import collections
 import datetime
@@ -9,14 +9,14 @@ from playing.openings import begin
 from playing.process import CannotStart, Fault
 from playing.rules import START
 
-# `fault` is what one of the engines did wrong, most often to lose the game, and nothing where there was no fault;
-# `culprit` says whether that was white, and `broken` that it isn't fit for another game.
+# `fault` describes an error of one of the engines, or is None; `culprit` is whether white made it; `broken` means that
+# the engine can't play another game.
 Outcome = collections.namedtuple("Outcome", "game result reason comments fault culprit broken",
                                  defaults=[None, None, False])
 
 
 def play_game(engines, opening, control, margin, ponder):
-    """One game; engines[True] has the white pieces."""
+    """Plays one game; engines[True] is white."""
     game = begin(opening)
     clocks = {white: Clock(control, margin) for white in (True, False)}
     comments = {}
@@ -63,22 +63,22 @@ def play_game(engines, opening, control, margin, ponder):
 
 
 def judge_claim(game, claim, mover):
-    """The result and its reason by the claim of the side to move, or nothing where the claim is false."""
+    """The result and reason of a claim by the side to move, or None if the claim is false."""
     if claim == "resign" or claim == ("0-1" if mover else "1-0"):
         return ("0-1", "White resigns") if mover else ("1-0", "Black resigns")
     if claim == "1/2-1/2" and any(draws(game, move) for move in game.position.legal_moves()):
-        return claim, "claim of a draw by repetition or fifty moves"
+        return claim, "draw claimed by repetition or fifty moves"
     return None
 
 
 def draws(game, move):
-    """Whether a move makes the game a draw by repetition or the rule of fifty moves."""
+    """Whether a move leads to a draw by repetition or the fifty-move rule."""
     after = game.position.after(move)
     return after.fifty >= 100 or game.seen[after.key()] >= 2
 
 
 def write_pgn(file, number, names, control, outcome):
-    """Adds one game to a file; names[True] has the white pieces."""
+    """Appends a game to a PGN file; names[True] is white."""
     game = outcome.game
     tags = [("Event", "Engine match"), ("Site", "?"), ("Date", datetime.date.today().strftime("%Y.%m.%d")),
             ("Round", number), ("White", names[True]), ("Black", names[False]), ("Result", outcome.result),

@@ -1,8 +1,8 @@
-"""The score of a match, and what it says of the difference in strength."""
+"""Match scores and Elo estimates."""
 
 import math
 
-CONFIDENCE = 1.96  # standard deviations on each side that hold 95 %
+CONFIDENCE = 1.96  # standard deviations of a 95 % interval
 
 
 class Score:
@@ -10,7 +10,7 @@ class Score:
         self.won = self.lost = self.drawn = 0
 
     def add(self, result, white):
-        """Books a result for the side that had the white pieces, or hadn't."""
+        """Adds a result; `white`: whether the scored side had white."""
         if result == "1/2-1/2":
             self.drawn += 1
         elif (result == "1-0") == white:
@@ -28,21 +28,21 @@ class Score:
         return "+%d -%d =%d" % (self.won, self.lost, self.drawn)
 
     def margin(self):
-        """Of the share of the points. Where all games end alike, the most that chance hides in 19 matches of 20."""
+        """Error margin of the score fraction at 95 % confidence; the rule of three if all games ended alike."""
         share, games = self.points() / self.games(), self.games()
         variance = (self.won + self.drawn / 4) / games - share ** 2
         return CONFIDENCE * math.sqrt(variance / games) if variance > 1e-9 else min(1.0, 3 / games)
 
 
 def elo(share):
-    """The difference at which a share of the points is expected."""
+    """The Elo difference for an expected score fraction."""
     if share <= 0 or share >= 1:
         return math.copysign(math.inf, share - 0.5)
     return -400 * math.log10(1 / share - 1)
 
 
 def describe_strength(score):
-    """The difference in Elo with its bounds."""
+    """The Elo difference with its error bounds."""
     if not score.games():
         return "unknown"
     share, margin = score.points() / score.games(), score.margin()

@@ -1,4 +1,4 @@
-"""What long runs of Varn against itself share, whichever protocol it speaks."""
+"""Self-play runs, for both protocols."""
 
 import collections
 import random
@@ -8,11 +8,11 @@ from playing.game import Game
 from playing.process import CannotStart, Fault
 from playing.tool import Run, show_progress
 
-FAULT_LIMIT = 50  # that end a run
+FAULT_LIMIT = 50  # a run stops after so many faults
 
 
 def random_opening(chance, fewest, most, end):
-    """A game behind some random moves that isn't over: `end` of it gives nothing."""
+    """An unfinished game after some random moves."""
     while True:
         game = Game()
         for _ in range(chance.randint(fewest, most)):
@@ -25,10 +25,10 @@ def random_opening(chance, fewest, most, end):
 
 
 class Pair:
-    """Two engines that live through all of their games, so that their memory can be compared.
+    """Two engines that stay alive for all their games, so that memory growth shows.
 
-    A kind of pair says how an engine is started in a folder (start), which process it is (child), and how one game is
-    played (play_game, which gives the result or raises a Fault, and keeps the game in `game`).
+    Subclasses define how an engine is started in a folder (start), its process (child), and how a game is played
+    (play_game, which returns the result or raises a Fault, and keeps the game in `game`).
     """
 
     def __init__(self, arguments, folder):
@@ -44,7 +44,7 @@ class Pair:
         self.maxima["ms for one move"] = max(self.maxima["ms for one move"], 1000 * seconds)
 
     def play(self, number):
-        """One game; gives its result, and a fault instead where there was one. The dialogues are then kept."""
+        """Plays a game; returns (result, None) or (None, fault). Dialogues are kept after a fault."""
         try:
             result, fault = self.play_game(number, random.Random("%d %d" % (self.arguments.seed, number))), None
         except CannotStart:
@@ -68,14 +68,14 @@ class Pair:
 
 
 class SelfPlay:
-    """A run: pairs that play at the same time, and what came of it."""
+    """A run: concurrent pairs and their results."""
 
     def __init__(self, kind, arguments, folder):
         self.kind, self.arguments, self.folder = kind, arguments, folder
         self.run, self.results, self.pairs, self.begun = Run(arguments.games), collections.Counter(), [], 0
 
     def play_share(self, job):
-        """Plays games until there are none left. Behind a fault another pair goes on."""
+        """Plays games until none are left. A faulty pair is replaced."""
         pair = None
         while (number := self.run.next_game()) is not None:
             pair = pair or self.begin_pair()
@@ -108,7 +108,7 @@ class SelfPlay:
             show_progress("%d of %d games, %d faults " % (self.results.total(), self.run.games, len(self.run.faults)))
 
     def play(self):
-        """Plays all games, prints what came of them and gives the faults."""
+        """Plays all games, prints the report and returns the faults."""
         started = time.monotonic()
         self.run.play(self.play_share, self.arguments.jobs)
         show_progress("")

@@ -1,4 +1,4 @@
-"""Arguments, folders, jobs and the end of a command-line tool."""
+"""Arguments, folders, jobs and exit status of command-line tools."""
 
 import argparse
 import contextlib
@@ -23,12 +23,12 @@ class Interrupted(BaseException):
 
 def interrupt(number, _):
     for sign in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
-        signal.signal(sign, signal.SIG_IGN)  # nothing disturbs the tidying up
+        signal.signal(sign, signal.SIG_IGN)  # no interruption while cleaning up
     raise Interrupted(number)
 
 
 def run_tool(main):
-    """Runs the tool and ends it: no process is left behind, and what can't be done is said in one line."""
+    """Runs the tool and exits. No process is left behind, and errors are reported in one line."""
     name = pathlib.Path(sys.argv[0]).name
     status, said = 2, None
     try:
@@ -37,7 +37,7 @@ def run_tool(main):
         status = main()
         sys.stdout.flush()
     except Interrupted as signal_number:
-        status, said = 128 + signal_number.args[0], "broken off by " + signal.Signals(signal_number.args[0]).name
+        status, said = 128 + signal_number.args[0], "interrupted by " + signal.Signals(signal_number.args[0]).name
     except BrokenPipeError:
         os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
     except Fault as fault:
@@ -57,7 +57,7 @@ def run_tool(main):
 
 
 class Parser(argparse.ArgumentParser):
-    """Refuses arguments in one line."""
+    """Reports wrong arguments in one line."""
 
     def __init__(self, description):
         super().__init__(description=description, formatter_class=argparse.RawDescriptionHelpFormatter,
@@ -68,60 +68,60 @@ class Parser(argparse.ArgumentParser):
 
 
 def whole(low, high):
-    """A type of arguments: whole numbers within a range."""
+    """Argument type: integers within a range."""
     def number(text):
         try:
             value = int(text)
         except ValueError:
             value = None
         if value is None or not low <= value <= high:
-            raise argparse.ArgumentTypeError("%s is no whole number from %d to %d" % (text, low, high))
+            raise argparse.ArgumentTypeError("%s is not an integer from %d to %d" % (text, low, high))
         return value
     return number
 
 
 def decimal(low, high):
-    """A type of arguments: numbers within a range."""
+    """Argument type: numbers within a range."""
     def number(text):
         try:
             value = float(text)
         except ValueError:
             value = math.nan
         if not low <= value <= high:
-            raise argparse.ArgumentTypeError("%s is no number from %g to %g" % (text, low, high))
+            raise argparse.ArgumentTypeError("%s is not a number from %g to %g" % (text, low, high))
         return value
     return number
 
 
 def option(text):
-    """A type of arguments: NAME=VALUE."""
+    """Argument type: NAME=VALUE."""
     name, equals, value = text.partition("=")
     if not name or not equals or not text.isprintable():
-        raise argparse.ArgumentTypeError("%s is not written NAME=VALUE" % text)
+        raise argparse.ArgumentTypeError("%s is not of the form NAME=VALUE" % text)
     return name, value
 
 
 def add_engine_options(parser):
     parser.add_argument("--engine", type=pathlib.Path, default=ROOT / "build/release",
-                        help="the binary, or the folder that holds it")
-    parser.add_argument("--data", type=pathlib.Path, default=ROOT / "data", help="folder of varn.ini and book.dat")
-    parser.add_argument("--keep", type=pathlib.Path, help="keep what the run leaves behind in this folder")
+                        help="the binary, or its folder")
+    parser.add_argument("--data", type=pathlib.Path, default=ROOT / "data", help="folder with varn.ini and book.dat")
+    parser.add_argument("--keep", type=pathlib.Path, help="keep games and logs in this folder")
 
 
 # --- Varn and other programs ------------------------------------------------------------------------------------------
 
 
 def find_engine(path, name):
-    """The binary that was asked for, or the one of that name in the folder that was."""
+    """The given binary, or the one of that name in the given folder."""
     engine = path.resolve()
     engine = engine / name if engine.is_dir() else engine
     if not os.access(engine, os.X_OK) or not engine.is_file():
-        raise CannotStart("there is no program %s" % engine)
+        raise CannotStart("no such program: %s" % engine)
     return engine
 
 
 def set_up_engine(arguments, folder, book):
-    """A folder for one Varn to run in, with the files that it reads there."""
+    """Creates a working directory for Varn with the files that it needs."""
     folder.mkdir()
     shutil.copy(find_engine(arguments.engine, "varn"), folder / "varn")
     shutil.copy(arguments.data / "varn.ini", folder)
@@ -130,9 +130,9 @@ def set_up_engine(arguments, folder, book):
 
 
 def demand(*packages):
-    """Installs what is missing."""
+    """Installs missing packages."""
     if subprocess.run([ROOT / "tools/install", *packages]).returncode != 0:
-        raise CannotStart("packages are missing: one of " + ", ".join(packages))
+        raise CannotStart("missing packages, among " + ", ".join(packages))
 
 
 # --- A run and what it leaves -----------------------------------------------------------------------------------------
@@ -140,7 +140,7 @@ def demand(*packages):
 
 @contextlib.contextmanager
 def run_folder(keep):
-    """The folder of the run. Where it isn't to be kept it is removed if the run is broken off; see conclude."""
+    """The folder of the run; unless kept it is removed if the run is interrupted. See conclude."""
     if keep:
         folder = keep.resolve()
         folder.mkdir(parents=True, exist_ok=True)
@@ -158,7 +158,7 @@ def run_folder(keep):
 
 
 def conclude(keep, folder, faults):
-    """Prints the faults, keeps the folder where there are any or it is wanted, and gives the status to end with."""
+    """Prints the faults, removes the folder unless there are any or it is to be kept, and returns the exit status."""
     for fault in faults:
         print("  " + fault)
     if faults or keep:
@@ -169,14 +169,14 @@ def conclude(keep, folder, faults):
 
 
 def show_progress(text):
-    """Writes one line anew, for whoever watches; an empty text makes room for other output."""
+    """Rewrites the progress line on a terminal; an empty text erases it."""
     if sys.stderr.isatty():
         sys.stderr.write("\r\033[K" + text)
         sys.stderr.flush()
 
 
 class Run:
-    """Hands out the games of a run to the jobs that play them, and gathers the faults."""
+    """Distributes the games of a run among jobs and collects the faults."""
 
     def __init__(self, games):
         self.lock = threading.Lock()
@@ -184,7 +184,7 @@ class Run:
         self.faults = []
 
     def next_game(self):
-        """Its number from 0, or nothing where there is none left."""
+        """The number of the next game, from 0, or None if there are no more."""
         with self.lock:
             if self.stopped or self.begun >= self.games:
                 return None
@@ -192,11 +192,11 @@ class Run:
             return self.begun - 1
 
     def stop(self, *_):
-        """No game begins any more."""
+        """Starts no more games."""
         self.stopped = True
 
     def play(self, work, jobs):
-        """Calls work(job) for each job in a thread of its own. What one of them raises ends all."""
+        """Calls work(job) for each job in its own thread. An exception in one of them ends all."""
         raised = []
 
         def guarded(job):

@@ -1,17 +1,17 @@
-"""The lines of a UCI engine about its search, held against the protocol and the rules of chess."""
+"""Checks of a UCI engine's search output against the protocol and the rules of chess."""
 
 import re
 
 from playing.process import Fault
 
-MATE_BAND = 9500  # centipawns from which on Varn's scores mean mates
+MATE_BAND = 9500  # centipawns; higher scores of Varn are mates
 LONGEST_MATE = 250  # moves
 NUMBERS = {"depth", "seldepth", "multipv", "time", "nodes", "nps", "hashfull", "tbhits", "sbhits", "cpuload",
            "currmovenumber"}
 
 
 def parse_info(text):
-    """The parts of an info line by their names. `score` is ("cp" or "mate", number), `bound` the bound's name."""
+    """The fields of an info line. `score` is ("cp" or "mate", number), `bound` the kind of bound."""
     words = text.split()[1:]
     parts = {}
     while words:
@@ -37,10 +37,9 @@ def parse_info(text):
 
 
 class Mates:
-    """How many scores told a mate, and those whose lines are too long for it or don't end in it.
+    """Counts mate scores, and those whose lines are too long or don't end in mate.
 
-    A score that comes from the hash table may belong to another line than the one that is shown, so that a few don't
-    agree; many are a fault."""
+    Scores from the hash table may belong to another line than the one shown, so a few mismatches are allowed."""
 
     def __init__(self):
         self.told, self.missed, self.example = 0, 0, None
@@ -63,9 +62,9 @@ class Mates:
 
 
 def check_info(search, mates):
-    """All info lines of a search; gives the move with which its last best line begins, or nothing."""
+    """Checks all info lines of a search; returns the first move of the last best line, or None."""
     last, root = {"time": 0, "nodes": 0}, Node(search.position)
-    group = {}  # the first moves of the last lines, by their number
+    group = {}  # first moves of the last lines, by number
     for text in search.infos:
         info = parse_info(text)
         try:
@@ -103,13 +102,13 @@ def check_numbers(search, info, last):
 
 
 class Node:
-    """A position with those behind it that lines have led to; lines have most of their moves in common."""
+    """A tree of positions; caches moves that lines have in common."""
 
     def __init__(self, position):
         self.position, self.behind = position, {}
 
     def follow(self, text):
-        """The node behind a move, or nothing where it isn't legal."""
+        """The node after a move, or None if it is illegal."""
         if text not in self.behind:
             move = self.position.parse_coordinates(text)
             self.behind[text] = None if move is None else Node(self.position.after(move))
@@ -117,9 +116,9 @@ class Node:
 
 
 def check_line(search, root, info):
-    """A principal variation: legal to its last move. Gives the position behind it."""
+    """Checks that a principal variation is legal; returns its final position."""
     if search.moves and info["pv"][0] not in search.moves:
-        raise Fault("the line begins with another move than it may")
+        raise Fault("the line begins with an excluded move")
     node = root
     for text in info["pv"]:
         node = node.follow(text)
@@ -129,14 +128,14 @@ def check_line(search, root, info):
 
 
 def parse_bestmove(search, best):
-    """The move, and the expected one or nothing. `best` is the move with which the last best line began, or nothing."""
+    """The move and the expected reply or None. `best`: the first move of the last best line, or None."""
     match = re.fullmatch(r"bestmove (\S+)(?: ponder (\S+))?", search.bestmove.text)
     if match is None:
         raise Fault("a malformed line: " + search.bestmove.text)
     move, expected = match.groups()
     if not search.moves or search.over and move == "(none)":
         if (move, expected) != ("(none)", None):
-            raise Fault("a move where the game is over: " + search.bestmove.text)
+            raise Fault("a move although the game is over: " + search.bestmove.text)
         return move, None
     if move not in search.moves:
         raise Fault("an illegal move: " + search.bestmove.text)

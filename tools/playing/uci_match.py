@@ -1,4 +1,4 @@
-"""A match of Varn by UCI, against engines of either protocol, with games in parallel."""
+"""UCI matches of Varn against engines of either protocol, with concurrent games."""
 
 import time
 
@@ -9,8 +9,7 @@ from playing.runner import play_game, write_pgn
 from playing.score import Score, describe_strength
 from playing.tool import Run, find_engine, show_progress
 
-# The opponents' commands, the protocols that they speak, and the options with which they play. Books are left out: the
-# openings are what both sides are given.
+# Command, protocol and options of the opponents. Books are off, because both sides play the given openings.
 OPPONENTS = {
     "fairymax": ("fairymax", "xboard", []),
     "glaurung": ("glaurung", "uci", [("OwnBook", "false")]),
@@ -20,11 +19,11 @@ OPPONENTS = {
     "stockfish": ("stockfish", "uci", []),
     "toga2": ("toga2", "uci", [("OwnBook", "false")]),
 }
-FAILURES = 5  # games that end the match where an engine breaks down in all of them
+FAILURES = 5  # consecutive games with a broken engine that end the match
 
 
 class Match:
-    """What all jobs share."""
+    """State shared by all jobs."""
 
     def __init__(self, arguments, folder):
         self.arguments, self.folder = arguments, folder
@@ -37,14 +36,14 @@ class Match:
         if arguments.elo is not None:
             self.options = self.options + [("UCI_LimitStrength", "true"), ("UCI_Elo", str(arguments.elo))]
         self.run, self.score = Run(arguments.games), Score()
-        self.names, self.lost_on_time = {}, {True: 0, False: 0}  # by whether they are Varn's
+        self.names, self.lost_on_time = {}, {True: 0, False: 0}  # by whether it is Varn
         self.opponent_faults, self.failures = [], 0
         self.pgn = open(arguments.pgn, "w") if arguments.pgn else None
 
     def start(self, is_varn, folder):
-        """One of the two engines, in a folder of its own."""
+        """Starts one of the two engines in its own folder."""
         folder.mkdir(parents=True, exist_ok=True)
-        # A book would play what the openings are for.
+        # Games start from the given openings instead.
         if is_varn or self.against_itself:
             engine = ENGINES["uci"](self.varn, folder)
             wanted = [("OwnBook", "false")] if "OwnBook" in engine.options else []
@@ -57,7 +56,7 @@ class Match:
         return engine
 
     def note(self, number, varn_is_white, outcome):
-        """Books a game that has ended."""
+        """Records a finished game."""
         with self.run.lock:
             self.score.add(outcome.result, varn_is_white)
             if outcome.fault:
@@ -75,7 +74,7 @@ class Match:
                                                           describe_strength(self.score)))
 
     def play_share(self, job):
-        """Plays games until there are none left."""
+        """Plays games until none are left."""
         folder = self.folder / ("job%d" % (job + 1))
         engines = {}
         while (number := self.run.next_game()) is not None:
@@ -99,14 +98,14 @@ class Match:
             engine.child.keep_dialogue(self.folder / ("game%d-%s" % (number + 1, "varn" if is_varn else "opponent")))
 
     def end(self, number, engines, concerns):
-        """Ends engines; how Varn ends is held against it, where it wasn't already."""
+        """Quits engines; Varn's faults in quitting are recorded."""
         for is_varn, engine in list(engines.items()):
             if concerns(engine):
                 del engines[is_varn]
                 found = engine.end() if is_varn or self.against_itself else engine.kill()
                 if found:
                     with self.run.lock:
-                        self.run.faults += ["behind game %d: %s" % (number + 1, fault) for fault in found]
+                        self.run.faults += ["after game %d: %s" % (number + 1, fault) for fault in found]
 
 
 def report(match, seconds):
@@ -124,7 +123,7 @@ def report(match, seconds):
 
 
 def play_by_uci(arguments, folder):
-    """Plays the match, prints what came of it, even where it is broken off, and gives Varn's faults."""
+    """Plays the match, prints the report, also if interrupted, and returns Varn's faults."""
     match = Match(arguments, folder)
     started = time.monotonic()
     try:
@@ -134,5 +133,5 @@ def play_by_uci(arguments, folder):
         if match.score.games():
             report(match, time.monotonic() - started)
     if match.failures >= FAILURES and not match.run.faults:
-        raise CannotStart("the opponent broke down in %d games, one after the other" % match.failures)
+        raise CannotStart("the opponent failed in %d consecutive games" % match.failures)
     return match.run.faults

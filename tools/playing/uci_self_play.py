@@ -1,8 +1,8 @@
-"""Varn against itself by UCI: a client that uses all of the protocol at random, and holds each answer against it.
+"""UCI self-play: a client that uses the whole protocol at random and checks every answer.
 
-A game has a clock, some of them very short. Most moves are asked for by the clock; the others by time, depth, nodes, as
-an infinite search, as one for a mate, or among a few moves. Searches are stopped at random and asked for readyok, and
-options are set between them. In some games both sides ponder: the expected move comes or it doesn't.
+Games have clocks, some of them very short. Most moves are searched on the clock; the others by time, depth, nodes,
+mate, searchmoves or infinitely. Searches are stopped and pinged at random, and options are changed between them. In
+some games both sides ponder, with hits and misses.
 """
 
 import collections
@@ -20,8 +20,8 @@ from playing.uci_lines import Mates, check_info, parse_bestmove
 BASES = [0.03, 0.1, 0.3, 1]  # seconds
 INCREMENTS = [0, 0, 0.01, 0.05]
 CONTROLS = [0, 0, 0, 2, 20]  # moves
-LONGEST = 0.3  # seconds of a search without a clock, which is then stopped
-# What is set between searches: values to choose from, which the engine's own ranges narrow.
+LONGEST = 0.3  # seconds until a search without a clock is stopped
+# Options set between searches: values to choose from, clamped to the engine's ranges.
 OPTIONS = {
     "Hash": [1, 2, 8, 32], "MultiPV": [1, 1, 1, 2, 3, 5, 40], "Threads": [1, 1, 1, 2], "Move Overhead": [0, 5, 10, 30],
     "OwnBook": ["false", "true"], "UCI_AnalyseMode": ["false", "true"], "Clear Hash": [None],
@@ -29,7 +29,7 @@ OPTIONS = {
 
 
 class Search:
-    """One go and what has come of it."""
+    """A go command and its answers."""
 
     def __init__(self, game, go, only, multipv):
         self.position, self.go, self.only = game.position, go, only
@@ -37,12 +37,12 @@ class Search:
         self.lines = min(multipv, len(self.moves))
         self.over = game.end() is not None
         self.infos, self.bestmove = [], None
-        self.started = self.freed = None  # when it began, and from when on it may answer
-        self.limit = None  # when it has to have answered
+        self.started = self.freed = None  # when it started, and when it was allowed to answer
+        self.limit = None  # deadline of the answer
 
 
 class Client:
-    """One Varn, and what the protocol says that it owes."""
+    """One engine and the answers it owes by the protocol."""
 
     def __init__(self, arguments, folder, counts, maxima):
         folder.mkdir()
@@ -74,7 +74,7 @@ class Client:
     # --- Between searches -----------------------------------------------------------------------------------------
 
     def set_options(self, chance, share):
-        """Sets a share of the options anew."""
+        """Sets a random share of the options."""
         for name, values in OPTIONS.items():
             if name in self.options and chance.random() < share:
                 option = self.options[name]
@@ -92,13 +92,13 @@ class Client:
         if "Ponder" in self.options:
             self.child.send("setoption name Ponder value " + str(ponder).lower())
         if chance.random() < 0.1:
-            self.child.send(chance.choice(["stop", "ponderhit", ""]))  # of no meaning now
+            self.child.send(chance.choice(["stop", "ponderhit", ""]))  # ignored without a search
         if chance.random() < 0.8:
             self.child.send("ucinewgame")
         self.settle()
 
     def settle(self):
-        """Nothing may be said but readyok. After a new table or a cleared one it may take its time."""
+        """Only readyok and info strings are allowed. Allocating or clearing a table may take a while."""
         self.child.send("isready")
         lines = self.child.read_until("readyok$")
         for line in lines[:-1]:
@@ -108,7 +108,7 @@ class Client:
     # --- A search -------------------------------------------------------------------------------------------------
 
     def begin(self, game, go, seconds, expected=(), only=()):
-        """Starts a search, behind expected moves, too. Infinite ones and those that ponder have no limit in seconds."""
+        """Starts a search, after the expected moves if given. Infinite and pondering searches have no time limit."""
         after = game.copy()
         for move in expected:
             after.follow(move)
@@ -119,7 +119,7 @@ class Client:
         self.child.send(game.uci_position(*expected), go)
 
     def free(self, seconds):
-        """From now on it may answer, and after some seconds it has to have done so."""
+        """Allows the answer from now on and requires it within so many seconds."""
         now = time.monotonic()
         self.search.freed = self.search.freed or now
         self.search.limit = min(self.search.limit or now + PATIENCE, now + seconds + self.margin)
@@ -139,8 +139,8 @@ class Client:
         self.child.send("isready")
 
     def wait(self, events=()):
-        """Waits for bestmove, and calls each event, of (seconds, action), when that many have gone; gives the answer of
-        parse_bestmove and when it came."""
+        """Waits for bestmove and triggers events, given as (seconds, action); returns the result of parse_bestmove and
+        its time."""
         search, begun = self.search, time.monotonic()
         events = collections.deque(sorted(events, key=lambda event: event[0]))
         while search.bestmove is None or self.pings:
@@ -168,7 +168,7 @@ class Client:
             raise Fault("no bestmove in time after %.0f ms of %s" % (taken, self.search.go))
 
     def listen(self):
-        """Hears what was said meanwhile, without waiting."""
+        """Processes pending output without waiting."""
         while (line := self.child.read_before(0)) is not None:
             self.hear(line)
 
@@ -191,7 +191,7 @@ class Client:
             raise Fault("an unexpected line: " + line.text)
 
     def judge(self):
-        """Holds the search that has ended against the rules."""
+        """Checks a finished search."""
         search, self.search = self.search, None
         self.counts["infos"] += len(search.infos)
         over = search.bestmove.at - search.limit + self.margin
@@ -233,7 +233,7 @@ class UciPair(Pair):
         return "%s %s" % end
 
     def ply(self, client, white, ponder):
-        """One move of one side, and the start of its pondering."""
+        """Plays one move and starts pondering."""
         chance = self.chance
         (move, expected), taken, by_clock = self.answer(client, white)
         if not self.game.follow(move):
@@ -253,7 +253,7 @@ class UciPair(Pair):
                 client.ping()
 
     def answer(self, client, white):
-        """The answer, the seconds that it took, and whether the clock ran."""
+        """The answer, the seconds it took, and whether the clock ran."""
         chance = self.chance
         if client.search is not None:
             client.listen()
@@ -274,7 +274,7 @@ class UciPair(Pair):
         return found, at - started, False
 
     def disturbances(self, client, stops):
-        """A stop with that chance, and sometimes isready, at some time early in a search."""
+        """A stop with this probability, and sometimes isready, early in a search."""
         events = [(self.chance.uniform(0, 0.05), client.ping)] * (self.chance.random() < 0.15)
         return events + [(self.chance.choice([0, 0, 0.001, 0.03]), client.stop)] * (self.chance.random() < stops)
 
@@ -300,7 +300,7 @@ class UciPair(Pair):
         else:
             go = "go %s %d" % (kind, chance.randint(1, 5) if kind == "depth" else chance.choice([1, 10, 1000, 20000]))
         client.begin(self.game, go, seconds, only=only)
-        # A search without a clock is stopped a little before it would have to have answered.
+        # Searches without a clock are stopped shortly before their deadline.
         return client.wait([(stop_at, client.stop)] + self.disturbances(client, 0.1))
 
     def end_pondering(self, client):
@@ -311,14 +311,14 @@ class UciPair(Pair):
             client.wait()
 
     def ask_when_over(self, client):
-        """What is answered in a position in which the game is over."""
+        """Checks the answer in a finished game."""
         go = self.chance.choice(["go movetime 10", "go depth 2", "go wtime 100 btime 100", "go infinite"])
         client.begin(self.game, go, LONGEST)
         client.wait([(0.02 if go == "go infinite" else LONGEST, client.stop)])
         client.settle()
 
     def end(self):
-        """Some engines have to quit in the middle of a search."""
+        """Some engines must quit during a search."""
         for client in self.players:
             if client.search is None and not client.child.has_ended():
                 client.child.send("position startpos", "go infinite")

@@ -1,6 +1,6 @@
-"""A match of Varn under xboard, on a display of its own.
+"""Matches under xboard on a virtual display.
 
-xboard is the judge: it checks every move and claim; each game is also replayed by the engine.
+xboard is the referee and checks every move and claim; each game is also replayed by the engine.
 """
 
 import contextlib
@@ -15,11 +15,11 @@ import time
 from playing.process import CannotStart, Child, describe_status, find_command, start_program
 from playing.tool import find_engine, set_up_engine, show_progress
 
-# How Varn and xboard announce the end of a game.
+# Result lines of Varn and xboard.
 RESULT = re.compile(r"(1-0|0-1|1/2-1/2) \{.*\}")
 
-# Opponents' commands, and what xboard must know of them before they say it themselves: gnuchess reads no second line
-# until a third is there, and doesn't live through the interrupts that it declines there.
+# Command of each opponent, and features that xboard must know in advance: gnuchess delays its feature line, and
+# interrupts before it would kill it.
 OPPONENTS = {
     "fairymax": ("fairymax", ""),
     "gnuchess": ("gnuchess --xboard", "sigint=0 usermove=1 done=1"),
@@ -28,9 +28,8 @@ OPPONENTS = {
     "self": ("./start", ""),
 }
 
-# Stands between xboard and the engine to note how the engine ends: xboard terminates and then kills its engines
-# behind `quit`, so the one that waits for the engine is a process that xboard doesn't know, and that holds no end of
-# the pipes.
+# Wrapper that records the engine's exit status. xboard terminates and kills its engines after `quit`, so the waiting
+# process must be unknown to xboard and hold no end of the pipes.
 ENGINE_SCRIPT = """#!/usr/bin/env python3
 import os, signal, subprocess
 reader, writer = os.pipe()
@@ -50,7 +49,7 @@ else:
     os.wait()
 """
 
-# What xboard's last comment on a game says of the side that lost it.
+# Faults of the loser in xboard's last comment on a game.
 ENDS = [
     ("loss on time", re.compile(r"wins on time")),
     ("illegal move", re.compile(r"illegal move|invalid move|moved for the opponent", re.IGNORECASE)),
@@ -60,7 +59,7 @@ ENDS = [
 
 
 def clock_options(tc):
-    """xboard's options for a time control."""
+    """Time control options of xboard."""
     if "/" in tc:
         moves, base = tc.split("/")
         return ["-mps", moves, "-tc", base]
@@ -69,7 +68,7 @@ def clock_options(tc):
 
 
 def longest_move(tc):
-    """Seconds that a single move may take: the base time with what was saved up of the increments."""
+    """Upper limit in seconds for a single move: base time and saved increments."""
     base, increment = re.sub(r"^\d+/", "", tc).partition("+")[::2]
     minutes, _, seconds = base.partition(":")
     return 2 * (60 * int(minutes) + int(seconds or 0)) + 10 * float(increment or 0)
@@ -79,7 +78,7 @@ def longest_move(tc):
 
 
 def set_up_side(arguments, folder):
-    """A folder for one Varn, with a script that starts it and notes how it ended."""
+    """Creates a folder for Varn with a script that starts it and records its exit status."""
     set_up_engine(arguments, folder, book=not arguments.no_book)
     program = "varn"
     if arguments.polyglot:
@@ -92,7 +91,7 @@ def set_up_side(arguments, folder):
 
 @contextlib.contextmanager
 def display():
-    """A display without a screen; gives its name."""
+    """A virtual display; yields its name."""
     reader, writer = os.pipe()
     command = ["Xvfb", "-displayfd", str(writer), "-screen", "0", "1024x768x24", "-nolisten", "tcp"]
     server = start_program(command, pass_fds=[writer], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
@@ -110,7 +109,7 @@ def display():
 
 
 def processes_in(folder):
-    """Processes that run in a folder or below it."""
+    """Processes whose working directory is in the folder."""
     found = []
     for link in pathlib.Path("/proc").glob("[0-9]*/cwd"):
         with contextlib.suppress(OSError):
@@ -120,7 +119,7 @@ def processes_in(folder):
 
 
 def left_running(folder, patience):
-    """Ends what still runs in the folder after a while; gives how many processes that were."""
+    """Kills processes that still run in the folder after a while; returns their number."""
     deadline = time.monotonic() + patience
     while processes_in(folder) and time.monotonic() < deadline:
         time.sleep(0.1)
@@ -132,11 +131,11 @@ def left_running(folder, patience):
 
 
 def try_opponent(arguments, folder):
-    """xboard would wait for an opponent that doesn't start."""
+    """Checks that the opponent starts; xboard would wait for it forever."""
     command = OPPONENTS.get(arguments.opponent, (arguments.opponent, ""))[0]
     with Child(find_command(command), folder) as opponent:
         if opponent.has_ended(0.5):
-            raise CannotStart("%s %s as soon as it is started" % (command, describe_status(opponent.status)))
+            raise CannotStart("%s %s right after the start" % (command, describe_status(opponent.status)))
 
 
 def xboard_command(arguments, folder):
@@ -146,7 +145,7 @@ def xboard_command(arguments, folder):
             "-debug", "-debugfile", str(folder / "log"), "-saveGameFile", str(folder / "games.pgn"),
             "-matchGames", str(arguments.games), "-matchPause", "500",
             "-ponderNextMove", str(arguments.ponder).lower(), *clock_options(arguments.tc),
-            # xboard checks every claim, and leaves it to the engines to make them.
+            # xboard verifies claims but makes none itself.
             "-autoCallFlag", "true", "-testClaims", "true", "-checkMates", "false", "-trivialDraws", "false",
             "-materialDraws", "false",
             *(["-fUCI"] if arguments.polyglot else []),
@@ -156,7 +155,7 @@ def xboard_command(arguments, folder):
 
 
 def watch(xboard, arguments, folder):
-    """Waits for the end of the match; gives what went wrong with xboard itself."""
+    """Waits for the end of the match; returns faults of xboard itself."""
     idle_limit = longest_move(arguments.tc) + 60
     log_size, changed = 0, time.monotonic()
     while xboard.poll() is None:
@@ -167,12 +166,12 @@ def watch(xboard, arguments, folder):
         games = read_games(folder / "games.pgn")
         show_progress("%d of %d games, %s " % (len(games), arguments.games, score_text(games)))
         if time.monotonic() - changed > idle_limit:
-            return ["the match stood still for %d s and was broken off" % idle_limit]
+            return ["the match was stopped after %d s without progress" % idle_limit]
     return [] if xboard.returncode == 0 else ["xboard ended with status %d" % xboard.returncode]
 
 
 def play(arguments, folder):
-    """Runs the match; gives what went wrong with xboard itself, and with the end of the engines."""
+    """Runs the match; returns faults of xboard itself and processes left behind."""
     with display() as name, open(folder / "said", "wb") as said:
         xboard = start_program(xboard_command(arguments, folder), cwd=folder, stdin=subprocess.DEVNULL, stdout=said,
                                stderr=said, start_new_session=True,
@@ -188,11 +187,11 @@ def play(arguments, folder):
     return faults + (["%d processes were left running" % left] if left else [])
 
 
-# --- What came of it ----------------------------------------------------------------------------------------------
+# --- Results ------------------------------------------------------------------------------------------------------
 
 
 def read_games(pgn):
-    """The finished games: tags, and the last comment, which says how the game ended."""
+    """Finished games: tags, and the last comment, which gives the reason of the end."""
     games = []
     if not pgn.exists():
         return games
@@ -215,8 +214,8 @@ def score_text(games):
 
 
 def read_log(log):
-    """What passed between xboard and each engine: (engine, direction, line)."""
-    # Where the engine wants "usermove", xboard writes it and the move in two pieces, and its log shows both.
+    """The communication with each engine: (engine, direction, line)."""
+    # For "usermove" xboard writes the word and the move separately, and logs both.
     pattern = re.compile(r"^\d+ ([<>])(first|second)\s*: (?:usermove \d+ >\2\s*: )?(.*)$")
     lines = log.read_text(errors="replace").splitlines() if log.exists() else []
     return [(match[2], match[1], match[3]) for match in map(pattern.match, lines) if match]
@@ -232,14 +231,14 @@ def games_in_log(lines):
         if direction == ">" and line == "new":
             games.append([])
         elif direction == ">" and line == "undo":
-            del games[-1][-1:]  # the engine was still thinking when its time was up
+            del games[-1][-1:]  # the engine was still thinking when its time ran out
         elif games and move and (direction == ">") != line.startswith("move "):
             games[-1].append(move[1])
     return [game for game in games if game]
 
 
 def replay(engine, moves):
-    """What the engine says to a game that it only has to follow."""
+    """The engine's output on a game replayed in force mode."""
     dialogue = "xboard\nnew\nforce\n" + "".join(move + "\n" for move in moves) + "quit\n"
     try:
         outcome = subprocess.run(["./varn"], input=dialogue.encode(), stdout=subprocess.PIPE, cwd=engine, timeout=60)
@@ -249,7 +248,7 @@ def replay(engine, moves):
 
 
 def faults_of_game(game, varn_names):
-    """What xboard's comment on the end of a game says against Varn."""
+    """Faults of Varn in xboard's comment on the end of a game."""
     loser = {"1-0": game["Black"], "0-1": game["White"]}.get(game["Result"])
     if loser is None:
         return [] if game["Result"] == "1/2-1/2" else ["no result"]
@@ -280,7 +279,7 @@ def judge(arguments, folder, games):
 
 
 def play_under_xboard(arguments, folder):
-    """Plays the match, prints its line and gives the faults."""
+    """Plays the match, prints its summary and returns the faults."""
     (folder / "empty.ini").write_text("")
     set_up_side(arguments, folder / "first")
     if arguments.opponent == "self":

@@ -1,4 +1,4 @@
-"""Varn against itself by the xboard protocol, without xboard."""
+"""Self-play by the xboard protocol, without xboard."""
 
 import collections
 import re
@@ -10,15 +10,15 @@ from playing.self_play import Pair, random_opening
 from playing.tool import set_up_engine
 from playing.under_xboard import RESULT
 
-# 2120 ms left, 20 of them held back: a thirtieth of that is 70 ms, and an increment game holds back 50 ms of a move's
-# share. The clock is never told to have run on.
+# 2120 ms left minus 20 ms reserve: a thirtieth is 70 ms, and increment games subtract 50 ms. The same time is sent
+# before every move.
 LEVEL, CLOCK, MOVE_MS = "level 0 1 0", "212", 20
 EXPECTED = re.compile(r"got time: 2100|turns left = -?\d+|allocating %d milliseconds for search\."
                       r"|pondering enabled|i am going to try to ponder|pondering: \w+" % MOVE_MS)
 
 
 def claim(game):
-    """What Varn has to claim; nothing while the game goes on."""
+    """The claim that Varn must make; None during the game."""
     end = game.end()
     if end is not None and "mates" in end[1]:
         return "%s {%s}" % end
@@ -48,14 +48,14 @@ class Player(Child):
         self.read_until("feature done=1")
 
     def answer(self, *lines):
-        """The move or the claim with which the lines are answered, and the seconds that it took."""
+        """The answer to the lines, a move or a claim, and the seconds it took."""
         started = time.monotonic()
         self.send("time " + CLOCK, "otim " + CLOCK, *lines)
         answer = self.hear(*lines)
         return answer, time.monotonic() - started
 
     def hear(self, *lines):
-        """The next move or claim. What the engine went on to say behind its last move comes first."""
+        """The next move or claim, after any output that followed the last move."""
         while True:
             line = self.read()
             if RESULT.fullmatch(line) or line.startswith("move "):
@@ -68,7 +68,7 @@ class Player(Child):
 
 
 class XboardPair(Pair):
-    """Two engines that live through all of their games."""
+    """A pair for the xboard protocol."""
 
     def start(self, folder):
         return Player(self.arguments, folder)
@@ -77,7 +77,7 @@ class XboardPair(Pair):
         return player
 
     def play_game(self, number, chance):
-        """A game that begins with some random moves, at the end of which it isn't over."""
+        """A game that starts with some random moves."""
         ponder = {"all": True, "none": False, "half": number % 2 == 0}[self.arguments.ponder]
         self.game = game = random_opening(chance, 1, 12, claim)
         for player in self.players:
@@ -89,16 +89,16 @@ class XboardPair(Pair):
             mover = self.players[(first + plies) % 2]
             true_claim = claim(game)
             lines = [] if plies == opening else game.moves[-1:]
-            # The opening was only followed: each engine answers for the first time when it is told to.
+            # After the opening each engine must be told to play its first move.
             if plies < opening + 2 and true_claim is None:
                 lines.append("go")
             answer, taken = mover.answer(*lines)
             if true_claim is not None or RESULT.fullmatch(answer):
                 claims = {answer}
-                if plies > opening + 2:  # what it is told to play it plays without a claim
+                if plies > opening + 2:  # no claim after go
                     claims.add(self.players[(first + plies + 1) % 2].hear())
                 if claims != {true_claim}:
-                    raise Fault("claimed %s where it is %s" % (" and ".join(sorted(claims)), true_claim))
+                    raise Fault("claimed %s instead of %s" % (" and ".join(sorted(claims)), true_claim))
                 for player in self.players:
                     self.counts.update(player.counts)
                     player.counts.clear()
