@@ -84,6 +84,7 @@ std::optional<Move> choose_move(Engine& engine, const Game& game, const SearchLi
         if (const auto move = book_move(engine.book, game)) return move;
         engine.book_enabled = false;
     }
+    prefault_tables(s.tables);  // before the clock starts
     return think(s, game, {.depth = engine.ply_limit}, listener);
 }
 

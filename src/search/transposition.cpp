@@ -34,6 +34,7 @@ template <typename Entry> bool allocate(HashTable<Entry>& table, std::uint64_t e
         return true;
     }
     table.slots.reset();
+    table.prefaulted = false;
     table.slots = zeroed_block<Entry>(entries);
     if (table.slots == nullptr) return false;
     table.entries = divisor(entries);
@@ -41,8 +42,9 @@ template <typename Entry> bool allocate(HashTable<Entry>& table, std::uint64_t e
     return true;
 }
 
-template <typename Entry> void prefault(const HashTable<Entry>& table) {
-    prefault(table.slots.get(), table.entries.value * sizeof(Entry));
+template <typename Entry> void prefault_once(HashTable<Entry>& table) {
+    if (!table.prefaulted) prefault(table.slots.get(), table.entries.value * sizeof(Entry));
+    table.prefaulted = true;
 }
 
 /// The slot of a key, reset if it is of an old generation.
@@ -92,9 +94,9 @@ bool qhash_allocate(QuiescenceTable& table, std::int32_t bytes) {
     return allocate(table, std::max<std::uint64_t>(1, static_cast<std::uint64_t>(bytes) / nominal_entry_bytes));
 }
 
-void prefault_tables(const HashTables& tables) {
-    prefault(tables.transposition_table);
-    prefault(tables.quiescence_table);
+void prefault_tables(HashTables& tables) {
+    prefault_once(tables.transposition_table);
+    prefault_once(tables.quiescence_table);
 }
 
 void hash_clear(TranspositionTable& table) { clear(table); }

@@ -48,6 +48,7 @@ template <typename Entry> struct HashTable {
     ZeroedBlock<Entry> slots;
     Divisor entries = divisor(1);
     std::uint16_t generation = 1;
+    bool prefaulted = false;
 
     Entry& slot(std::uint64_t key) const {
         assert(slots != nullptr);
@@ -67,8 +68,9 @@ struct HashTables {
 bool hash_allocate(TranspositionTable& table, int bits);
 /// The same, with one entry per 40 bytes and at least one. Also returns false if `bytes` isn't positive.
 bool qhash_allocate(QuiescenceTable& table, std::int32_t bytes);
-/// Touches the memory of both tables now, so that page faults don't slow the first search. Entries are kept.
-void prefault_tables(const HashTables& tables);
+/// Touches the memory of both tables now, so that page faults don't slow the first search. Entries are kept. Does nothing
+/// the second time.
+void prefault_tables(HashTables& tables);
 
 /// Clears the table in constant time.
 void hash_clear(TranspositionTable& table);

@@ -32,10 +32,7 @@ int largest_hash_mb() {
 
 std::string resize_hash(Uci& uci) {
     finish_search(uci);
-    if (hash_allocate(uci.search->tables.transposition_table, hash_bits_for(uci.options.hash_mb))) {
-        uci.tables_are_real = false;
-        return "";
-    }
+    if (hash_allocate(uci.search->tables.transposition_table, hash_bits_for(uci.options.hash_mb))) return "";
     return "there isn't memory enough";
 }
 

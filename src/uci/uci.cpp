@@ -64,10 +64,7 @@ void set_debug(Uci& uci, std::string_view arguments) {
 
 /// Prefaults the tables now, while no clock runs.
 void say_ready(Uci& uci, std::string_view) {
-    if (!uci.tables_are_real && !uci.job.thread.is_active) {
-        prefault_tables(uci.search->tables);
-        uci.tables_are_real = true;
-    }
+    if (!uci.job.thread.is_active) prefault_tables(uci.search->tables);
     say_text("readyok\n");
 }
 

@@ -14,7 +14,6 @@ namespace varn {
 /// State of the front end. The search belongs to the search thread while that is running.
 struct Uci {
     std::unique_ptr<Search> search = new_search();
-    bool tables_are_real = false;
     Options options = standard_options();
     Book book;
     bool debug = false;

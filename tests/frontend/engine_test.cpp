@@ -1,7 +1,10 @@
 // The engine interface of the front ends: playing and taking back, setting positions, and choosing between book and
 // search. The transcripts cover the rest.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <unistd.h>
+
+#include <algorithm>
 
 #include "folder.h"
 #include "frontend/engine.h"
@@ -93,6 +96,26 @@ TEST_F(EngineTest, NewGamesAndTakingBackClearTheSearchTables) {
         forget(engine);
         EXPECT_FALSE(is_known());
     }
+}
+
+/// How many pages of the block are in memory.
+template <typename Entry> std::uint64_t resident_pages(const HashTable<Entry>& table, std::uint64_t page_bytes) {
+    const auto address = reinterpret_cast<std::uintptr_t>(table.slots.get());
+    const std::uintptr_t first = (address + page_bytes - 1) / page_bytes * page_bytes;  // of the pages it has alone
+    std::vector<unsigned char> pages((address + table.entries.value * sizeof(Entry) - first) / page_bytes);
+    EXPECT_EQ(mincore(reinterpret_cast<void*>(first), pages.size() * page_bytes, pages.data()), 0);
+    return static_cast<std::uint64_t>(std::ranges::count_if(pages, [](unsigned char page) { return (page & 1) != 0; }));
+}
+
+TEST_F(EngineTest, PrefaultsTheTablesBeforeTheFirstSearch) {
+    Search& s = *engine.search;
+    // Large enough that the memory is always fresh.
+    ASSERT_EQ(allocate_tables(s, {.hash_bits = 21}), TableFault::none);
+    const auto page_bytes = static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE));
+    const std::uint64_t pages = s.tables.transposition_table.entries.value * sizeof(HashEntry) / page_bytes;
+    EXPECT_LT(resident_pages(s.tables.transposition_table, page_bytes), pages / 2);
+    ASSERT_TRUE(choose_move(engine, *engine.game, {}));
+    EXPECT_GE(resident_pages(s.tables.transposition_table, page_bytes), pages - 2);
 }
 
 }  // namespace
