@@ -68,8 +68,8 @@ struct HashTables {
 bool hash_allocate(TranspositionTable& table, int bits);
 /// The same, with one entry per 40 bytes and at least one. Also returns false if `bytes` isn't positive.
 bool qhash_allocate(QuiescenceTable& table, std::int32_t bytes);
-/// Touches the memory of both tables now, so that page faults don't slow the first search. Entries are kept. Does nothing
-/// the second time.
+/// Touches the memory of both tables now, so that page faults don't slow the first search. Entries are kept. Does
+/// nothing the second time.
 void prefault_tables(HashTables& tables);
 
 /// Clears the table in constant time.
