@@ -29,10 +29,10 @@ constexpr int pruned = -1;         // scored like a losing capture, so not searc
 /// The material that a capture or promotion gains. A promotion counts only the new piece, even if it captures. Delta
 /// pruning comes before the exchange evaluation: a capture that cannot raise alpha even if the piece is won outright is
 /// pruned.
-int noisy_gain(const Game& game, Move move, int wanted) {
+int noisy_gain(const Game& game, Move move, int least) {
     if (is_promotion(move.kind)) return piece_values[move.kind] - pawn_value;
-    if (move.kind == kind_en_passant) return exchange_gain(game, move);
-    return piece_values[game.cells[move.to]] < wanted ? pruned : exchange_gain(game, move);
+    if (move.kind == kind_en_passant) return exchange_gain(game, move, least);
+    return piece_values[game.cells[move.to]] < least ? pruned : exchange_gain(game, move, least);
 }
 
 bool gives_cutoff(const QhashEntry& entry, int alpha, int beta) {
@@ -83,10 +83,10 @@ int search_noisy_moves(Search& s, Game& game, const Pins& pins, int stand, int a
     bool raised_alpha = false;
     MoveList& list = s.move_lists[ply];
     generate_noisy(game, list);
-    const int wanted = alpha - stand - delta_margin;
+    const int least = std::max(0, alpha - stand - delta_margin);
     for (int i = 0; i < list.count; ++i) {
-        list.scores[i] = noisy_gain(game, list.moves[i], wanted);
-        if (list.scores[i] >= std::max(0, wanted)) prefetch_quiescent_child(table, game, list.moves[i]);
+        list.scores[i] = noisy_gain(game, list.moves[i], least);
+        if (list.scores[i] >= least) prefetch_quiescent_child(table, game, list.moves[i]);
     }
     UndoRecord& undo = s.undo_stack[ply];
     save_undo(game, undo);
