@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "board/make.h"
+#include "board/move_keys.h"
 
 namespace varn {
 
@@ -109,7 +110,10 @@ void prefetch_child(const HashTables& tables, const Game& game, Move move) {
 }
 
 void prefetch_children(const HashTables& tables, const Game& game, const MoveList& list) {
-    for (const Move move : list) prefetch_child(tables, game, move);
+    visit_child_keys(game, list.begin(), list.end(), [&tables](PositionKeys keys) {
+        prefetch(tables.transposition_table.slot(keys.key));
+        prefetch(tables.quiescence_table.slot(keys.key));
+    });
 }
 
 void prefetch_quiescent_child(const QuiescenceTable& table, const Game& game, Move move) {
@@ -152,11 +156,9 @@ void qhash_store(QuiescenceTable& table, const Game& game, int score, std::uint8
 
 bool enhanced_transposition(TranspositionTable& table, const Game& game, MoveList& list, int wanted_depth, int beta) {
     Table<PositionKeys, MoveList::capacity> keys;
-    for (int i = 0; i < list.count; ++i) {
-        list.scores[i] = 0;
-        keys[i] = child_keys(game, list.moves[i]);
-        prefetch(table.slot(keys[i].key));
-    }
+    int count = 0;
+    visit_child_keys(game, list.begin(), list.end(), [&](PositionKeys child) { keys[count++] = child; });
+    std::fill_n(list.scores.begin(), list.count, 0);
     for (int i = 0; i < list.count; ++i) {
         const HashEntry* child = probe(table, keys[i], wanted_depth);
         if (child != nullptr && child->bound != bound_upper && -child->score >= beta) {
