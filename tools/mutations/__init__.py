@@ -1,0 +1,1 @@
+"""Small faults put into the engine, to see whether its tests notice."""
