@@ -48,14 +48,14 @@ TEST(Faults, SlowPipesAndSignalsLoseNothing) {
         {repeated(600, "help\n"), ""},
         {"xboard\n" + repeated(30000, "ping\n"), "Varn> \n" + repeated(30000, "Illegal Move: ????\n")},
     };
-    for (const char* name : {"none", "ends that don't wait"}) {
+    for (const char* name : {"none", "ends that don't wait", "signals that interrupt"}) {
         for (const auto& [input, expected] : cases) {
             const std::string output = expected.empty() ? run_console(input).output : expected;
             const Fault fault(name);
             Process engine;
             std::this_thread::sleep_for(std::chrono::milliseconds(50));  // waiting for its first line
             engine.send(input);
-            for (const int signal : {SIGSTOP, SIGWINCH, SIGCONT, SIGURG}) {
+            for (const int signal : {SIGURG, SIGSTOP, SIGWINCH, SIGCONT, SIGURG}) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(50));  // its output isn't read
                 engine.send_signal(signal);
             }

@@ -39,9 +39,15 @@ std::int64_t wrong_ms(std::int64_t ms) {
     return ms;
 }
 
-[[gnu::constructor]] void make_ends_impatient() {
-    if (!is_fault("ends that don't wait")) return;
-    for (const int end : {STDIN_FILENO, STDOUT_FILENO}) fcntl(end, F_SETFL, fcntl(end, F_GETFL) | O_NONBLOCK);
+[[gnu::constructor]] void set_up_ends_and_signals() {
+    if (is_fault("ends that don't wait")) {
+        for (const int end : {STDIN_FILENO, STDOUT_FILENO}) fcntl(end, F_SETFL, fcntl(end, F_GETFL) | O_NONBLOCK);
+    }
+    if (is_fault("signals that interrupt")) {
+        struct sigaction action = {};  // without SA_RESTART
+        action.sa_handler = [](int) {};
+        sigaction(SIGURG, &action, nullptr);
+    }
 }
 
 }  // namespace
