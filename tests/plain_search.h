@@ -87,7 +87,8 @@ private:
         int score;
     };
 
-    // --- Nodes and scores ---------------------------------------------------------------------------------------------
+    // --- Nodes and scores
+    // ---------------------------------------------------------------------------------------------
 
     bool goes_on() {
         stopped_ = stopped_ || nodes_ >= allowed_;
@@ -105,7 +106,9 @@ private:
         told_ << '\n';
     }
 
-    static bool is_mate(int score) { return score != aborted && std::abs(score) >= mate - 500 && std::abs(score) <= mate; }
+    static bool is_mate(int score) {
+        return score != aborted && std::abs(score) >= mate - 500 && std::abs(score) <= mate;
+    }
     static int for_turn(const Game& g, int score) { return g.turn == Side::white ? score : -score; }
 
     static int status(const Game& g, int line_ply) {
@@ -143,7 +146,8 @@ private:
         return list[start];
     }
 
-    // --- Tables -------------------------------------------------------------------------------------------------------
+    // --- Tables
+    // -------------------------------------------------------------------------------------------------------
 
     Entry* probe(PositionKeys keys, int depth) {
         Entry& entry = table_[keys.key % slots_];
@@ -180,7 +184,8 @@ private:
         }
     }
 
-    // --- The search ---------------------------------------------------------------------------------------------------
+    // --- The search
+    // ---------------------------------------------------------------------------------------------------
 
     int root_score(const Game& root) {
         const int alpha = root_score_ - 50, beta = root_score_ + 50;
@@ -285,10 +290,9 @@ private:
             captured_[ply] = no_piece;
             null_at_[ply] = true;
             Line ignored;
-            const int value =
-                depth > 3 ? -search(after, -beta, 1 - beta, depth - 3,
-                                    {ply + 1, line_ply, frame.pawn_extensions, frame.extensions}, ignored)
-                          : -quiesce(after, -beta, 1 - beta, ply + 1, line_ply);
+            const int value = depth > 3 ? -search(after, -beta, 1 - beta, depth - 3,
+                                                  {ply + 1, line_ply, frame.pawn_extensions, frame.extensions}, ignored)
+                                        : -quiesce(after, -beta, 1 - beta, ply + 1, line_ply);
             if (value >= beta) return beta;
         }
         null_at_[ply] = false;
@@ -314,7 +318,9 @@ private:
             const auto after = child(g, move, ply, true);
             if (!after) return false;
             ++tried;
-            const auto value_in = [&](int low, int high) { return -search(*after, -high, -low, depth - 1, frame, below); };
+            const auto value_in = [&](int low, int high) {
+                return -search(*after, -high, -low, depth - 1, frame, below);
+            };
             int value = best_move ? value_in(alpha, alpha + 1) : value_in(alpha, beta);
             if (best_move && value > alpha && value < beta) value = value_in(alpha, beta);
             best = std::max(best, value);

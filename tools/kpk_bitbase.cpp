@@ -1,14 +1,13 @@
 // Solves king and pawn against king, and anneals and checks its files, all in the working directory.
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/file.h"
+#include "base/number.h"
 #include "board/zobrist.h"
 #include "kpk_check.h"
 #include "patterns/anneal.h"
@@ -49,19 +48,14 @@ bool anneal(std::uint64_t moves) {
     return run.list != nullptr && run.is_written;
 }
 
-std::optional<std::uint64_t> number(std::string_view text) {
-    std::uint64_t value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() && end == text.data() + text.size() ? std::optional(value) : std::nullopt;
-}
-
 bool run(std::span<const std::string_view> arguments) {
     draw_hash_numbers(1);
     const std::string_view task = arguments.empty() ? "" : arguments[0];
     if (arguments.empty()) return write_bitbase();
     if (arguments.size() == 1 && task == "check") return check();
     if (arguments.size() == 1 && task == "--help") return std::fputs(usage, stdout) >= 0;
-    const auto moves = arguments.size() == 2 && task == "anneal" ? number(arguments[1]) : std::nullopt;
+    const auto moves =
+        arguments.size() == 2 && task == "anneal" ? read_number<std::uint64_t>(arguments[1]) : std::nullopt;
     if (moves) return anneal(*moves);
     static_cast<void>(
         std::fputs("kpk_bitbase: expects nothing, `check`, or `anneal` with a number of moves; see --help\n", stderr));

@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <bitset>
-#include <charconv>
 #include <cstdio>
 #include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "base/number.h"
 
 namespace varn {
 
@@ -46,11 +47,8 @@ void take_out(Positions& positions, const Pattern& box) {
 }
 
 std::optional<std::uint32_t> half_of(std::string_view digits) {
-    std::uint32_t half = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), half);
     const bool is_plain = digits.size() == 1 || !digits.starts_with('0');
-    if (error != std::errc() || end != digits.data() + digits.size() || !is_plain) return std::nullopt;
-    return half;
+    return is_plain ? read_number<std::uint32_t>(digits) : std::nullopt;
 }
 
 /// All boards that a number may represent: its halves are written without a separator.

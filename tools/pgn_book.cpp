@@ -1,14 +1,13 @@
 // Builds an opening book from PGN games.
 //
 // The book is written after all games have been read, and replaces an old one atomically.
-#include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <optional>
 #include <string_view>
 
 #include "base/file.h"
+#include "base/number.h"
 #include "board/zobrist.h"
 #include "book_builder.h"
 
@@ -39,17 +38,9 @@ struct Options {
     std::string fault;  // empty if the options are valid
 };
 
-std::optional<int> number(std::string_view text, int most) {
-    int value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    const bool whole = error == std::errc() && end == text.data() + text.size();
-    return whole && value >= 1 && value <= most ? std::optional(value) : std::nullopt;
-}
-
 /// Reads a number from 1 to `most`, or records a fault.
 void take_number(const std::string& option, const std::string& text, int most, int& value, Options& options) {
-    const auto read = number(text, most);
-    if (read) {
+    if (const auto read = varn::read_number(text, 1, most)) {
         value = *read;
     } else {
         options.fault = option + " takes a number from 1 to " + std::to_string(most) + ", not \"" + text + "\"";

@@ -21,7 +21,9 @@ template <Side S> void toggle_rights(PositionKeys& keys, std::uint32_t lost) {
     if ((lost & queenside_right) != 0) keys ^= in_both(queenside_number<S>());
 }
 
-inline PositionKeys moved_piece(int from, int to, int code) { return zobrist_numbers[from][code] ^ zobrist_numbers[to][code]; }
+inline PositionKeys moved_piece(int from, int to, int code) {
+    return zobrist_numbers[from][code] ^ zobrist_numbers[to][code];
+}
 
 /// A pawn on `square` is replaced by the piece with this code.
 template <Side S> PositionKeys promoted_piece(int square, int code) {
@@ -87,7 +89,8 @@ template <Side S> PositionKeys change_of_keys(const Game& g, Move move) {
     return keys;
 }
 
-template <Side S, typename Visit> void visit_child_keys_of(const Game& g, const Move* move, const Move* end, Visit visit) {
+template <Side S, typename Visit>
+void visit_child_keys_of(const Game& g, const Move* move, const Move* end, Visit visit) {
     const PositionKeys passed = keys_of_next_turn(g);
     for (; move != end; ++move) visit(passed ^ change_of_keys<S>(g, *move));
 }

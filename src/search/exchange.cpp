@@ -34,8 +34,7 @@ template <Side S> int gain_of_capturing(const Game& g, Bitboard attackers, int t
     const int square = first_one(cheapest);
     const int risked = piece_values[g.cells[square]];
     if (prize - risked >= enough) return enough;
-    const int loss =
-        gain_of_capturing<other(S)>(g, without(g, attackers, square, target), target, risked, prize);
+    const int loss = gain_of_capturing<other(S)>(g, without(g, attackers, square, target), target, risked, prize);
     return std::max(0, prize - loss);
 }
 
@@ -43,7 +42,8 @@ template <Side S> int gain_of_capturing(const Game& g, Bitboard attackers, int t
 template <Side S> int gain_of(const Game& g, Move move, int least) {
     const Bitboard attackers = without(g, attackers_of(g, move.to), move.from, move.to);
     const int prize = piece_values[g.cells[move.to]];
-    return prize - gain_of_capturing<other(S)>(g, attackers, move.to, piece_values[g.cells[move.from]], prize - least + 1);
+    return prize -
+           gain_of_capturing<other(S)>(g, attackers, move.to, piece_values[g.cells[move.from]], prize - least + 1);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // The UCI engine; with `bench` on the command line, the signature of the search.
-#include <charconv>
 #include <cstdio>
 #include <string_view>
 
+#include "base/number.h"
 #include "base/output.h"
 #include "frontend/bench.h"
 #include "frontend/startup.h"
@@ -16,8 +16,8 @@ constexpr const char* help_text =
     "       varn-uci bench [DEPTH]   searches a dozen positions to the depth, 1 to 50, and prints nodes and speed\n"
     "       varn-uci --help | --version\n";
 
-int refuse_usage() {
-    static_cast<void>(std::fputs(help_text, stderr));
+int refuse(const char* what) {
+    static_cast<void>(std::fprintf(stderr, "varn-uci: expects %s; see --help\n", what));
     return 2;
 }
 
@@ -31,11 +31,8 @@ int bench(int depth) {
 }
 
 int bench(std::string_view depth_text) {
-    int depth = 0;
-    const char* const end = depth_text.data() + depth_text.size();
-    const auto [stopped_at, error] = std::from_chars(depth_text.data(), end, depth);
-    const bool is_depth = error == std::errc() && stopped_at == end && depth >= 1 && depth <= 50;
-    return is_depth ? bench(depth) : refuse_usage();
+    const auto depth = varn::read_number(depth_text, 1, varn::deepest_iteration);
+    return depth ? bench(*depth) : refuse("a depth from 1 to 50");
 }
 
 int speak_uci() {
@@ -56,13 +53,13 @@ int main(int argument_count, char** arguments) {
     if (argument_count == 1) return speak_uci();
     if (task == "bench" && argument_count == 2) return bench(varn::bench_depth);
     if (task == "bench" && argument_count == 3) return bench(std::string_view(arguments[2]));
-    if (argument_count > 2) return refuse_usage();
+    if (argument_count > 2) return refuse("nothing, bench, --help or --version");
     if (task == "--version") {
         varn::say("%.*s\n", static_cast<int>(varn::program_name.size()), varn::program_name.data());
     } else if (task == "--help") {
         varn::say_text(help_text);
     } else {
-        return refuse_usage();
+        return refuse("nothing, bench, --help or --version");
     }
     return 0;
 }

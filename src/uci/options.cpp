@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
-#include <optional>
 #include <utility>
 
 #include "base/memory.h"
+#include "base/number.h"
 #include "base/output.h"
 #include "frontend/command_line.h"
 #include "frontend/startup.h"
@@ -135,18 +134,12 @@ std::string_view without_blanks_around(std::string_view text) {
     return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
-std::optional<int> whole_number(std::string_view text) {
-    int number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
-}
-
 /// Stores the value; returns an error text, empty on success.
 std::string take_value(const Option& option, Options& values, std::string_view text) {
     if (option.number != nullptr) {
-        const auto number = whole_number(text);
         const int highest = option.highest();
-        if (!number || *number < option.lowest || *number > highest) {
+        const auto number = read_number(text, option.lowest, highest);
+        if (!number) {
             return "not a number from " + std::to_string(option.lowest) + " to " + std::to_string(highest);
         }
         values.*option.number = *number;

@@ -28,7 +28,9 @@ protected:
     void disturb() {
         switch (random.below(8)) {
             case 0: return start_game(engine), plain.clear();
-            case 1: return set_game_position(engine, known_positions[random.below(known_positions.size())].text), plain.clear();
+            case 1:
+                return set_game_position(engine, known_positions[random.below(known_positions.size())].text),
+                       plain.clear();
             case 2: return take_back_moves(engine, static_cast<int>(random.below(4))), plain.clear();
             case 3:
                 if (!in_check(*engine.game)) pass_turn(engine);

@@ -5,6 +5,7 @@ import contextlib
 import math
 import os
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -15,6 +16,7 @@ import threading
 from playing.process import CannotStart, Fault, kill_all
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+DEFAULT_BUILD = ROOT / "build/release"
 
 
 class Interrupted(BaseException):
@@ -42,6 +44,8 @@ def run_tool(main):
         os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
     except Fault as fault:
         said = str(fault)
+    except subprocess.CalledProcessError as error:
+        said = "%s ended with status %d" % (error.cmd[0], error.returncode)
     except OSError as error:
         said = "%s%s" % (error.filename + ": " if error.filename else "", error.strerror or error)
     finally:
@@ -93,6 +97,14 @@ def decimal(low, high):
     return number
 
 
+def regular_expression(text):
+    """Argument type."""
+    try:
+        return re.compile(text)
+    except re.error as error:
+        raise argparse.ArgumentTypeError("%s is not a regular expression: %s" % (text, error)) from None
+
+
 def option(text):
     """Argument type: NAME=VALUE."""
     name, equals, value = text.partition("=")
@@ -102,7 +114,7 @@ def option(text):
 
 
 def add_engine_options(parser):
-    parser.add_argument("--engine", type=pathlib.Path, default=ROOT / "build/release",
+    parser.add_argument("--engine", type=pathlib.Path, default=DEFAULT_BUILD,
                         help="the binary, or its folder")
     parser.add_argument("--data", type=pathlib.Path, default=ROOT / "data", help="folder with varn.ini and book.dat")
     parser.add_argument("--keep", type=pathlib.Path, help="keep games and logs in this folder")
@@ -114,6 +126,8 @@ def add_engine_options(parser):
 def find_engine(path, name):
     """The given binary, or the one of that name in the given folder."""
     engine = path.resolve()
+    if engine == DEFAULT_BUILD and not engine.is_dir():
+        raise CannotStart("Varn isn't built; cmake --preset release && cmake --build --preset release builds it")
     engine = engine / name if engine.is_dir() else engine
     if not os.access(engine, os.X_OK) or not engine.is_file():
         raise CannotStart("no such program: %s" % engine)
