@@ -20,40 +20,55 @@ public:
     /// As many slots as an engine's tables have with these sizes.
     explicit PlainSearch(const TableSizes& sizes)
         : slots_((std::uint64_t{1} << sizes.hash_bits) - 1),
-          quiet_slots_(static_cast<std::uint64_t>(sizes.qhash_bytes) / 40) {
-        EXPECT_TRUE(pawn_hash_allocate(eval_.pawns, sizes.phash_bytes));
+          quiet_slots_(static_cast<std::uint64_t>(sizes.qhash_bytes) / 40), pawn_bytes_(sizes.phash_bytes) {
+        clear_pawns();
     }
 
-    /// What a search to this depth tells, its move included. It stops when it comes to the last of `allowed` nodes.
-    std::string think(const Game& root, int depth, std::uint64_t allowed) {
-        const std::vector<Move> legal = every_legal_move(root);
-        if (legal.size() < 2) return legal.empty() ? "none\n" : move_text(legal[0]) + '\n';
-        told_.str("");
+    std::uint64_t nodes = 0;  // of the last iteration
+    bool time_is_up = false;  // so that the first look at the clock, at 16384 nodes, stops a search
+    std::string rows;         // told by searches, until it is emptied
+
+    /// Searches to this depth, or to the last of the allowed nodes, and returns the main line. There must be two moves.
+    std::vector<Move> think(const Game& root, int depth, std::uint64_t allowed = no_node_limit) {
         history_.clear();
         table_.clear();
-        pawn_hash_clear(eval_.pawns);
+        clear_pawns();
         main_line_.length = 0;
         main_line_.keys = {};
         eval_.root_material = root.w_material + root.b_material;
         eval_.w_trade_flag = eval_.b_trade_flag = false;
         stopped_ = false;
-        for (iteration_ = 1; iteration_ <= depth; ++iteration_) {
+        for (iteration_ = 1;; ++iteration_) {
             allowed_ = allowed;
-            nodes_ = quiet_nodes_ = 0;
-            for (auto& [slot, killers] : killers_) killers[0].count = killers[1].count = 0;
+            nodes = quiet_nodes_ = 0;
+            clear_killer_counts();
             root_score_ = root_score(root);
             if (root_score_ == aborted) break;
-            allowed -= std::min(allowed, nodes_);
+            allowed -= std::min(allowed, nodes);
             eval_.w_trade_flag = root.turn == Side::white && root_score_ >= 500;
             eval_.b_trade_flag = root.turn == Side::black && root_score_ >= 500;
-            tell(root_score_);
+            tell(root, root_score_);
+            if (iteration_ >= std::clamp(depth, 1, 50)) break;
         }
-        told_ << move_text(main_line_.length > 0 ? main_line_.moves[0] : legal[0]) << '\n';
-        return told_.str();
+        return {main_line_.moves.begin(), main_line_.moves.begin() + main_line_.length};
     }
 
-    /// For a new game or position. What a search clears anyway isn't told apart.
-    void clear() { quiet_table_.clear(); }
+    /// A search with the tables as they are, without setting the clock.
+    int search_on(const Game& root, int depth) {
+        main_line_ = {};
+        return search(root, -mate, mate, depth, {}, main_line_);
+    }
+
+    /// For a new game or position.
+    void clear() {
+        quiet_table_.clear();
+        history_.clear();
+        table_.clear();
+        clear_pawns();
+    }
+    void clear_killer_counts() {
+        for (auto& [slot, killers] : killers_) killers[0].count = killers[1].count = 0;
+    }
 
 private:
     static constexpr int aborted = 1000000, mate = 9999, widest = 19998;
@@ -90,19 +105,30 @@ private:
     // --- Nodes and scores ---------------------------------------------------------------------------------------------
 
     bool goes_on() {
-        stopped_ = stopped_ || nodes_ >= allowed_;
+        stopped_ = stopped_ || nodes >= allowed_ || (time_is_up && nodes % 16384 == 0);
         return !stopped_;
     }
     bool enter() {
         if (stopped_) return false;
-        ++nodes_;
+        ++nodes;
         return goes_on();
     }
 
-    void tell(int score) {
-        told_ << nodes_ << ' ' << quiet_nodes_ << ' ' << iteration_ << ' ' << score;
-        for (int i = 0; i < main_line_.length; ++i) told_ << ' ' << move_text(main_line_.moves[i]);
-        told_ << '\n';
+    /// As the console prints it, without the time. A line ends at its first illegal move.
+    void tell(const Game& root, int score) {
+        std::ostringstream row;
+        row << iteration_ << ' ' << score << ' ' << nodes << ' ' << quiet_nodes_;
+        Game game = root;
+        for (int i = 0; i < main_line_.length && is_valid_move(game, main_line_.moves[i]); ++i) {
+            row << ' ' << san_text(game, main_line_.moves[i]);
+            make_move(game, main_line_.moves[i]);
+        }
+        rows += row.str() + '\n';
+    }
+
+    void clear_pawns() {
+        eval_.pawns = {};
+        EXPECT_TRUE(pawn_hash_allocate(eval_.pawns, pawn_bytes_));
     }
 
     static bool is_mate(int score) { return score != aborted && std::abs(score) >= mate - 500 && std::abs(score) <= mate; }
@@ -330,7 +356,7 @@ private:
             std::copy_n(below.moves.begin(), below.length, line.moves.begin() + 1);
             std::copy_n(below.keys.begin(), below.length, line.keys.begin() + 1);
             line.length = below.length + 1;
-            if (ply == 0) tell(value);
+            if (ply == 0) tell(g, value);
             reward(g, move, depth, line_ply, value >= beta);
             if (value < beta) return false;
             store(g, depth, move, value, lower);
@@ -405,6 +431,7 @@ private:
     }
 
     const std::uint64_t slots_, quiet_slots_;
+    const std::int32_t pawn_bytes_;
     EvalContext eval_;
     std::map<std::tuple<Side, int, int>, int> history_;
     std::map<std::pair<Side, int>, std::array<Killer, 2>> killers_;
@@ -412,11 +439,10 @@ private:
     std::map<std::uint64_t, QuietEntry> quiet_table_;
     Line main_line_ = {};
     int root_score_ = 0, iteration_ = 0;
-    std::uint64_t nodes_ = 0, quiet_nodes_ = 0, allowed_ = 0;
-    bool stopped_ = false;
+    std::uint64_t quiet_nodes_ = 0, allowed_ = no_node_limit;
+    bool stopped_ = true;
     std::map<int, bool> null_at_;
     std::array<int, 200> captured_ = {}, moved_to_ = {};
-    std::ostringstream told_;
 };
 
 }  // namespace varn
