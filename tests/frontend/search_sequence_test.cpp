@@ -16,11 +16,12 @@ namespace {
 
 /// What the searches decide: rows without the time, and moves.
 std::string search_output(const std::string& text) {
-    static const std::regex row("^ *(\\d+) +(-?\\d+) +\\d+ +(\\d+) +(\\d+)"), blanks(" +");
+    static const std::regex row("^ *(\\d+) +(-?\\d+) +\\d+ +(\\d+) +(\\d+)"), prompt("^Varn> "), blanks(" +");
     static const std::regex wanted("\\d.*|my move is.*|I recommend.*|score is.*");
     std::string output;
     for (const std::string& line : split(text, "\n")) {
-        std::string plain = std::regex_replace(std::regex_replace(line, row, "$1 $2 $3 $4"), blanks, " ");
+        std::string plain = std::regex_replace(line, prompt, "");
+        plain = std::regex_replace(std::regex_replace(plain, row, "$1 $2 $3 $4"), blanks, " ");
         if (plain.ends_with(' ')) plain.pop_back();
         if (std::regex_match(plain, wanted)) output += plain + '\n';
     }

@@ -221,55 +221,5 @@ TEST(UciGo, MultiPvGivesTheBestLines) {
     }
 }
 
-TEST(UciGo, SearchmovesWithoutALegalMoveAreIgnored) {
-    UciSession session;
-    const std::string said = session.search("go depth 2 searchmoves e2e5 e7e5 a1a1");
-    EXPECT_TRUE(said.starts_with("info string illegal move: e2e5\ninfo string illegal move: e7e5\n")) << said;
-    expect_sound_search(*session.uci.game, said);
-    EXPECT_EQ(best_move_in(session.search("go searchmoves a2a3 depth 2 searchmoves h2h4")), "h2h4");
-}
-
-TEST(UciGo, MateScoresAreInMovesForTheSideToMove) {
-    UciSession session;
-    for (const auto& [text, depth, score] : {std::tuple{"6k1/5ppp/8/8/8/8/8/R3K3 w - -", 3, "mate 1"},
-                                             {"7k/8/5K2/8/8/8/8/6R1 w - -", 5, "mate 2"},
-                                             {"7k/5K2/8/8/8/8/8/6R1 b - -", 4, "mate -1"}}) {
-        for (const std::string& position : {std::string(text), mirrored_text(text)}) {
-            const std::string said = session.search(fen_line(position) + "; go depth " + std::to_string(depth));
-            const auto last = last_lines(said);
-            ASSERT_EQ(last.size(), 1U) << said;
-            EXPECT_TRUE(last[0].is_mate) << position << '\n' << said;
-            EXPECT_EQ("mate " + std::to_string(last[0].score), score) << position;
-            // A mate search ends with the mate, and its line leads there.
-            if (last[0].score <= 0) continue;
-            const std::string found = session.search("go mate " + std::to_string(last[0].score));
-            EXPECT_EQ(last_lines(found).at(0).score, last[0].score) << found;
-            EXPECT_EQ(last_lines(found)[0].pv.size(), 2U * static_cast<unsigned>(last[0].score) - 1) << found;
-        }
-    }
-    // Centipawns, too, are for the side to move.
-    for (const auto& [position, sign] :
-         {std::pair{"4k3/pppp4/8/8/8/8/PPPP4/Q3K3 w - -", 1}, {"4k3/pppp4/8/8/8/8/PPPP4/Q3K3 b - -", -1}}) {
-        for (const std::string& text : {std::string(position), mirrored_text(position)}) {
-            const auto last = last_lines(session.search(fen_line(text) + "; go depth 2"));
-            EXPECT_GT(last.at(0).value() * sign, 300) << text;
-        }
-    }
-}
-
-// --- Draws by game history ------------------------------------------------------------------------------------------
-
-TEST(UciGo, RepetitionsAndFiftyMovesIncludeTheGameHistory) {
-    UciSession session;
-    const auto score_of = [&](const std::string& lines) { return last_lines(session.search(lines)).at(0).value(); };
-    EXPECT_GT(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 98 60; go depth 1"), 200);
-    EXPECT_EQ(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 99 60; go depth 1"), 0);
-    EXPECT_EQ(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 97 60 moves a1a2 e8d8; go depth 1"), 0);
-    EXPECT_EQ(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 254 60; go depth 1"), 0);
-    const std::string to_and_fro = "position fen 4k3/8/8/8/8/8/8/R3K3 w - - 0 1 moves a1a2 e8d8 a2a1 d8e8";
-    EXPECT_EQ(score_of(to_and_fro + "; go depth 1 searchmoves a1a2"), 0);
-    EXPECT_GT(score_of(to_and_fro + "; go depth 1 searchmoves a1a3"), 200);
-}
-
 }  // namespace
 }  // namespace varn

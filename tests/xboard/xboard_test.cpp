@@ -163,29 +163,5 @@ TEST(Xboard, WithoutASecondThreadItExitsWithAMessage) {
     EXPECT_EQ(outcome.status, 1);
 }
 
-// --- A whole game ---------------------------------------------------------------------------------------------------
-
-TEST(Xboard, PlaysAGameAgainstItselfOnTheClock) {
-    constexpr int moves_per_control = 10, plies = 60;
-    constexpr milliseconds base(500), hold_up(5000);  // tolerance for busy machines
-    Partner partner;
-    partner.answer("new; level 10 0:01 0");
-    milliseconds clock = base;
-    auto game = new_game();
-    for (int ply = 0; ply < plies && protocol_status(*game) == GameStatus::goes_on; ++ply) {
-        const auto started = steady_clock::now();
-        partner.process().send("time " + std::to_string(clock.count() / 10) + "\ngo\n");
-        partner.process().read_until("move ");
-        const std::string line = partner.process().read_until("\n");
-        clock -= std::chrono::duration_cast<milliseconds>(steady_clock::now() - started);
-        EXPECT_GE(clock, -hold_up) << "lost on time at ply " << ply;
-        clock = std::max(clock, milliseconds(10));
-        if (ply % moves_per_control == moves_per_control - 1) clock += base;
-        const Move move = parse_move(*game, line);
-        ASSERT_TRUE(is_valid_move(*game, move)) << line << position_text(*game);
-        play_move(*game, move);
-    }
-}
-
 }  // namespace
 }  // namespace varn
