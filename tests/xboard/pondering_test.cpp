@@ -104,13 +104,18 @@ TEST(Ponder, EndsWithTheGame) {
 // --- The clock ------------------------------------------------------------------------------------------------------
 
 TEST(Ponder, HitsAndMissesKeepToTheTime) {
-    constexpr milliseconds limit(400), slack(300);
+    constexpr milliseconds limit(400), slack(250);
     std::map<std::string, milliseconds> shortest;
-    for (int attempt = 0; attempt < 3; ++attempt) {
+    const auto is_in_time = [&](const auto& answer) {
+        const milliseconds due(std::stoi(answer.first));
+        return answer.second >= due - milliseconds(25) && answer.second <= due + slack;
+    };
+    for (int attempt = 0; attempt < 5; ++attempt) {
         Partner partner;
         Process& engine = partner.process();
         std::string expected = "e2e4\n";
         const auto answer = [&](const std::string& kind, const std::string& line) {
+            if (line.empty()) return;  // a stopped search doesn't always expect a reply
             const auto started = steady_clock::now();
             engine.send(line);
             engine.read_until("move ");
@@ -118,25 +123,22 @@ TEST(Ponder, HitsAndMissesKeepToTheTime) {
             shortest[kind] = std::min(taken, shortest.contains(kind) ? shortest[kind] : taken);
             engine.send("ping\n");
             const std::string said = engine.read_until("????\n");
-            const std::size_t found = said.find("pondering: ");  // a stopped search doesn't always expect a reply
+            const std::size_t found = said.find("pondering: ");
             expected = found == std::string::npos ? "" : said.substr(found + 11, said.find('\n', found) - found - 10);
         };
         engine.send("level 40 5 0\ntime 1602\n");
         answer("400 in the first search", expected);
-        if (!expected.empty()) answer("400 after a hit, by the last budget", expected);
+        answer("400 after a hit, by the last budget", expected);
         engine.send("time 1522\n");  // for 38 moves
         std::this_thread::sleep_for(limit * 3 / 4);
-        if (!expected.empty()) answer("100 after a hit near its time", expected);
+        answer("100 after a hit near its time", expected);
         engine.send("time 1482\n");
         std::this_thread::sleep_for(limit + milliseconds(50));
-        if (!expected.empty()) answer("0 after a hit past its time", expected);
-        if (!expected.empty()) answer("400 after a miss", expected == "a2a3\n" ? "h2h3\n" : "a2a3\n");
+        answer("0 after a hit past its time", expected);
+        answer("400 after a miss", expected.empty() ? "" : expected == "a2a3\n" ? "h2h3\n" : "a2a3\n");
+        if (shortest.size() == 5 && std::ranges::all_of(shortest, is_in_time)) return;
     }
-    EXPECT_EQ(shortest.size(), 5U);
-    for (const auto& [kind, time] : shortest) {
-        const milliseconds due(std::stoi(kind));
-        EXPECT_TRUE(time >= due - milliseconds(25) && time <= due + slack) << kind << ": " << time.count();
-    }
+    for (const auto& [kind, time] : shortest) ADD_FAILURE() << "not " << kind << ": " << time.count();
 }
 
 // --- Random dialogues -----------------------------------------------------------------------------------------------

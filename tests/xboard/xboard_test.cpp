@@ -37,8 +37,8 @@ TEST(Xboard, PonderingIsASetting) {
     Files files = default_files();
     files["varn.ini"] += "pondering 0\n";
     Partner("", files).expect(
-        "> sd 1; e2e4; new; sd 1; e2e4\nmove e7e6\nmove e7e6\n> hard; d2d4\nmove d7d5\npondering enabled\n"
-        "> new; sd 1; e2e4\nmove e7e6\npondering enabled\n");
+        "> sd 1; e2e4; new; sd 1; e2e4\nmove g8f6\nmove g8f6\n> hard; d2d4\nmove f6e4\npondering enabled\n"
+        "> new; sd 1; e2e4\nmove g8f6\npondering enabled\n");
 }
 
 TEST(Xboard, SurvivesArbitraryBytes) {
