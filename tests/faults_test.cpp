@@ -38,13 +38,15 @@ TEST(Faults, StartNeedsSettingsAndMemory) {
         {"none", {{"varn.ini", "phash -1"}}, "error:  cannot allocate -1 bytes for pawn hash tables.\n"},
         {"memory", {{"varn.ini", "hash 21"}}, no_hash},
         {"memory", {{"varn.ini", "hash 9\nqhash 100000000"}}, "error: out of memory.\n"},
-        {"memory", {{"varn.ini", "hash 9\nqhash 40\nphash 50000000"}},
+        {"memory",
+         {{"varn.ini", "hash 9\nqhash 40\nphash 50000000"}},
          "error:  cannot allocate 50000000 bytes for pawn hash tables.\n"},
         {"none", {{"varn.ini", "hash 30"}}, no_hash},  // more than the machine has
     };
     for (const auto& [name, files, output] : cases) {
         if (name == std::string("memory") && !std::string_view(VARN_SANITIZERS).empty()) continue;  // has an allocator
-        if (files.contains("varn.ini") && files.at("varn.ini") == "hash 30" && physical_memory_bytes() >> 35 != 0) continue;
+        if (files.contains("varn.ini") && files.at("varn.ini") == "hash 30" && physical_memory_bytes() >> 35 != 0)
+            continue;
         const Fault fault(name);
         const Outcome outcome = run_console("runsuite suite log\n", files);
         EXPECT_EQ(outcome.output, output);
@@ -71,17 +73,18 @@ TEST(Faults, EachStartDrawsOtherRandomNumbers) {
 
 TEST(Faults, SlowReadersAndSignalsLoseNothing) {
     const std::string help = run_console("help\n").output, prompt = "Varn> ";
-    const std::string empty = "8/8/8/8/8/8/8/8 w - - " + std::string(300000, 'x') + '\n';  // one text, larger than a pipe
+    const std::string empty =
+        "8/8/8/8/8/8/8/8 w - - " + std::string(300000, 'x') + '\n';  // one text, larger than a pipe
     Files files = default_files();
     files["suite"] = empty;
     const std::pair<std::string, std::string> cases[] = {
         {repeated(600, "help\n"), repeated(600, help.substr(0, help.size() - prompt.size())) + prompt},
         {"xboard\n" + repeated(30000, "ping\n"), prompt + '\n' + repeated(30000, "Illegal Move: ????\n")},
-        {"runsuite suite log\n", prompt + "running test suite: suite\n\nTest position #1: " + empty +
-                                     std::string(unplayable_text) +
-                                     "Test #1: Failure.\n\n0/1 problems solved.\n\nTest suite complete.\n  0/1 problems "
-                                     "solved.\n\n" +
-                                     prompt},
+        {"runsuite suite log\n",
+         prompt + "running test suite: suite\n\nTest position #1: " + empty + std::string(unplayable_text) +
+             "Test #1: Failure.\n\n0/1 problems solved.\n\nTest suite complete.\n  0/1 problems "
+             "solved.\n\n" +
+             prompt},
     };
     for (const char* name : {"none", "ends that don't wait", "interrupted calls"}) {
         for (const Link link : {Link::pipes, Link::sockets}) {

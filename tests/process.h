@@ -36,8 +36,7 @@ inline constexpr std::chrono::milliseconds patience = std::chrono::minutes(2);
 
 /// Whether the act takes no less than the first time, and at least once in five attempts no more than the second: other
 /// processes use the machine, too. Sanitizers get more time.
-template <typename Act>
-bool is_done_within(std::chrono::milliseconds least, std::chrono::milliseconds most, Act act) {
+template <typename Act> bool is_done_within(std::chrono::milliseconds least, std::chrono::milliseconds most, Act act) {
     if (!std::string_view(VARN_SANITIZERS).empty()) most += 5 * (most - least);
     for (int attempt = 0; attempt < 5; ++attempt) {
         const auto started = std::chrono::steady_clock::now();

@@ -42,13 +42,12 @@ int terms_of_its_own(const Game& game) {
 
 TEST(Evaluate, TermsMatchTheirTable) {
     const std::map<std::string, int (*)(const Game&)> terms = {
-        {"placement", piece_placement}, {"own", terms_of_its_own}, {"pawns", fresh_pawn_terms},
-        {"known_pawns", known_pawn_terms}, {"shelter", king_shelter}, {"attack", king_attack},
+        {"placement", piece_placement}, {"own", terms_of_its_own},
+        {"pawns", fresh_pawn_terms},    {"known_pawns", known_pawn_terms},
+        {"shelter", king_shelter},      {"attack", king_attack},
         {"danger", attack_eval}};
-    const std::map<std::string, int (*)(const Game&, int)> square_terms = {{"control", square_control},
-                                                                           {"rook", rook_mobility},
-                                                                           {"bishop", bishop_mobility},
-                                                                           {"knight", knight_mobility}};
+    const std::map<std::string, int (*)(const Game&, int)> square_terms = {
+        {"control", square_control}, {"rook", rook_mobility}, {"bishop", bishop_mobility}, {"knight", knight_mobility}};
     std::set<std::string> seen;
     for (const auto& row : table_rows("evaluation.txt")) {
         const std::string &term = row.at(0), text = full_text(row.at(1));

@@ -1,13 +1,12 @@
 // The tables of an engine before its first search. What it does between searches is compared with a reference: see
 // reference_test.cpp.
-#include "frontend/engine.h"
-
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
 
+#include "frontend/engine.h"
 #include "positions.h"
 #include "small_engine.h"
 

@@ -1,9 +1,8 @@
 // The status of games: each reason for their end, and what the search, the console and the protocol make of it.
-#include "frontend/game_report.h"
-
 #include <map>
 
 #include "dialogue.h"
+#include "frontend/game_report.h"
 #include "positions.h"
 #include "search/quiesce.h"
 
@@ -14,8 +13,10 @@ using enum GameStatus;
 
 std::string reasons_in(const Game& game) {
     static const std::pair<GameStatus, const char*> reasons[] = {
-        {mate, " mate"},      {stalemate, " stalemate"},    {fifty_moves, " fifty"}, {insufficient_material, " material"},
-        {repetition, " second"}, {third_repetition, " third"}, {full_record, " full"},  {goes_on, " none"}};
+        {mate, " mate"},         {stalemate, " stalemate"},
+        {fifty_moves, " fifty"}, {insufficient_material, " material"},
+        {repetition, " second"}, {third_repetition, " third"},
+        {full_record, " full"},  {goes_on, " none"}};
     std::string found;
     for (const auto& [reason, name] : reasons) found += is_over_by(game, reason) ? name : "";
     return found.empty() ? "-" : found.substr(1);

@@ -181,7 +181,7 @@ std::string any_lines(RandomSource& random, const Session& session) {
         return "back " + std::to_string(back);
     }
     if (choice == 6) return "time 0; ply 50";
-    if (choice == 7) return "time 100000000; " + short_ply;
+    if (choice == 7) return "time " + std::string(back == 0 ? "-1; " : "100000000; ") + short_ply;  // -1 is 49 days
     if (choice == 8 && (session.is_hurried() || popcount(occupied(game)) < 6)) return "nm";
     if (choice == 9) return "nodes " + std::to_string(1 + random.below(3000));
     return choice < 14 ? "hint" : move_text(legal[random.below(legal.size())]);

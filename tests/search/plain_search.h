@@ -117,7 +117,8 @@ private:
         rows += row.str() + '\n';
     }
 
-    // --- Scores and moves ---------------------------------------------------------------------------------------------
+    // --- Scores and moves
+    // ---------------------------------------------------------------------------------------------
 
     static int balance(const Game& g) { return g.turn == Side::white ? g.material : -g.material; }
     static bool is_mate(int score) { return std::abs(score) >= mate - 500 && std::abs(score) <= mate; }
@@ -159,7 +160,8 @@ private:
         return *place;
     }
 
-    // --- Tables -------------------------------------------------------------------------------------------------------
+    // --- Tables
+    // -------------------------------------------------------------------------------------------------------
 
     Entry& slot(PositionKeys keys) { return table_[keys.key % ((std::uint64_t{1} << sizes_.hash_bits) - 1)]; }
     Entry& quiet_slot(const Game& g) {
@@ -196,7 +198,8 @@ private:
         }
     }
 
-    // --- The search ---------------------------------------------------------------------------------------------------
+    // --- The search
+    // ---------------------------------------------------------------------------------------------------
 
     int root_score(const Game& root) {
         const int alpha = root_score_ - 50, beta = root_score_ + 50;
@@ -303,7 +306,9 @@ private:
         visit_moves(g, line_ply, depth, beta, first, [&](Move move) {
             const auto after = child(g, move, ply, true);
             if (!after) return false;
-            const auto value_in = [&](int low, int high) { return -search(*after, -high, -low, depth - 1, next, below); };
+            const auto value_in = [&](int low, int high) {
+                return -search(*after, -high, -low, depth - 1, next, below);
+            };
             int value = best_move ? value_in(alpha, alpha + 1) : value_in(alpha, beta);
             if (best_move && value > alpha && value < beta) value = value_in(alpha, beta);
             best = std::max(best, value);

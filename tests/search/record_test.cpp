@@ -1,4 +1,4 @@
-// The search record: independence of searches, and clearing for new games and positions.
+// Two searches side by side share nothing.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -47,14 +47,6 @@ TEST(SearchThreads, ConcurrentSearchesGiveTheSameResults) {
         EXPECT_EQ(together[i], alone[i]);
         EXPECT_GT(std::ranges::count(alone[i], '\n'), 20);
     }
-}
-
-TEST(SearchRecord, NamesTheTableThatCannotBeAllocated) {
-    const auto s = new_search();
-    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 31}), TableFault::transposition);
-    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 4, .qhash_bytes = 0}), TableFault::quiescence);
-    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 4, .qhash_bytes = 40, .phash_bytes = -1}), TableFault::pawns);
-    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 4, .qhash_bytes = 40, .phash_bytes = 16}), TableFault::none);
 }
 
 }  // namespace

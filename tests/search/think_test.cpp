@@ -1,5 +1,5 @@
-// Complete searches: limits, listener calls, and the signature of the search. Scores, lines and node counts are compared
-// with a reference: see reference_test.cpp.
+// Complete searches: limits, listener calls, and the signature of the search. Scores, lines and node counts are
+// compared with a reference: see reference_test.cpp.
 #include <gtest/gtest.h>
 
 #include "search/think.h"
@@ -17,7 +17,8 @@ protected:
 
 /// A different number means that the engine plays differently.
 TEST_F(Think, ItsSignatureStands) {
-    think_to(*game_from("r1bq2r1/b4pk1/p1pp1p2/1p2pP2/1P2P1PB/3P4/1PPQ2P1/R3K2R w KQ -"), 4);  // the next aspiration window depends on this score
+    think_to(*game_from("r1bq2r1/b4pk1/p1pp1p2/1p2pP2/1P2P1PB/3P4/1PPQ2P1/R3K2R w KQ -"),
+             4);  // the next aspiration window depends on this score
     qhash_clear(qtable);
     s.killers = {};
     std::uint64_t all_nodes = 0;
@@ -26,18 +27,6 @@ TEST_F(Think, ItsSignatureStands) {
         all_nodes += s.search_nodes;
     }
     EXPECT_EQ(all_nodes, 6250635U);
-}
-
-TEST_F(Think, StoppedSearchesGiveALegalMove) {
-    for (const KnownPosition& known : known_positions) {
-        for (const int limit : {0, 1, 5}) {
-            s.clock.time_limit_ms = limit;
-            const auto game = game_from(known.text);
-            const auto move = think_to(*game, deepest_iteration);
-            ASSERT_TRUE(move);
-            EXPECT_TRUE(is_valid_move(*game, *move)) << known.text;
-        }
-    }
 }
 
 TEST_F(Think, StoppedWithoutALineGivesTheFirstLegalMove) {
@@ -51,22 +40,6 @@ TEST_F(Think, StoppedWithoutALineGivesTheFirstLegalMove) {
     stop_clock(s.clock);
     EXPECT_EQ(think(s, *game, {.clock_runs = true}, {}), every_legal_move(*game)[0]);
     EXPECT_FALSE(is_running(s.clock));
-}
-
-TEST_F(Think, ForcedMovesAndFinishedGamesAreNotSearched) {
-    for (const auto& [text, forced] : {std::pair{"7k/8/8/8/8/8/r7/7K w - -", "h1g1"},
-                                       {"7k/8/8/8/8/6q1/r7/7K w - -", ""},
-                                       {"k7/8/8/8/8/8/r4q2/7K w - -", ""}}) {
-        s.predicted_move = Move{e1, e8, kind_quiet};
-        bool told = false;
-        SearchListener listener;
-        listener.search_started = [&] { told = true; };
-        const auto move = think_to(*game_from(text), deepest_iteration, listener);
-        EXPECT_EQ(move ? move_text(*move) : "", forced) << text;
-        EXPECT_FALSE(told);
-        EXPECT_FALSE(s.predicted_move);
-        EXPECT_EQ(s.nodes, 0U);
-    }
 }
 
 TEST_F(Think, ExcludedRootMovesAreNeitherSearchedNorStored) {
@@ -105,6 +78,16 @@ TEST_F(Think, ReportsEachIterationAndEachBetterLine) {
     };
     think_to(*game_from(start_text), 4, listener);
     EXPECT_EQ(order, "sl1l2l3l4f");
+}
+
+TEST_F(Think, RestartingTheClockCountsFromNowButDoesNotStart) {
+    s.clock.clock_start_ms = clock_ms() - 1000;
+    s.clock.time_limit_ms = 10;
+    restart_clock(s.clock, 600000);
+    EXPECT_TRUE(clock_ok_now(s.clock));
+    stop_clock(s.clock);
+    restart_clock(s.clock, 600000);
+    EXPECT_FALSE(is_running(s.clock)) << "a search that has begun to end must not go on";
 }
 
 }  // namespace
