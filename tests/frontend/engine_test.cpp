@@ -1,5 +1,5 @@
-// The tables of an engine before its first search. What it does between searches is compared with a reference: see
-// reference_test.cpp.
+// The tables of an engine before its first search. What it does between searches is compared with a plain search: see
+// search_sequence_test.cpp.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
-// The ends of the per-ply arrays and of the number ranges. All else is compared with a reference: see
-// reference_test.cpp.
+// The ends of the per-ply arrays and of the number ranges. All else is compared with a plain search: see
+// search_sequence_test.cpp.
 #include <gtest/gtest.h>
 #include <pthread.h>
 

@@ -1,5 +1,5 @@
 // Complete searches: limits, listener calls, and the signature of the search. Scores, lines and node counts are
-// compared with a reference: see reference_test.cpp.
+// compared with a plain search: see search_sequence_test.cpp.
 #include <gtest/gtest.h>
 
 #include "search/think.h"
