@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -30,14 +31,16 @@ void close_end(int& end) {
     end = -1;
 }
 
-/// A close-on-exec pipe: an end inherited by another process would hide the end of input.
+/// Closed on exec: an end inherited by another process would hide the end of input.
 struct Pipe {
     int read_end = -1;
     int write_end = -1;
 
-    Pipe() {
+    explicit Pipe(Link link) {
         std::array<int, 2> ends{};
-        if (pipe2(ends.data(), O_CLOEXEC) != 0) refuse("pipe");
+        const int made = link == Link::pipes ? pipe2(ends.data(), O_CLOEXEC)
+                                             : socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data());
+        if (made != 0) refuse("pipe");
         read_end = ends[0];
         write_end = ends[1];
     }
@@ -74,9 +77,9 @@ const Files& default_files() {
     return files;
 }
 
-Process::Process(const Files& files, const char* program) {
+Process::Process(const Files& files, const char* program, Link link) {
     for (const auto& [name, content] : files) folder_.write(name, content);
-    start(program);
+    start(program, link);
 }
 
 Process::~Process() {
@@ -85,9 +88,9 @@ Process::~Process() {
     close_end(output_);
 }
 
-void Process::start(const char* program) {
-    Pipe input;
-    Pipe output;
+void Process::start(const char* program, Link link) {
+    Pipe input(link);
+    Pipe output(link);
     // Writing to an engine that has exited is an error, not a signal.
     std::signal(SIGPIPE, SIG_IGN);
     const std::string folder = folder_.path_to(".");

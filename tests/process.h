@@ -34,6 +34,22 @@ const Files& default_files();
 /// Timeout of a test, far longer than needed.
 inline constexpr std::chrono::milliseconds patience = std::chrono::minutes(2);
 
+/// Whether the act takes no less than the first time, and at least once in five attempts no more than the second: other
+/// processes use the machine, too. Sanitizers get more time.
+template <typename Act> bool is_done_within(std::chrono::milliseconds least, std::chrono::milliseconds most, Act act) {
+    if (!std::string_view(VARN_SANITIZERS).empty()) most += 5 * (most - least);
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        const auto started = std::chrono::steady_clock::now();
+        act();
+        const auto taken = std::chrono::steady_clock::now() - started;
+        if (taken < least || taken <= most) return taken >= least;
+    }
+    return false;
+}
+
+/// What connects a process with the test.
+enum class Link { pipes, sockets };
+
 struct Outcome {
     std::string output;
     int status;  // exit status, or minus the signal number
@@ -42,7 +58,8 @@ struct Outcome {
 class Process {
 public:
     /// Starts the engine or another program in a temporary folder with the files. Its standard error is the test's own.
-    explicit Process(const Files& files = default_files(), const char* program = VARN_EXECUTABLE);
+    explicit Process(const Files& files = default_files(), const char* program = VARN_EXECUTABLE,
+                     Link link = Link::pipes);
     /// Kills the engine if it still runs and removes the folder.
     ~Process();
     Process(const Process&) = delete;
@@ -81,7 +98,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    void start(const char* program);
+    void start(const char* program, Link link);
     void limit(int resource, std::size_t bytes);
     bool exchange(Clock::time_point deadline);
     void write_pending();

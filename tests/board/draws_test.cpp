@@ -27,20 +27,6 @@ TEST(Draws, RepetitionsCountSinceTheLastIrreversibleMove) {
     EXPECT_EQ(is_repetition(*game) + is_third_repetition(*game), 1);
 }
 
-TEST(Draws, InsufficientMaterial) {
-    constexpr std::pair<const char*, bool> cases[] = {
-        {"", true},    {"B", true},   {"n", true},   {"Bn", true},   {"Nb", true},
-        {"BB", false}, {"NN", false}, {"bn", false}, {"Bnn", false}, {"P", false},
-        {"p", false},  {"R", false},  {"r", false},  {"Q", false},   {"q", false},
-    };
-    for (const auto& [pieces, is_draw] : cases) {
-        const std::string rank(pieces);
-        const auto game = game_from("4k3/8/8/8/" + rank + std::to_string(8 - rank.size()) + "/8/8/4K3 w - -");
-        EXPECT_EQ(insufficient_material(*game), is_draw) << pieces;
-        EXPECT_EQ(draw_by_rule(*game), is_draw) << pieces;
-    }
-}
-
 struct Counts {
     int by_material = 0, by_fifty = 0, by_repetition = 0, promotions = 0;
 };

@@ -142,33 +142,5 @@ TEST(Make, MakeAndUnmakeMatchTheModelInRandomGames) {
     for (const auto& [kind, times] : seen) EXPECT_GT(times, 5) << kind;
 }
 
-/// Preconditions are asserted in debug builds only.
-TEST(MakeDeathTest, AssertsItsPreconditions) {
-#ifdef NDEBUG
-    GTEST_SKIP() << "built without assertions";
-#endif
-    const auto game = game_from("4k3/8/8/8/8/8/4Q3/4K3 w - -");
-    constexpr int e2 = e1 + 8;
-    for (const Move move :
-         {Move{h1, g1, kind_quiet}, Move{e2, e1, kind_capture}, Move{e2, e8, kind_capture}, Move{e2, e2, kind_quiet}}) {
-        EXPECT_DEATH(make_move(*game, move), "ssert") << move_text(move);
-    }
-    pop_keys(*game);
-    EXPECT_DEATH(pop_keys(*game), "ssert");
-}
-
-TEST(Make, FullRecordRefusesMoves) {
-    auto game = new_game();
-    game->move_counter = max_game_moves - 1;
-    game->draw_hash_count = max_game_moves;
-    EXPECT_TRUE(play_move(*game, {e1 + 8, e1 + 24, kind_double_step}));
-    EXPECT_TRUE(record_is_full(*game));
-    EXPECT_EQ(game->draw_hash[max_game_moves], keys_of(*game));
-    const auto before = std::make_unique<Game>(*game);
-    EXPECT_FALSE(play_move(*game, {e8 - 8, e8 - 24, kind_double_step}));
-    add_game_move(*game, {e8 - 8, e8 - 24, kind_double_step});
-    EXPECT_TRUE(*game == *before);
-}
-
 }  // namespace
 }  // namespace varn

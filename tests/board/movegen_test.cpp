@@ -1,4 +1,4 @@
-// Move generation: published perft counts, castling rules, and the order of the stages.
+// Move generation: published perft counts, and the order of the stages.
 #include <gtest/gtest.h>
 
 #include "board/movegen.h"
@@ -32,35 +32,7 @@ TEST(MoveCounts, MatchPublishedValuesAlsoMirrored) {
         EXPECT_EQ(count_leaves(*game, depth), leaves) << text;
         EXPECT_EQ(count_leaves(*mirrored, depth - 1), count_leaves(*game, depth - 1)) << text;
     }
-}
-
-std::string joined(const std::vector<Move>& moves) {
-    std::string text;
-    for (const Move move : moves) text += (text.empty() ? "" : " ") + move_text(move);
-    return text;
-}
-
-TEST(Generation, CastlingRules) {
-    constexpr std::pair<const char*, std::string_view> cases[] = {
-        // ranks 4 to 1, castling moves generated
-        {"8/8/8/R3K2R", "e1g1 e1c1"},  {"4r3/8/8/R3K2R", ""},           // in check
-        {"5r2/8/8/R3K2R", "e1c1"},     {"6r1/8/8/R3K2R", "e1c1"},       // f1 or g1 attacked
-        {"3r4/8/8/R3K2R", "e1g1"},     {"2r5/8/8/R3K2R", "e1g1"},       // d1 or c1
-        {"7r/8/8/R3K2R", "e1g1 e1c1"}, {"1r6/8/8/R3K2R", "e1g1 e1c1"},  // h1 and b1 don't matter
-        {"8/8/7p/R3K2R", "e1c1"},      {"8/8/8/R3KB1R", "e1c1"},        // pieces in the way
-        {"8/8/8/R3K1nR", "e1c1"},      {"8/8/8/RN2K2R", "e1g1"},
-        {"8/8/8/R1b1K2R", "e1g1"},     {"8/8/8/R2QK2R", "e1g1"},
-    };
-    for (const auto& [ranks, expected] : cases) {
-        const std::string text = std::string("4k3/8/8/8/") + ranks + " w KQ -";
-        std::string on_the_eighth(expected);
-        std::ranges::replace(on_the_eighth, '1', '8');
-        for (const bool mirrored : {false, true}) {
-            auto moves = pseudo_legal_moves(*game_from(mirrored ? mirrored_text(text) : text));
-            std::erase_if(moves, [](Move move) { return !is_castling(move.kind); });
-            EXPECT_EQ(joined(moves), mirrored ? on_the_eighth : expected) << text;
-        }
-    }
+    EXPECT_EQ(count_leaves(*game_from("r3k2r/8/8/8/8/8/8/R3K2R w KQkq -"), 4), 314346U) << "castling of all kinds";
 }
 
 TEST(Generation, AllMovesEqualTheStagesInOrder) {

@@ -1,22 +1,23 @@
 #!/usr/bin/env python3
-"""Runs the examples in the documents against the built programs, and compares what they print.
+"""Runs the examples in the documents with the built programs and compares the output.
 
-    tests/docs/docs_test.py build/release                     every document
-    tests/docs/docs_test.py build/release docs/console.md     this one
+    tests/docs/docs_test.py build/release                     all documents
+    tests/docs/docs_test.py build/release docs/console.md     one document
 
-Fenced blocks are told apart by the word behind the fence:
+The word after the fence of a code block says what kind it is:
 
-    console   `$ ` begins a command for bash, `Varn> ` one for the console; what follows is what it prints
-    xboard    `> ` begins a line for the engine in the xboard protocol; other lines are its answers
+    console   a line with `$ ` is a command for bash, one with `Varn> ` a command for the console; its output follows
+    xboard    a line with `> ` is sent to the engine in the xboard protocol; its answers follow
     uci       the same for varn-uci
-    sh        commands that build, or run for long: their programs, options and presets must exist
+    sh        commands that are not run: only their programs, options and presets must exist
 
-`...` on a line stands for any number of lines, and within a line for any text. Times, rates, node counts and hash
-numbers may differ. In a block marked `any-move`, Varn's moves and lines may differ, too. A block marked `setup` comes before
-each row of the tables below it. In a table whose last column begins with "example", the row's commands are run and
-each answer is looked for in what they print. A column "default" is compared with `uci` and with data/varn.ini.
+A line `...` stands for any number of lines; within a line it stands for any text. Times, rates, node counts and hash
+numbers may differ. In a block marked `any-move` the engine's moves and lines may differ as well. A block marked `setup`
+is sent before each row of the tables below it. If the last column of a table begins with "example", the commands in
+each row are run, and their output must contain the answers. A column "default" must agree with `uci` and with
+data/varn.ini.
 
-Links must lead somewhere. Each heading of docs/compatibility.md must be named by the code that it is about.
+Links must have a target. Each heading of docs/compatibility.md must be named in the code it is about.
 """
 
 import pathlib
@@ -32,7 +33,7 @@ PATIENCE = 60  # seconds
 DOCUMENTS = ["*.md", "docs/*.md", "bench/*.md", "fuzz/*.md"]
 KINDS = {"console", "xboard", "uci", "sh", "text", "json", "yaml", "python"}
 
-# What differs from run to run, and what stands for it.
+# Text that differs between runs, and its replacement.
 MASKS = [
     (re.compile(r"(Zobrist (?:key|lock):|NPS:) -?\d+"), r"\1 #"),
     (re.compile(r"\b(in|took) \d+ seconds"), r"\1 # seconds"),
@@ -57,14 +58,14 @@ class Fault(Exception):
 
 
 def pattern_of(line, flags):
-    """Of a line with its end, or of the lines that `...` stands for."""
+    """The regular expression for a line and its newline, or for a line `...`."""
     if line == "...":
         return "(?:.*\n)*?"
     return ".*".join(map(re.escape, masked(line, flags).split("..."))) + "\n"
 
 
 def compare(expected, lines, flags):
-    """All that was printed with all that should be."""
+    """Compares the whole output with the expected lines."""
     said = "".join(masked(line, flags) + "\n" for line in lines)
     patterns = [pattern_of(line, flags) for line in expected]
     if re.fullmatch("".join(patterns), said):
@@ -74,7 +75,7 @@ def compare(expected, lines, flags):
 
 
 def await_lines(expected, answers, flags):
-    """Takes answers until the expected ones have come."""
+    """Reads answers until all expected ones have been seen."""
     skipping = False
     for line in expected:
         if line == "...":
@@ -92,14 +93,11 @@ def await_lines(expected, answers, flags):
 
 
 def without_blank_end(lines):
-    end = len(lines)
-    while end and not lines[end - 1].strip():
-        end -= 1
-    return lines[:end]
+    return "\n".join(lines).rstrip().split("\n") if "".join(lines).strip() else []
 
 
 def steps_of(lines, prompt):
-    """The block as (command, what it prints)."""
+    """Splits a block into commands and their expected output."""
     steps = []
     for line in lines:
         if line.startswith(prompt):
@@ -121,7 +119,7 @@ class Documents:
         (scratch / "build").mkdir()
         for name in ["play", "release"]:
             (scratch / "build" / name).symlink_to(build)
-        # As the script of this name, but for the build.
+        # Like the script of this name, but with this build.
         (scratch / "play").write_text('#!/bin/sh\ncd "$(dirname "$0")/data" && exec ../build/play/varn\n')
         (scratch / "play").chmod(0o755)
 
@@ -156,7 +154,7 @@ class Documents:
             compare(without_blank_end(expected), without_blank_end(answer.split("\n")), flags)
 
     def run_protocol(self, kind, lines, flags):
-        """Says each line once the answers to the one before have come."""
+        """Sends each line after the answers to the previous one have arrived."""
         process = subprocess.Popen(self.program(kind), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
                                    bufsize=1, cwd=self.scratch / "data")
         alarm = threading.Timer(PATIENCE, process.kill)
@@ -175,7 +173,7 @@ class Documents:
             process.communicate()
 
     def check_commands(self, lines, _flags):
-        """Of commands that aren't run."""
+        """Checks commands that are not run."""
         presets = re.findall(r'"name": "([\w-]+)"', (ROOT / "CMakePresets.json").read_text())
         folder = self.scratch
         for command in re.split(r"\n|&&|;|\|", re.sub(r"\\\n", " ", "\n".join(lines))):
@@ -278,13 +276,13 @@ class Documents:
 
 
 def anchors(document):
-    """What links can name: its headings, but for the title, as the hosts of documents write them."""
+    """The names that links can use: one for each heading except the title."""
     headings = re.findall(r"^##+ (.+)$", document.read_text(), re.MULTILINE)
     return [re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings]
 
 
 def check_marks():
-    """Of what must not change: each entry is named in the code, and what the code names is an entry."""
+    """Checks that code and docs/compatibility.md name the same entries."""
     entries = anchors(ROOT / "docs/compatibility.md")
     named = {mark for folder in ["src", "tools"] for file in (ROOT / folder).rglob("*.[ch]*") if file.is_file()
              for mark in re.findall(r"docs/compatibility\.md#([\w-]+)", file.read_text(errors="replace"))}

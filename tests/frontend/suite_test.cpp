@@ -72,18 +72,9 @@ TEST(Suite, LeavesTheUsersGameAlone) {
     EXPECT_TRUE(output.ends_with("is: 4k3/8/8/8/8/8/4p3/R3K2R b KQ -\nVarn> ")) << output;
 }
 
-TEST(Suite, SwitchesTheBookOffAndReadsLinesOfAnyLength) {
+TEST(Suite, ReadsLinesOfAnyLength) {
     const std::string line = start_text + std::string(" bm a4;") + std::string(100000, ' ') + "e4 d4 c4 Nf3 Nc3\n";
-    const Files files = {{"suite", line + line}, {"none", ""}, {"log", ""}, {"book.dat", "e2e4a7a6\n"}};
-    const auto plays_by_the_book = [&](const std::string& suite) {
-        const Played run = run_lines("new\nply 5\n" + suite + "e2e4\n", files);
-        return run.output.find("my move is: a7a6") != std::string::npos;
-    };
-    EXPECT_TRUE(plays_by_the_book(""));
-    for (const char* suite : {"suite", "none", "missing"}) {
-        EXPECT_FALSE(plays_by_the_book("runsuite " + std::string(suite) + " log\n")) << suite;
-    }
-    const Played run = run_lines("ply 5\nrunsuite suite log\n", files);
+    const Played run = run_lines("ply 5\nrunsuite suite log\n", {{"suite", line + line}});
     EXPECT_NE(run.output.find("Test suite complete.\n  2/2 problems solved.\n\n"), std::string::npos);
 }
 
@@ -93,6 +84,10 @@ TEST(Suite, MissingFilesOnlyGiveAMessage) {
     const std::tuple<std::string, std::string, std::string> cases[] = {
         {"runsuite missing log", "running test suite: missing\n" + error, ""},
         {"runsuite . log", "running test suite: .\n" + error, ""},
+        {"runsuite /proc/self/mem log",  // can't be read
+         "running test suite: /proc/self/mem\nTest suite complete.\n  0/0 problems solved.\n\n"
+         "error: the test suite could not be read to its end.\n",
+         "Test suite complete.\n  0/0 problems solved.\n\n"},
         {"runsuite suite no/log", "running test suite: suite\n" + error, "old"},
         {"runsuite suite ./suite",
          "running test suite: suite\nerror: the log would overwrite the test suite. cannot run test suite.\n", "old"},

@@ -39,14 +39,14 @@ std::int64_t wrong_ms(std::int64_t ms) {
     return ms;
 }
 
-[[gnu::constructor]] void set_up_ends_and_signals() {
-    if (is_fault("ends that don't wait")) {
-        for (const int end : {STDIN_FILENO, STDOUT_FILENO}) fcntl(end, F_SETFL, fcntl(end, F_GETFL) | O_NONBLOCK);
-    }
-    if (is_fault("signals that interrupt")) {
-        struct sigaction action = {};  // without SA_RESTART
-        action.sa_handler = [](int) {};
-        sigaction(SIGURG, &action, nullptr);
+[[gnu::constructor]] void disturb_input_and_output() {
+    const bool waits = !is_fault("ends that don't wait");
+    if (waits && !is_fault("interrupted calls")) return;
+    struct sigaction interrupt = {};
+    interrupt.sa_handler = [](int) {};  // without SA_RESTART
+    sigaction(SIGURG, &interrupt, nullptr);
+    for (const int end : {STDIN_FILENO, STDOUT_FILENO}) {
+        if (!waits) fcntl(end, F_SETFL, fcntl(end, F_GETFL) | O_NONBLOCK);
     }
 }
 

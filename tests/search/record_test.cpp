@@ -1,4 +1,4 @@
-// The search record: independence of searches, and clearing for new games and positions.
+// Two searches side by side share nothing.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -47,40 +47,6 @@ TEST(SearchThreads, ConcurrentSearchesGiveTheSameResults) {
         EXPECT_EQ(together[i], alone[i]);
         EXPECT_GT(std::ranges::count(alone[i], '\n'), 20);
     }
-}
-
-TEST(SearchRecord, IsClearedForNewGamesAndPositions) {
-    const auto s = small_search();
-    const auto game = game_from(start_text);
-    const int i = killer_index(*game, 0);
-    const auto fill = [&] {
-        s->killers.killer_one[i].count = 3;
-        s->history[Side::black][e1][e8] = 5;
-        hash_store(s->tables.transposition_table, *game, 3, std::nullopt, 0, bound_exact);
-        qhash_store(s->tables.quiescence_table, *game, 0, bound_exact);
-        pawn_hash_store(s->eval.pawns, *game, 0, 0, 0);
-    };
-    const auto is_clear = [&] {
-        return s->history[Side::black][e1][e8] == 0 && hash_probe(s->tables.transposition_table, *game, 0) == nullptr &&
-               qhash_probe(s->tables.quiescence_table, *game) == nullptr &&
-               pawn_hash_probe(s->eval.pawns, *game) == nullptr;
-    };
-    fill();
-    clear_tables(*s);
-    EXPECT_TRUE(is_clear());
-    EXPECT_EQ(s->killers.killer_one[i].count, 3);
-    fill();
-    clear_for_position(*s);
-    EXPECT_TRUE(is_clear());
-    EXPECT_EQ(s->killers.killer_one[i].count, 0);
-}
-
-TEST(SearchRecord, NamesTheTableThatCannotBeAllocated) {
-    const auto s = new_search();
-    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 31}), TableFault::transposition);
-    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 4, .qhash_bytes = 0}), TableFault::quiescence);
-    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 4, .qhash_bytes = 40, .phash_bytes = -1}), TableFault::pawns);
-    EXPECT_EQ(allocate_tables(*s, {.hash_bits = 4, .qhash_bytes = 40, .phash_bytes = 16}), TableFault::none);
 }
 
 }  // namespace

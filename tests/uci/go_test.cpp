@@ -7,10 +7,13 @@
 #include <thread>
 
 #include "board/draws.h"
+#include "process.h"
 #include "uci/session.h"
 
 namespace varn {
 namespace {
+
+using std::chrono::milliseconds;
 
 constexpr TableSizes small_sizes = {.hash_bits = 16, .qhash_bytes = 1 << 20, .phash_bytes = 1 << 16};
 
@@ -98,10 +101,9 @@ TEST(UciGo, EndsAtTheFirstLimitReached) {
           "wtime 1 btime 1 winc 0 binc 0 movestogo 1", "wtime -300 btime 4", "wtime 0 btime 0", "mate 1 depth 4",
           "depth 0", "depth -3", "nodes 0", "nodes 99999999999999999999999 depth 2", "depth 99999999999 movetime 20",
           "depth 3 infinity 7 x", "movetime 20 depth 99"}) {
-        const auto started = std::chrono::steady_clock::now();
-        const std::string said = session.search(std::string("go ") + words);
-        EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(5)) << words;
-        expect_sound_search(*session.uci.game, said);
+        EXPECT_TRUE(is_done_within(milliseconds(0), milliseconds(150), [&] {
+            expect_sound_search(*session.uci.game, session.search(std::string("go ") + words));
+        })) << words;
     }
 }
 
@@ -135,7 +137,7 @@ TEST(UciGo, InfiniteAndPonderingSearchesHoldTheMoveBack) {
         SCOPED_TRACE(position + ": " + go + ", " + end);
         std::string said = session.answer(fen_line(position) + "; " + go);
         if (said.find(last_info) == std::string::npos) said += session.said_with(last_info);
-        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        std::this_thread::sleep_for(milliseconds(30));
         said += session.answer("isready");
         EXPECT_EQ(said.find("bestmove"), std::string::npos) << said;
         EXPECT_TRUE(said.ends_with("readyok\n")) << said;
@@ -163,7 +165,7 @@ TEST(UciGo, InfiniteAndPonderingSearchesHoldTheMoveBack) {
     expect_none_before(drawn, "go ponder infinite depth 2", "ponderhit; stop", "info depth 2 ");
     // After `ponderhit` a search without limits runs until it is stopped.
     session.send("position startpos; go ponder; ponderhit");
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    std::this_thread::sleep_for(milliseconds(20));
     EXPECT_EQ(answers_in(session.said()).size(), 0U);
     session.send("stop; stop");
     session.said_with("bestmove ");
@@ -174,15 +176,13 @@ TEST(UciGo, InfiniteAndPonderingSearchesHoldTheMoveBack) {
 
 TEST(UciGo, PonderhitStartsTheFullTime) {
     UciSession session;
-    session.send("setoption name Move Overhead value 0; position startpos moves e2e4; go ponder movetime 150");
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    EXPECT_EQ(answers_in(session.said()).size(), 0U);
-    const auto hit = std::chrono::steady_clock::now();
-    session.send("ponderhit");
-    session.said_with("bestmove ");
-    const auto taken = std::chrono::steady_clock::now() - hit;
-    EXPECT_GE(taken, std::chrono::milliseconds(145));
-    EXPECT_LT(taken, std::chrono::seconds(2));
+    EXPECT_TRUE(is_done_within(milliseconds(345), milliseconds(500), [&] {
+        session.send("setoption name Move Overhead value 0; position startpos moves e2e4; go ponder movetime 150");
+        std::this_thread::sleep_for(milliseconds(200));
+        EXPECT_EQ(answers_in(session.said()).size(), 0U);
+        session.send("ponderhit");
+        session.said_with("bestmove ");
+    }));
 }
 
 // --- Principal variations -------------------------------------------------------------------------------------------
@@ -219,56 +219,6 @@ TEST(UciGo, MultiPvGivesTheBestLines) {
             EXPECT_EQ(first_moves.size(), last.size()) << said;
         }
     }
-}
-
-TEST(UciGo, SearchmovesWithoutALegalMoveAreIgnored) {
-    UciSession session;
-    const std::string said = session.search("go depth 2 searchmoves e2e5 e7e5 a1a1");
-    EXPECT_TRUE(said.starts_with("info string illegal move: e2e5\ninfo string illegal move: e7e5\n")) << said;
-    expect_sound_search(*session.uci.game, said);
-    EXPECT_EQ(best_move_in(session.search("go searchmoves a2a3 depth 2 searchmoves h2h4")), "h2h4");
-}
-
-TEST(UciGo, MateScoresAreInMovesForTheSideToMove) {
-    UciSession session;
-    for (const auto& [text, depth, score] : {std::tuple{"6k1/5ppp/8/8/8/8/8/R3K3 w - -", 3, "mate 1"},
-                                             {"7k/8/5K2/8/8/8/8/6R1 w - -", 5, "mate 2"},
-                                             {"7k/5K2/8/8/8/8/8/6R1 b - -", 4, "mate -1"}}) {
-        for (const std::string& position : {std::string(text), mirrored_text(text)}) {
-            const std::string said = session.search(fen_line(position) + "; go depth " + std::to_string(depth));
-            const auto last = last_lines(said);
-            ASSERT_EQ(last.size(), 1U) << said;
-            EXPECT_TRUE(last[0].is_mate) << position << '\n' << said;
-            EXPECT_EQ("mate " + std::to_string(last[0].score), score) << position;
-            // A mate search ends with the mate, and its line leads there.
-            if (last[0].score <= 0) continue;
-            const std::string found = session.search("go mate " + std::to_string(last[0].score));
-            EXPECT_EQ(last_lines(found).at(0).score, last[0].score) << found;
-            EXPECT_EQ(last_lines(found)[0].pv.size(), 2U * static_cast<unsigned>(last[0].score) - 1) << found;
-        }
-    }
-    // Centipawns, too, are for the side to move.
-    for (const auto& [position, sign] :
-         {std::pair{"4k3/pppp4/8/8/8/8/PPPP4/Q3K3 w - -", 1}, {"4k3/pppp4/8/8/8/8/PPPP4/Q3K3 b - -", -1}}) {
-        for (const std::string& text : {std::string(position), mirrored_text(position)}) {
-            const auto last = last_lines(session.search(fen_line(text) + "; go depth 2"));
-            EXPECT_GT(last.at(0).value() * sign, 300) << text;
-        }
-    }
-}
-
-// --- Draws by game history ------------------------------------------------------------------------------------------
-
-TEST(UciGo, RepetitionsAndFiftyMovesIncludeTheGameHistory) {
-    UciSession session;
-    const auto score_of = [&](const std::string& lines) { return last_lines(session.search(lines)).at(0).value(); };
-    EXPECT_GT(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 98 60; go depth 1"), 200);
-    EXPECT_EQ(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 99 60; go depth 1"), 0);
-    EXPECT_EQ(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 97 60 moves a1a2 e8d8; go depth 1"), 0);
-    EXPECT_EQ(score_of("position fen 4k3/8/8/8/8/8/8/R3K3 w - - 254 60; go depth 1"), 0);
-    const std::string to_and_fro = "position fen 4k3/8/8/8/8/8/8/R3K3 w - - 0 1 moves a1a2 e8d8 a2a1 d8e8";
-    EXPECT_EQ(score_of(to_and_fro + "; go depth 1 searchmoves a1a2"), 0);
-    EXPECT_GT(score_of(to_and_fro + "; go depth 1 searchmoves a1a3"), 200);
 }
 
 }  // namespace

@@ -51,6 +51,7 @@ TEST(UciMates, DistancesMatchASolver) {
                 if (expected < 0) continue;
                 const std::string found = session.search("ucinewgame; go mate " + std::to_string(expected));
                 EXPECT_EQ(last_lines(found).at(0).score, expected) << seen;
+                EXPECT_EQ(last_lines(found)[0].pv.size(), 2U * static_cast<unsigned>(expected) - 1) << found;
                 EXPECT_LT(last_lines(found)[0].depth, 10) << "the search ends where the mate is found";
             }
         }

@@ -18,7 +18,9 @@ namespace {
 
 class UciProcess : public Process {
 public:
-    UciProcess() : Process({}, VARN_UCI_EXECUTABLE) {}
+    UciProcess()
+        : Process({{"odd.dat", "a2a4h7h5b2b4,Odd\n"}, {"other.dat", "h2h4,Other\n"}, {"my value book", "g2g4,Third\n"}},
+                  VARN_UCI_EXECUTABLE) {}
 
     /// The answer to the lines (separated by "; "). If they start a search, which must end by itself or by the last
     /// line, up to `bestmove`. Machine-dependent numbers are removed.
@@ -167,25 +169,6 @@ TEST(UciPosition, GamesOfAnyLengthKeepTheirRepetitions) {
         EXPECT_TRUE(is_valid_move(game, parse_move(game, best_move_in(said)))) << said;
     }
     EXPECT_GT(thirds, 2);
-}
-
-TEST(UciPosition, RefusedPositionsChangeNothing) {
-    UciSession session;
-    session.send("position startpos moves e2e4 e7e5");
-    const std::string before = shown_fen(session);
-    for (const char* line :
-         {"position", "position fen", "position x", "position fen 8/8/8/8/8/8/8/8 w - - 0 1 moves e2e4",
-          "position fen moves e2e4", "position moves e2e4", "position start moves e2e4"}) {
-        EXPECT_TRUE(session.answer(line).starts_with("info string ")) << line;
-        EXPECT_EQ(shown_fen(session), before) << line;
-    }
-    for (const char* wrong : {"e2e5", "e7e5", "e1g1", "e2", "e2e4q", "0000", "a7a8q", "x"}) {
-        const std::string said = session.answer("position startpos moves g1f3 b8c6 " + std::string(wrong) + " a2a3");
-        EXPECT_TRUE(said.starts_with("info string illegal move: ")) << said;
-        EXPECT_EQ(shown_fen(session), "r1bqkbnr/pppppppp/2n5/8/8/5N2/PPPPPPPP/RNBQKB1R w KQkq - 2 2") << wrong;
-    }
-    session.send("position fen 4k3/8/8/8/8/8/8/4K3 b - - 7 40 moves e8d8");
-    EXPECT_EQ(shown_fen(session), "3k4/8/8/8/8/8/8/4K3 w - - 8 41");
 }
 
 TEST(UciPosition, PerftCountsByRootMove) {
