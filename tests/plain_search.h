@@ -2,6 +2,7 @@
 // with the engine's search but the board, the evaluation and the exchange of captures.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <map>
 #include <sstream>
@@ -61,7 +62,7 @@ private:
 
     struct Line {
         int length = 0;
-        std::array<Move, 100> moves;
+        Move moves[100];
         std::array<PositionKeys, 100> keys;
     };
     struct Entry {
@@ -190,7 +191,7 @@ private:
     int root_score(const Game& root) {
         const int alpha = root_score_ - 50, beta = root_score_ + 50;
         for (const auto& [low, high] : {std::pair{alpha, beta}, {-widest, widest}}) {
-            captured_.fill(no_piece);
+            std::ranges::fill(captured_, no_piece);
             null_at_ = {};
             const int score = search(root, low, high, iteration_, {}, main_line_);
             if (low == -widest || (score > low && score < high)) return score;
@@ -333,7 +334,7 @@ private:
             best_move = move;
             line.moves[0] = move;
             line.keys[0] = keys_of(g);
-            std::copy_n(below.moves.begin(), below.length, line.moves.begin() + 1);
+            std::copy_n(below.moves, below.length, line.moves + 1);
             std::copy_n(below.keys.begin(), below.length, line.keys.begin() + 1);
             line.length = below.length + 1;
             if (ply == 0) tell(value);
@@ -421,7 +422,7 @@ private:
     std::uint64_t nodes_ = 0, quiet_nodes_ = 0, allowed_ = 0;
     bool stopped_ = false;
     std::map<int, bool> null_at_;
-    std::array<int, 200> captured_ = {}, moved_to_ = {};
+    int captured_[200] = {}, moved_to_[200] = {};
     std::ostringstream told_;
 };
 
