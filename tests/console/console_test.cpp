@@ -87,11 +87,14 @@ TEST(Console, AnswersATypedMoveWithinTheTimeLimit) {
     }));
 }
 
-TEST(Console, ReportOfAFinishedGameEndsTheProcess) {
+TEST(Console, FinishedGamesAndForeignPiecesEndTheProcess) {
     const std::string mate = "setboard rnb1kbnr/pppp1ppp/8/4p3/6Pq/5P2/PPPPP2P/RNBQKBNR w KQkq -";
     const Outcome outcome = run_console(mate + "\nshow\nepd\n");
     EXPECT_TRUE(outcome.output.ends_with("\nwhite to play\n\nWhite is Checkmated. Black wins.\n")) << outcome.output;
     EXPECT_EQ(outcome.status, 0);
+    const Outcome refused = run_console("setboard 4k3/x w - -\nshow\n");
+    EXPECT_EQ(refused.output, "Varn> error: unrecognised character in EPD string.\n");
+    EXPECT_EQ(refused.status, 1);
 }
 
 }  // namespace

@@ -160,8 +160,10 @@ private:
     std::string said_;
 };
 
-constexpr const char* endings[] = {"8/8/4k3/8/2p5/8/1P2K3/8 w - -", "8/P7/8/4k3/8/8/4K2p/8 b - -",
-                                   "7k/8/8/4K3/8/8/6R1/8 w - -"};
+/// Endings, and positions where a side is a rook ahead: trades are encouraged from there on.
+constexpr const char* more_positions[] = {
+    "8/8/4k3/8/2p5/8/1P2K3/8 w - -", "8/P7/8/4k3/8/8/4K2p/8 b - -", "7k/8/8/4K3/8/8/6R1/8 w - -",
+    "1k1r4/ppp2bpp/5n2/8/8/5N2/PPP2BPP/1K1RR3 w - -", "r3r1k1/pp3bpp/5n2/8/8/5N2/PP3BPP/1K2R3 b - -"};
 
 /// Lines that can be said in this session.
 std::string any_lines(RandomSource& random, const Session& session) {
@@ -171,9 +173,10 @@ std::string any_lines(RandomSource& random, const Session& session) {
     const std::string ply = session.is_hurried() ? "ply 50" : short_ply;
     const std::uint64_t choice = random.below(20), back = random.below(4);
     if (legal.empty() || choice < 3) {
-        const std::uint64_t any = random.below(known_positions.size() + std::size(endings));
+        const std::uint64_t any = random.below(known_positions.size() + std::size(more_positions));
         return ply + "; setboard " +
-               (any < known_positions.size() ? known_positions[any].text : endings[any - known_positions.size()]);
+               (any < known_positions.size() ? known_positions[any].text
+                                             : more_positions[any - known_positions.size()]);
     }
     if (choice == 3) return ply + "; new";
     if (choice == 4 && !in_check(game)) return "sides";

@@ -62,5 +62,31 @@ TEST_F(SearchNode, TheDeepestLineFitsASmallStack) {
     EXPECT_TRUE(same_game(*game, before));
 }
 
+/// In games balances are multiples of ten.
+TEST_F(SearchNode, MaterialAloneDecidesFromItsLimitsOn) {
+    const auto game = game_from(middle_text);
+    constexpr std::tuple<int, int, bool> cases[] = {
+        {3000, 302, true}, {3000, 301, false}, {3000, -299, true}, {3000, -298, false}, {2999, 302, false}};
+    for (const auto& [total, balance, decides] : cases) {
+        for (const int sign : {1, -1}) {
+            game->turn = sign > 0 ? Side::white : Side::black;
+            game->material = sign * balance;
+            game->w_material = (total + game->material) / 2;
+            game->b_material = total - game->w_material;
+            EXPECT_EQ(static_score(s, *game, 0), decides ? balance : sign * evaluate(*game, s.eval))
+                << total << balance;
+        }
+    }
+}
+
+TEST_F(SearchNode, HistoryNeverOverflows) {
+    const auto game = game_from(start_text);
+    const std::int32_t& entry = s.history[Side::white][e1][e8];
+    for (std::int64_t depth = 0, before = entry; depth <= 70; ++depth, before = entry) {
+        history_update(s.history, *game, {e1, e8, kind_quiet}, static_cast<int>(depth));
+        EXPECT_TRUE(entry > before || entry == INT32_MAX) << depth;
+    }
+}
+
 }  // namespace
 }  // namespace varn

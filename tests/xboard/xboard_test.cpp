@@ -25,11 +25,9 @@ Files with_a_book() {
 TEST(Xboard, MatchesItsTranscripts) {
     for_each_transcript("xboard.txt", [](const std::string& title, const std::string& transcript) {
         SCOPED_TRACE(title);
-        // Behind a bar come lines for the console.
-        std::string console_lines;
-        for (const std::string& line : split(title.substr(std::min(title.size(), title.find(" | ") + 3)), "; "))
-            if (title.find(" | ") != std::string::npos) console_lines += line + '\n';
-        Partner(console_lines, with_a_book()).expect(transcript);
+        const std::vector<std::string> parts = split(title, " | ");  // the second: lines for the console
+        const std::string lines = parts.size() == 1 ? "" : parts[1] + '\n';
+        Partner(std::regex_replace(lines, std::regex("; "), "\n"), with_a_book()).expect(transcript);
     });
 }
 
