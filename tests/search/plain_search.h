@@ -117,8 +117,7 @@ private:
         rows += row.str() + '\n';
     }
 
-    // --- Scores and moves
-    // ---------------------------------------------------------------------------------------------
+    // --- Scores and moves ------------------------------------------------------------------------------------------
 
     static int balance(const Game& g) { return g.turn == Side::white ? g.material : -g.material; }
     static bool is_mate(int score) { return std::abs(score) >= mate - 500 && std::abs(score) <= mate; }
@@ -160,8 +159,7 @@ private:
         return *place;
     }
 
-    // --- Tables
-    // -------------------------------------------------------------------------------------------------------
+    // --- Tables ----------------------------------------------------------------------------------------------------
 
     Entry& slot(PositionKeys keys) { return table_[keys.key % ((std::uint64_t{1} << sizes_.hash_bits) - 1)]; }
     Entry& quiet_slot(const Game& g) {
