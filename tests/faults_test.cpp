@@ -144,6 +144,16 @@ TEST(Faults, SignalsEndLongRunsAndKeepFinishedFiles) {
     }
 }
 
+TEST(Faults, TheConsoleEndsWithItsReaderAlsoWhereTheSignalWasIgnored) {
+    const auto before = std::signal(SIGPIPE, SIG_IGN);
+    Process engine;
+    std::signal(SIGPIPE, before);
+    engine.read_until("Varn> ");
+    engine.close_output();
+    engine.send("show\n");
+    EXPECT_EQ(engine.finish().status, -SIGPIPE);
+}
+
 TEST(Faults, SizeLimitsAndSignalsLeaveNoPartialFiles) {
     const std::string positions = repeated(100, "8/8/8/8/8/8/7P/5k1K w - - 0 1\t0\n");
     const std::vector<std::string> before = {"kpkbb", "varn.ini"};

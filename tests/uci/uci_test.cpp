@@ -3,6 +3,7 @@
 
 #include <cctype>
 #include <csignal>
+#include <cstdlib>
 #include <map>
 #include <regex>
 
@@ -193,6 +194,16 @@ TEST(UciPosition, PerftCountsByRootMove) {
     EXPECT_TRUE(session.said().ends_with("readyok\ninfo string the count was stopped\n"));
     for (const char* line : {"perft", "perft x", "perft -1", "perft 500", "go perft"}) {
         EXPECT_EQ(session.answer(line), "info string perft needs a number of plies\n") << line;
+    }
+}
+
+TEST(UciArguments, AreAnsweredOrRefused) {
+    const std::pair<std::string, int> cases[] = {{"--version", 0}, {"--help", 0},     {"bench 1", 0},
+                                                 {"bench 0", 2},   {"bench 51", 2},   {"bench x", 2},
+                                                 {"bench 1 1", 2}, {"--nonsense", 2}, {"--help x", 2}};
+    for (const auto& [arguments, status] : cases) {
+        const std::string command = VARN_UCI_EXECUTABLE + (" " + arguments) + " >/dev/null 2>&1 </dev/null";
+        EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), status) << arguments;
     }
 }
 
