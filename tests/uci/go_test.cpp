@@ -59,24 +59,80 @@ void expect_sound_search(const Game& game, const std::string& said) {
 
 // --- Limits ---------------------------------------------------------------------------------------------------------
 
-TEST(UciGo, SearchesTheSameNodesAsThink) {
+/// The limits of a `go` line, with the rest of that line behind "go ".
+struct AnyGo {
+    SearchLimits limits;
+    std::string words;
+};
+
+AnyGo any_go(RandomSource& random, const Game& game) {
+    const int depth = 1 + static_cast<int>(random.below(5));
+    AnyGo go = {{.depth = depth, .search_forced = true}, "depth " + std::to_string(depth)};
+    switch (random.below(6)) {
+        case 0:
+            go.limits.nodes = 1 + random.below(3000);
+            go.words += " nodes " + std::to_string(go.limits.nodes);
+            break;
+        case 1:
+            go.limits.only = every_legal_move(game);
+            std::erase_if(go.limits.only, [&](Move) { return random.below(2) == 0; });
+            if (!go.limits.only.empty()) go.words += " searchmoves";
+            for (const Move move : go.limits.only) go.words += ' ' + move_text(move);
+            break;
+        case 2:
+            go.limits.search_forced = false;
+            go.words += " wtime 90000000 btime 90000000";
+            break;
+        case 3: go.words += " ponder; ponderhit"; break;
+        case 4: go.limits.lines = 3; break;
+        default: break;
+    }
+    return go;
+}
+
+/// Each search finds what the one before it left; `ucinewgame` and Clear Hash clear their part of it.
+TEST(UciGo, SearchesFollowEachOtherAsInThink) {
     UciSession session;
+    RandomSource random(9);
     const auto other = new_search();
     ASSERT_EQ(allocate_tables(*other, small_sizes), TableFault::none);
-    for (const KnownPosition& known : known_positions) {
-        session.send("ucinewgame; " + fen_line(known.text));
-        if (every_legal_move(*session.uci.game).empty()) continue;
-        const std::string said = session.search("go depth 5");
-        reset_search(*other);
-        const auto move = think(*other, *game_from(known.text), {.depth = 5, .search_forced = true}, {});
-        EXPECT_EQ(session.uci.search->search_nodes, other->search_nodes) << known.text;
-        EXPECT_EQ(best_move_in(said), move_text(*move)) << known.text;
-        expect_sound_search(*session.uci.game, said);
-        const auto infos = info_lines(said);
+    reset_search(*other);
+    std::string sent;
+    for (int i = 0; i < 200 && !testing::Test::HasFailure(); ++i) {
+        std::string before = fen_line(known_positions[random.below(known_positions.size())].text);
+        switch (random.below(8)) {
+            case 0:
+                before += "; ucinewgame";
+                reset_search(*other);
+                break;
+            case 1:
+                before += "; setoption name Clear Hash";
+                clear_tables(*other);
+                break;
+            case 2: before = "position startpos moves e2e4 e7e5"; break;
+            case 3: before = "isready"; break;
+            default: break;
+        }
+        session.send(before);
+        const Game& game = *session.uci.game;
+        if (every_legal_move(game).empty()) continue;
+        const auto [limits, words] = any_go(random, game);
+        const std::string lines = "setoption name MultiPV value " + std::to_string(limits.lines) + "; go " + words;
+        sent += before + "; " + lines + '\n';
+        const std::string said = session.search(lines);
+        const Move move = *think(*other, game, limits, {});
+        const auto reply = other->predicted_move;
+        EXPECT_EQ(answers_in(said),
+                  std::vector{"bestmove " + move_text(move) + (reply ? " ponder " + move_text(*reply) : "")})
+            << sent;
+        EXPECT_EQ(session.uci.search->search_nodes, other->search_nodes) << sent;
+        expect_sound_search(game, said);
+        const auto infos = last_lines(said);
+        if (!limits.search_forced || limits.nodes != SearchLimits{}.nodes) continue;
         ASSERT_FALSE(infos.empty()) << said;
-        EXPECT_EQ(infos.back().depth, 5);
-        EXPECT_EQ(infos.back().nodes, other->search_nodes);
-        EXPECT_EQ(infos.back().pv[0], best_move_in(said));
+        EXPECT_EQ(infos[0].depth, limits.depth) << sent;
+        EXPECT_EQ(infos[0].nodes, other->search_nodes) << sent;
+        EXPECT_EQ(infos[0].pv[0], move_text(move)) << sent;
     }
 }
 

@@ -1,6 +1,7 @@
 // Pondering: what stops it and what doesn't, its clock, and long random dialogues for the thread sanitizer.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <map>
 #include <set>
@@ -140,6 +141,84 @@ TEST(Ponder, HitsAndMissesKeepToTheTime) {
         if (shortest.size() == 5 && std::ranges::all_of(shortest, is_in_time)) return;
     }
     for (const auto& [kind, time] : shortest) ADD_FAILURE() << "not " << kind << ": " << time.count();
+}
+
+// --- What a search leaves for the next ------------------------------------------------------------------------------
+
+/// Each search must find what the one before it left, on whichever thread and in whichever game position that was.
+TEST(Ponder, SearchesFollowEachOtherAsInThink) {
+    RandomSource random(5);
+    std::string lines, fault;
+    std::vector<std::uint32_t> searched, expected;  // nodes of the last iteration of each search
+    {
+        Session session;
+        SmallEngine plain;
+        SearchListener listener;
+        std::atomic<std::size_t> finished = 0;
+        session.protocol.listener.search_finished = [&](double) {
+            searched.push_back(session.engine.search->nodes);
+            ++finished;
+        };
+        listener.search_finished = [&](double) { expected.push_back(plain.search->nodes); };
+        std::optional<Move> pondered, result;
+        const auto search_on = [&](const Game& game) {
+            return think(*plain.search, game, {.depth = plain.ply_limit}, listener);
+        };
+        const auto say = [&](const std::string& line) {
+            lines += line + "; ";
+            session.say(line);
+        };
+        const auto set_depth = [&] {
+            plain.ply_limit = 1 + static_cast<int>(random.below(3));
+            say("sd " + std::to_string(plain.ply_limit));
+        };
+        const auto play = [&](Move move) {
+            Game& game = *plain.game;
+            say(move_text(move));
+            play_move(game, move);
+            const bool is_hit = pondered == move;
+            pondered.reset();
+            if (protocol_status(game) != GameStatus::goes_on) return;
+            play_move(game, is_hit ? *result : *search_on(game));
+            pondered = protocol_status(game) == GameStatus::goes_on ? plain.search->predicted_move : std::nullopt;
+            if (pondered) result = search_on(*after(game, *pondered));
+        };
+        set_depth();
+        for (int i = 0; i < 300 && fault.empty(); ++i) {
+            Game& game = *plain.game;
+            const std::uint64_t choice = random.below(16);
+            const bool is_over = protocol_status(game) != GameStatus::goes_on;
+            if (is_over || choice < 5) pondered.reset();
+            if (is_over || choice == 0) {
+                say("new");
+                start_game(plain);
+                set_depth();
+            } else if (choice < 3) {
+                say("hint");
+                search_on(game);
+            } else if (choice == 3) {
+                say("undo");
+                take_back_moves(plain, 1);
+            } else if (choice == 4) {
+                say("go");
+                play_move(game, *search_on(game));
+            } else if (choice < 7) {
+                set_depth();
+            } else {
+                const std::vector<Move> legal = every_legal_move(game);
+                play(pondered && random.below(3) != 0 ? *pondered : legal[random.below(legal.size())]);
+            }
+            const auto deadline = steady_clock::now() + std::chrono::seconds(30);
+            while (finished < expected.size() && steady_clock::now() < deadline)
+                std::this_thread::sleep_for(std::chrono::microseconds(100));
+            const bool is_right = searched == expected && same_game(*session.engine.game, *plain.game) &&
+                                  is_pondering(session) == pondered.has_value();
+            if (!is_right) fault = lines;
+        }
+    }
+    EXPECT_EQ(fault, "");
+    EXPECT_EQ(searched, expected);
+    EXPECT_GT(searched.size(), 200U);
 }
 
 // --- Random dialogues -----------------------------------------------------------------------------------------------
