@@ -68,8 +68,8 @@ private:
 
     struct Line {
         int length = 0;
-        std::array<Move, 100> moves;
-        std::array<PositionKeys, 100> keys;
+        Table<Move, 100> moves;
+        Table<PositionKeys, 100> keys;
     };
     struct Entry {
         std::uint64_t lock = 0;
@@ -203,10 +203,10 @@ private:
 
     int root_score(const Game& root) {
         const int alpha = root_score_ - 50, beta = root_score_ + 50;
-        captured_.fill(no_piece);
+        std::ranges::fill(captured_, no_piece);
         const int score = search(root, alpha, beta, iteration_, {}, main_line_);
         if (score > alpha && score < beta) return score;
-        captured_.fill(no_piece);
+        std::ranges::fill(captured_, no_piece);
         return search(root, -widest, widest, iteration_, {}, main_line_);
     }
 
@@ -285,8 +285,7 @@ private:
         }
         const Bitboard pieces = occupied(g) & ~(g.w_pawns | g.b_pawns | g.w_king | g.b_king);
         if (null_allowed && balance(g) + 100 >= beta && beta < mate && depth >= 2 && pieces != 0 &&
-            main_line_.keys[static_cast<std::size_t>(line_ply)] != keys_of(g) && g.w_material > 310 &&
-            g.b_material > 310) {
+            main_line_.keys[line_ply] != keys_of(g) && g.w_material > 310 && g.b_material > 310) {
             Game after = g;
             UndoRecord unused;
             make_null(after, unused);
@@ -404,7 +403,7 @@ private:
     int root_score_ = 0, iteration_ = 0;
     std::uint64_t quiet_nodes_ = 0, allowed_ = no_node_limit;
     bool stopped_ = true;
-    std::array<int, 200> captured_ = {}, moved_to_ = {};
+    Table<int, 200> captured_ = {}, moved_to_ = {};
 };
 
 }  // namespace varn
