@@ -282,8 +282,7 @@ private:
         }
         const Bitboard pieces = occupied(g) & ~(g.w_pawns | g.b_pawns | g.w_king | g.b_king);
         if (null_allowed && balance(g) + 100 >= beta && beta < mate && depth >= 2 && pieces != 0 &&
-            main_line_.keys[static_cast<std::size_t>(line_ply)] != keys_of(g) && g.w_material > 310 &&
-            g.b_material > 310) {
+            main_line_.keys[line_ply] != keys_of(g) && g.w_material > 310 && g.b_material > 310) {
             Game after = g;
             UndoRecord unused;
             make_null(after, unused);
