@@ -53,6 +53,7 @@ void expect_sound_search(const Game& game, const std::string& said) {
         EXPECT_TRUE(is_playable_line(game, info.pv)) << said;
         EXPECT_GE(info.selective_depth, info.depth) << said;
         EXPECT_GE(info.nodes, nodes) << said;
+        EXPECT_EQ(info.nodes_per_second, info.nodes * 1000 / std::max<std::uint64_t>(1, info.milliseconds)) << said;
         nodes = info.nodes;
     }
 }

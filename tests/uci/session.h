@@ -31,7 +31,7 @@ struct InfoLine {
     bool is_mate = false;
     int score = 0;  // centipawns or moves to mate
     bool is_bound = false;
-    std::uint64_t nodes = 0;
+    std::uint64_t nodes = 0, nodes_per_second = 0, milliseconds = 0;
     std::vector<std::string> pv;
 
     /// Orders scores for the side to move.
@@ -46,6 +46,8 @@ inline InfoLine info_line(const std::string& line) {
         if (word == "seldepth") words >> info.selective_depth;
         if (word == "multipv") words >> info.line_number;
         if (word == "nodes") words >> info.nodes;
+        if (word == "nps") words >> info.nodes_per_second;
+        if (word == "time") words >> info.milliseconds;
         if (word == "lowerbound" || word == "upperbound") info.is_bound = true;
         if (word == "score") {
             words >> word >> info.score;

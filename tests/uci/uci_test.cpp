@@ -3,6 +3,7 @@
 
 #include <cctype>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <regex>
@@ -205,6 +206,12 @@ TEST(UciArguments, AreAnsweredOrRefused) {
         const std::string command = VARN_UCI_EXECUTABLE + (" " + arguments) + " >/dev/null 2>&1 </dev/null";
         EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), status) << arguments;
     }
+    std::FILE* bench = popen(VARN_UCI_EXECUTABLE " bench 4 | tail -1", "r");
+    ASSERT_NE(bench, nullptr);
+    char last[80] = "";
+    EXPECT_NE(std::fgets(last, sizeof last, bench), nullptr);
+    EXPECT_TRUE(std::string_view(last).starts_with("136113 nodes ")) << last;
+    pclose(bench);
 }
 
 }  // namespace
