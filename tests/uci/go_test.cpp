@@ -67,11 +67,12 @@ struct AnyGo {
 };
 
 AnyGo any_go(RandomSource& random, const Game& game) {
-    const int depth = 1 + static_cast<int>(random.below(5));
+    const int depth = 1 + static_cast<int>(random.below(4));
     AnyGo go = {{.depth = depth, .search_forced = true}, "depth " + std::to_string(depth)};
     switch (random.below(6)) {
         case 0:
             go.limits.nodes = 1 + random.below(3000);
+            go.limits.lines = 1 + static_cast<int>(random.below(3));
             go.words += " nodes " + std::to_string(go.limits.nodes);
             break;
         case 1:
@@ -129,11 +130,11 @@ TEST(UciGo, SearchesFollowEachOtherAsInThink) {
         EXPECT_EQ(session.uci.search->search_nodes, other->search_nodes) << sent;
         expect_sound_search(game, said);
         const auto infos = last_lines(said);
+        EXPECT_TRUE(infos.empty() || infos[0].pv[0] == move_text(move)) << "not of the best line: " << sent;
         if (!limits.search_forced || limits.nodes != SearchLimits{}.nodes) continue;
         ASSERT_FALSE(infos.empty()) << said;
         EXPECT_EQ(infos[0].depth, limits.depth) << sent;
         EXPECT_EQ(infos[0].nodes, other->search_nodes) << sent;
-        EXPECT_EQ(infos[0].pv[0], move_text(move)) << sent;
     }
 }
 
