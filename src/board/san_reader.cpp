@@ -77,7 +77,6 @@ std::optional<Description> describe(std::string_view text) {
     if (text.size() < square_length) return std::nullopt;
     move.to = text.substr(text.size() - square_length);
     text.remove_suffix(square_length);
-    if (!is_file(move.to[0]) || !is_rank(move.to[1])) return std::nullopt;
 
     move.piece = take_if(text, [](char c) { return contains("KQRBNP", c); });
     move.from_file = take_if(text, is_file);
