@@ -59,7 +59,8 @@ int take(int& end) { return std::exchange(end, -1); }
     constexpr int cannot_execute = 127;  // the shell's convention
     const bool connected = dup2(input.read_end, STDIN_FILENO) >= 0 && dup2(output.write_end, STDOUT_FILENO) >= 0;
     // Background shells start their children with interrupts ignored; undo that.
-    for (const int number : {SIGPIPE, SIGINT, SIGHUP, SIGTERM}) std::signal(number, SIG_DFL);
+    // SIGPIPE stays ignored, as some clients leave it: the engine must see to it itself.
+    for (const int number : {SIGINT, SIGHUP, SIGTERM}) std::signal(number, SIG_DFL);
     if (connected && chdir(folder) == 0) execl(program, program, static_cast<char*>(nullptr));
     _exit(cannot_execute);
 }
