@@ -90,7 +90,7 @@ TEST(UciThread, StopsAtOnce) {
     session.send("position fen " + known_positions[1].text);
     for (int round = 0; round < 40; ++round) {
         const milliseconds searched(round % 4 * 3);
-        EXPECT_TRUE(is_done_within(searched, searched + milliseconds(50), [&] {
+        EXPECT_TRUE(is_done_within(searched, searched + milliseconds(250), [&] {
             session.send(round % 2 == 0 ? "go infinite" : "go ponder wtime 100000 btime 100000");
             std::this_thread::sleep_for(searched);
             session.send("stop");
