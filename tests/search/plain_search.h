@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <limits>
 #include <map>
 #include <sstream>
 #include <unordered_map>
@@ -183,8 +184,14 @@ private:
         entry = {g.zobrist_lock, score, depth, entry.credit, bound, move};
     }
 
+    /// Counts no further than an `int` can.
+    static void reward_quiet(int& history, int depth) {
+        const std::int64_t sum = history + (std::int64_t{1} << std::min(depth, 30));
+        history = static_cast<int>(std::min<std::int64_t>(sum, std::numeric_limits<int>::max()));
+    }
+
     void reward(const Game& g, Move move, int depth, int line_ply, bool cuts_off) {
-        if (is_step(move) || is_castling(move.kind)) history_[{g.turn, move.from, move.to}] += 1 << depth;
+        if (is_step(move) || is_castling(move.kind)) reward_quiet(history_[{g.turn, move.from, move.to}], depth);
         if (!is_step(move) || !cuts_off) return;
         auto& [one, two] = killers_[{g.turn, line_ply}];
         if (move == one.move) {
