@@ -259,7 +259,6 @@ int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame fr
 std::optional<Move> first_move(Search& s, Game& game, int ply, int alpha, int beta, int depth) {
     constexpr int shallowest = 3;
     constexpr int reduction = 2;
-    if (depth == 0) return std::nullopt;
     // One ply less than the node needs: too shallow for a cutoff, but the move is still good.
     const HashEntry* entry = hash_probe(s.tables.transposition_table, game, depth - 1);
     if (entry != nullptr && entry->has_move != 0) return entry->move;

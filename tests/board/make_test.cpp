@@ -142,5 +142,16 @@ TEST(Make, MakeAndUnmakeMatchTheModelInRandomGames) {
     for (const auto& [kind, times] : seen) EXPECT_GT(times, 5) << kind;
 }
 
+TEST(Make, FullRecordRefusesMoves) {
+    auto game = new_game();
+    game->move_counter = max_game_moves - 1;
+    EXPECT_TRUE(play_move(*game, parse_move(*game, "e2e4")));
+    const auto full = std::make_unique<Game>(*game);
+    const Move reply = parse_move(*game, "e7e5");
+    EXPECT_FALSE(play_move(*game, reply));
+    add_game_move(*game, reply);
+    EXPECT_TRUE(*game == *full);
+}
+
 }  // namespace
 }  // namespace varn

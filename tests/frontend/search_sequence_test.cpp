@@ -195,8 +195,9 @@ TEST(SearchSequence, TellsWhatThePlainSearchTells) {
     for (const TableSizes& sizes : {TableSizes{18, 1 << 22, 1 << 16}, TableSizes{8, 40 * 300, 16 * 20}}) {
         Session session(sizes);
         session.say("nm; ply -5; setboard 4k3/8/8/8/8/8/8/4KB2 w - -; hint; ply 0; hint; ply 99; hint; ply 3");
-        // `nm` clears nothing itself: it finds what taking back leaves.
-        session.say("setboard " + std::string(more_positions[0]) + "; ply 8; hint; nm; back 0; nm; ply 3");
+        // `nm` clears nothing itself: it finds what taking back and setting a position leave.
+        const std::string set = "setboard " + std::string(more_positions[0]);
+        session.say(set + "; ply 8; hint; nm; back 0; nm; hint; " + set + "; nm; ply 3");
         for (int i = 0; i < 100 && !testing::Test::HasFailure(); ++i) session.say(any_lines(random, session));
     }
 }

@@ -177,7 +177,6 @@ FAULTS = {
          "hash_probe(s.tables.transposition_table, game, depth);", "an entry a ply too shallow gives no first move"),
         ("if (depth < shallowest || alpha + 1 == beta) return std::nullopt;",
          "if (depth < shallowest) return std::nullopt;", "closed windows ask a shallower search, too"),
-        ("    if (depth == 0) return std::nullopt;\n", "", "a node without depth asks for a first move"),
         ("entry.has_move != 0 && draw_after_move(node.game, entry.move)",
          "false", "the table's move into a draw isn't seen"),
     ],
