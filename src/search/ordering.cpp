@@ -56,19 +56,53 @@ void score_captures(MoveList& list, const Game& game) {
     for (int i = 0; i < list.count; ++i) list.scores[i] = exchange_gain(game, list.moves[i]);
 }
 
-// Branchless, because the comparison is unpredictable. Score and index are packed into one number; of equal scores the
-// lower index wins.
+namespace {
+
+// Score and place of a move packed into one number: of equal scores the lower place wins.
+constexpr int place_range = 1024;
+static_assert(place_range > MoveList::capacity);
+constexpr std::int64_t ranked(std::int64_t score, int place) { return score * place_range + (place_range - 1 - place); }
+constexpr int place_of(std::int64_t rank) { return static_cast<int>(place_range - 1 - (rank & (place_range - 1))); }
+
+void swap_places(MoveList& list, int a, int b) {
+    std::swap(list.scores[a], list.scores[b]);
+    std::swap(list.moves[a], list.moves[b]);
+}
+
+}  // namespace
+
+// Branchless, because the comparison is unpredictable.
 void pick_best(MoveList& list, int index) {
     constexpr int passed_over = -9999;
-    constexpr int place_range = 1024;
-    static_assert(place_range > MoveList::capacity);
-    const auto ranked = [](std::int64_t score, int place) { return score * place_range + (place_range - 1 - place); };
     std::int64_t best = ranked(passed_over, 0);
     for (int i = index; i < list.count; ++i) best = std::max(best, ranked(list.scores[i], i));
     if (best == ranked(passed_over, 0)) return;
-    const auto place = static_cast<int>(place_range - 1 - (best & (place_range - 1)));
-    std::swap(list.scores[place], list.scores[index]);
-    std::swap(list.moves[place], list.moves[index]);
+    swap_places(list, place_of(best), index);
+}
+
+// Most moves have no history, and few lists are left before all that have are tried. So only their ranks are compared.
+void sort_quiets(MoveList& list) {
+    Table<std::int64_t, MoveList::capacity> ranks;    // of the moves with history that have no final place yet
+    Table<std::int16_t, MoveList::capacity> rank_at;  // by place in the list: index into `ranks`
+    int left = 0;
+    for (int place = 0; place < list.count; ++place) {
+        ranks[left] = ranked(list.scores[place], place);
+        rank_at[place] = static_cast<std::int16_t>(left);
+        left += list.scores[place] > 0 ? 1 : 0;
+    }
+    const auto put_rank = [&](std::int16_t index, std::int64_t rank) {
+        ranks[index] = rank;
+        rank_at[place_of(rank)] = index;
+    };
+    for (int front = 0; left > 0; ++front) {
+        std::int64_t best = 0;
+        for (int i = 0; i < left; ++i) best = std::max(best, ranks[i]);
+        const int place = place_of(best);
+        put_rank(rank_at[place], ranks[--left]);
+        if (place == front) continue;
+        swap_places(list, place, front);
+        if (list.scores[place] > 0) put_rank(rank_at[front], ranked(list.scores[place], place));
+    }
 }
 
 }  // namespace varn

@@ -45,4 +45,7 @@ void score_captures(MoveList& list, const Game& game);
 /// -9999 or less are ignored.
 void pick_best(MoveList& list, int index);
 
+/// Orders the list as `pick_best` at each index would. Scores must not be negative.
+void sort_quiets(MoveList& list);
+
 }  // namespace varn

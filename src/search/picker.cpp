@@ -58,10 +58,6 @@ std::optional<Move> pick_promotion(Search& s, Game& game, Picker& picker) {
 std::optional<Move> pick_quiet(Search& s, Game& game, Picker& picker) {
     MoveQueue& quiets = picker.quiets;
     while (!is_empty(quiets)) {
-        if (!picker.quiets_in_order) {
-            pick_best(quiets.list, quiets.next);
-            picker.quiets_in_order = quiets.list.scores[quiets.next] == 0;
-        }
         const Move move = quiets.list.moves[quiets.next++];
         if (move == picker.first_move || move == picker.killer_one || move == picker.killer_two) continue;
         if (try_move(s, game, picker, move)) return move;
@@ -80,8 +76,10 @@ void fill_quiets(Search& s, const Game& game, const Picker& picker) {
     add_quiets(game, list);
     prefetch_children(s.tables, game, list);
     const bool deep = picker.depth > s.iteration_depth / 2;
-    if (deep && enhanced_transposition(s.tables.transposition_table, game, list, picker.depth - 1, picker.beta)) return;
-    score_quiets(list, game, s.history);
+    if (!deep || !enhanced_transposition(s.tables.transposition_table, game, list, picker.depth - 1, picker.beta)) {
+        score_quiets(list, game, s.history);
+    }
+    sort_quiets(list);
 }
 
 template <Side S> bool pawn_steps_to(const Game& g, int from, int to, int kind) {

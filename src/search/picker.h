@@ -42,7 +42,6 @@ struct Picker {
     MoveQueue promotions;
     MoveQueue quiets;
     Stage stage = Stage::first_move;
-    bool quiets_in_order = false;  // the remaining quiet moves have no history and keep generation order
     // Killers already returned, to be skipped among the quiet moves.
     std::optional<Move> killer_one = {};
     std::optional<Move> killer_two = {};
