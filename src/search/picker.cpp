@@ -15,7 +15,6 @@ bool is_empty(const MoveQueue& queue) { return queue.next >= queue.list.count; }
 
 /// Makes a move known to be legal and returns it.
 Move make_legal(Search& s, Game& game, const Picker& picker, Move move) {
-    prefetch_child(s.tables, game, move);
     fill_undo(game, move, s.undo_stack[picker.ply]);
     s.search_stack[picker.ply] = {move, game.cells[move.to]};
     make_and_push(game, move);
@@ -69,6 +68,17 @@ std::optional<Move> pick_killer(Search& s, Game& game, const Picker& picker, Mov
     if (!same_mover(game.cells[killer.from], piece) || killer == picker.first_move) return std::nullopt;
     if (!killer_valid(game, picker.pins, killer)) return std::nullopt;
     return make_legal(s, game, picker, killer);
+}
+
+/// Prefetches the child of a killer that may turn out to be legal.
+void prefetch_killer(const HashTables& tables, const Game& game, Move killer, int piece) {
+    if (same_mover(game.cells[killer.from], piece)) prefetch_child(tables, game, killer);
+}
+
+/// Both killers, long before they are tried: most are tried as soon as the captures are scored.
+void prefetch_killers(const HashTables& tables, const Game& game, const Killers& killers, int index) {
+    prefetch_killer(tables, game, killers.killer_one[index].move, killers.killer_one_piece[index]);
+    prefetch_killer(tables, game, killers.killer_two[index].move, killers.killer_two_piece[index]);
 }
 
 void fill_quiets(Search& s, const Game& game, const Picker& picker) {
@@ -135,9 +145,13 @@ std::optional<Move> next_move(Search& s, Game& game, Picker& picker) {
     switch (picker.stage) {
         case Stage::first_move:
             picker.stage = Stage::make_captures;
-            if (picker.first_move) return make_legal(s, game, picker, *picker.first_move);
+            if (picker.first_move) {
+                prefetch_child(s.tables, game, *picker.first_move);
+                return make_legal(s, game, picker, *picker.first_move);
+            }
             [[fallthrough]];
         case Stage::make_captures:
+            prefetch_killers(s.tables, game, s.killers, killer);
             add_captures(game, picker.captures.list);
             prefetch_children(s.tables, game, picker.captures.list);
             score_captures(picker.captures.list, game);
