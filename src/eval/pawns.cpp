@@ -136,6 +136,8 @@ void pawn_hash_clear(PawnTable& table) {
     table.generation = 1;
 }
 
+void prefetch_pawns(const PawnTable& table, const Game& game) { prefetch(pawn_slot(table, game)); }
+
 const PawnEntry* pawn_hash_probe(const PawnTable& table, const Game& game) {
     const PawnEntry& entry = pawn_slot(table, game);
     return entry.generation == table.generation && entry.lock == game.pawn_lock ? &entry : nullptr;

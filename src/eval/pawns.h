@@ -11,7 +11,7 @@
 namespace varn {
 
 /// One slot; always replaced.
-struct PawnEntry {
+struct alignas(16) PawnEntry {
     std::int16_t structure;    // doubled, isolated and backward pawns, from white's point of view
     std::int16_t placement;    // square values of the pawns, the same
     std::uint8_t w_passed;     // bit n: white has a passed pawn on file n + 1
@@ -37,6 +37,9 @@ bool pawn_hash_allocate(PawnTable& table, std::int32_t bytes);
 void pawn_hash_clear(PawnTable& table);
 
 // These need an allocated table.
+
+/// Prefetches the entry of these pawns.
+void prefetch_pawns(const PawnTable& table, const Game& game);
 
 /// The entry of these pawns, or null. Valid until the next store.
 const PawnEntry* pawn_hash_probe(const PawnTable& table, const Game& game);

@@ -132,6 +132,7 @@ int static_score(Search& s, const Game& game, const Pins& pins, int line_ply) {
 
 int quiesce(Search& s, Game& game, int alpha, int beta, int ply, int line_ply) {
     const bool may_search = enter_quiescent_node(s);
+    prefetch_pawns(s.eval.pawns, game);
     if (insufficient_material(game)) return 0;
     if (!may_search) return abort_score;
     const QhashEntry* known = qhash_probe(s.tables.quiescence_table, game);
