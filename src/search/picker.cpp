@@ -75,12 +75,6 @@ void prefetch_killer(const HashTables& tables, const Game& game, Move killer, in
     if (same_mover(game.cells[killer.from], piece)) prefetch_child(tables, game, killer);
 }
 
-/// Both killers, long before they are tried: most are tried as soon as the captures are scored.
-void prefetch_killers(const HashTables& tables, const Game& game, const Killers& killers, int index) {
-    prefetch_killer(tables, game, killers.killer_one[index].move, killers.killer_one_piece[index]);
-    prefetch_killer(tables, game, killers.killer_two[index].move, killers.killer_two_piece[index]);
-}
-
 void fill_quiets(Search& s, const Game& game, const Picker& picker) {
     MoveList& list = picker.quiets.list;
     add_quiets(game, list);
@@ -117,6 +111,12 @@ bool reaches(const Game& g, Move move) {
 
 }  // namespace
 
+void prefetch_killers(const Search& s, const Game& game, int line_ply) {
+    const int index = killer_index(game, line_ply);
+    prefetch_killer(s.tables, game, s.killers.killer_one[index].move, s.killers.killer_one_piece[index]);
+    prefetch_killer(s.tables, game, s.killers.killer_two[index].move, s.killers.killer_two_piece[index]);
+}
+
 bool killer_valid(const Game& game, Move move) { return killer_valid(game, pins_of(game), move); }
 
 bool killer_valid(const Game& game, const Pins& pins, Move move) {
@@ -151,7 +151,6 @@ std::optional<Move> next_move(Search& s, Game& game, Picker& picker) {
             }
             [[fallthrough]];
         case Stage::make_captures:
-            prefetch_killers(s.tables, game, s.killers, killer);
             add_captures(game, picker.captures.list);
             prefetch_children(s.tables, game, picker.captures.list);
             score_captures(picker.captures.list, game);
@@ -160,6 +159,7 @@ std::optional<Move> next_move(Search& s, Game& game, Picker& picker) {
         case Stage::good_captures:
             if ((made = pick_capture(s, game, picker, 0))) return made;
             add_promotions(game, picker.promotions.list);
+            prefetch_children(s.tables, game, picker.promotions.list);
             picker.stage = Stage::promotions;
             [[fallthrough]];
         case Stage::promotions:

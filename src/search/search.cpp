@@ -242,6 +242,7 @@ int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame fr
     const Pins pins = pins_of(game);
     s.in_check_at[node.ply] = pins.checkers != 0 ? 1 : 0;
     extend(node);
+    if (node.depth > 0) prefetch_killers(s, game, node.line_ply);
     if (may_use_table(node)) {
         if (const auto known = table_cutoff(node)) return *known;
     }
