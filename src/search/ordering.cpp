@@ -80,7 +80,8 @@ void pick_best(MoveList& list, int index) {
     swap_places(list, place_of(best), index);
 }
 
-// Most moves have no history, and few lists are left before all that have are tried. So only their ranks are compared.
+// Most moves have no history, so only the ranks of the others are compared. Sorting them all first pays, since nearly
+// every list is tried that far.
 void sort_quiets(MoveList& list) {
     Table<std::int64_t, MoveList::capacity> ranks;    // of the moves with history that have no final place yet
     Table<std::int16_t, MoveList::capacity> rank_at;  // by place in the list: index into `ranks`

@@ -233,6 +233,7 @@ template <NodeType type> int search_moves(Node& node, const Pins& pins, PvLine& 
 
 int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame frame, PvLine& pv) {
     if (!enter_node(s)) return abort_score;
+    // A leaf is evaluated, after its table probes.
     if (depth == 0) prefetch_pawns(s.eval.pawns, game);
     // The root is never scored as a draw: a move is needed.
     if (frame.line_ply != 0 && draw_by_rule(game)) return 0;
