@@ -1,6 +1,7 @@
 #include "search/ordering.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <utility>
 
@@ -80,29 +81,79 @@ void pick_best(MoveList& list, int index) {
     swap_places(list, place_of(best), index);
 }
 
-// Most moves have no history, so only the ranks of the others are compared. Sorting them all first pays, since nearly
-// every list is tried that far.
-void sort_quiets(MoveList& list) {
-    Table<std::int64_t, MoveList::capacity> ranks;    // of the moves with history that have no final place yet
-    Table<std::int16_t, MoveList::capacity> rank_at;  // by place in the list: index into `ranks`
-    int left = 0;
+namespace {
+
+/// Scores compared at once, in vector registers. Left to itself, clang++ with a profile makes a slow loop of it.
+constexpr int lanes = 8;
+using Lanes [[gnu::vector_size(lanes * sizeof(std::int32_t))]] = std::int32_t;
+
+/// Places of moves with history, and the scores there, followed by zeros.
+struct ScoredPlaces {
+    int count;
+    Table<std::int32_t, MoveList::capacity + lanes> scores;
+    Table<std::int16_t, MoveList::capacity + lanes> places;
+};
+
+ScoredPlaces places_with_history(const MoveList& list) {
+    ScoredPlaces found;
+    int count = 0;
     for (int place = 0; place < list.count; ++place) {
-        ranks[left] = ranked(list.scores[place], place);
-        rank_at[place] = static_cast<std::int16_t>(left);
-        left += list.scores[place] > 0 ? 1 : 0;
+        found.scores[count] = list.scores[place];
+        found.places[count] = static_cast<std::int16_t>(place);
+        count += list.scores[place] > 0 ? 1 : 0;
     }
-    const auto put_rank = [&](std::int16_t index, std::int64_t rank) {
-        ranks[index] = rank;
-        rank_at[place_of(rank)] = index;
-    };
-    for (int front = 0; left > 0; ++front) {
-        std::int64_t best = 0;
-        for (int i = 0; i < left; ++i) best = std::max(best, ranks[i]);
-        const int place = place_of(best);
-        put_rank(rank_at[place], ranks[--left]);
-        if (place == front) continue;
+    std::fill_n(found.scores.begin() + count, lanes, 0);
+    found.count = count;
+    return found;
+}
+
+/// How many of the scores are higher.
+int count_higher(const ScoredPlaces& all, std::int32_t score) {
+    Lanes higher{};
+    for (int i = 0; i < all.count; i += lanes) {
+        Lanes scores;
+        std::memcpy(&scores, &all.scores[i], sizeof scores);
+        higher -= scores > score;  // -1 where true
+    }
+    return (higher[0] + higher[1]) + (higher[2] + higher[3]) + (higher[4] + higher[5]) + (higher[6] + higher[7]);
+}
+
+/// Highest score first; places of equal scores stay in order. Counting takes no unpredictable branch.
+ScoredPlaces sorted(const ScoredPlaces& all) {
+    ScoredPlaces result;
+    result.count = all.count;
+    std::fill_n(result.scores.begin(), all.count + 1, 0);
+    for (int i = 0; i < all.count; ++i) {
+        int slot = count_higher(all, all.scores[i]);
+        while (result.scores[slot] != 0) ++slot;
+        result.scores[slot] = all.scores[i];
+        result.places[slot] = all.places[i];
+    }
+    return result;
+}
+
+}  // namespace
+
+// Most moves have no history, so only the others are compared. Sorting them all first pays, since nearly every list is
+// tried that far. Each best move changes places with the front, as in `pick_best`, so a move can fall behind others of
+// the same score: these are told apart by their places of the moment.
+void sort_quiets(MoveList& list) {
+    ScoredPlaces best = sorted(places_with_history(list));
+    Table<std::int16_t, MoveList::capacity> place_now;     // by place before sorting
+    Table<std::int16_t, MoveList::capacity> place_before;  // the inverse
+    for (int place = 0; place < list.count; ++place) {
+        place_now[place] = place_before[place] = static_cast<std::int16_t>(place);
+    }
+    for (int front = 0; front < best.count; ++front) {
+        int first = front;
+        for (int i = front + 1; best.scores[i] == best.scores[front]; ++i) {
+            if (place_now[best.places[i]] < place_now[best.places[first]]) first = i;
+        }
+        const std::int16_t place = place_now[best.places[first]];
+        best.places[first] = best.places[front];
+        place_now[place_before[front]] = place;
+        place_before[place] = place_before[front];
         swap_places(list, place, front);
-        if (list.scores[place] > 0) put_rank(rank_at[front], ranked(list.scores[place], place));
     }
 }
 

@@ -202,9 +202,10 @@ FAULTS = {
         ("if (++two.count > one.count) {", "if (++two.count >= one.count) {", "killers change places too early"),
         ("score * place_range + (place_range - 1 - place);", "score * place_range + place;",
          "of equal scores the last is picked"),
-        ("        if (list.scores[place] > 0) put_rank(rank_at[front], ranked(list.scores[place], place));\n", "",
-         "sorting loses a move that made way"),
-        ("        left += list.scores[place] > 0 ? 1 : 0;", "        left += list.scores[place] > 2 ? 1 : 0;",
+        ("        place_now[place_before[front]] = place;\n", "", "sorting loses a move that made way"),
+        ("if (place_now[best.places[i]] < place_now[best.places[first]]) first = i;", "",
+         "sorting leaves moves of equal score in their first order"),
+        ("        count += list.scores[place] > 0 ? 1 : 0;", "        count += list.scores[place] > 2 ? 1 : 0;",
          "sorting passes over the least history"),
     ],
     "src/search/think.cpp": [
