@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <utility>
 
 #include "board/legality.h"
@@ -72,6 +73,15 @@ bool search_line(Deepening& d, std::size_t number, int depth) {
     return true;
 }
 
+/// Sorts the lines by score, best first; equal ones keep their order. By insertion: std::stable_sort may call a
+/// function that the standard has deprecated, of which newer compilers warn.
+void sort_lines(std::vector<RootLine>& lines) {
+    for (auto line = lines.begin(); line != lines.end(); ++line) {
+        std::rotate(std::ranges::upper_bound(lines.begin(), line, line->score, std::greater{}, &RootLine::score), line,
+                    line + 1);
+    }
+}
+
 /// Searches all lines to one depth. Returns whether the iteration was completed. The first line is used even if
 /// unfinished: it holds the best move so far.
 bool run_iteration(Deepening& d, int depth) {
@@ -89,7 +99,7 @@ bool run_iteration(Deepening& d, int depth) {
     }
     s.search_nodes += s.nodes;
     s.excluded_moves.clear();
-    if (finished) std::ranges::stable_sort(d.lines, std::greater{}, &RootLine::score);
+    if (finished) sort_lines(d.lines);
     if (finished && d.lines_wanted > 1) s.main_pv = d.lines[0].pv;
     return finished;
 }
@@ -139,13 +149,14 @@ std::optional<Move> expected_reply(const Search& s, const Game& game) {
 
 bool contains(const std::vector<Move>& moves, Move move) { return std::ranges::find(moves, move) != moves.end(); }
 
-/// Moves the allowed root moves to the front of the list and returns the others.
+/// Leaves only the allowed root moves in the list and returns the others.
 std::vector<Move> exclude_moves(MoveList& legal, const std::vector<Move>& only) {
     if (only.empty()) return {};
-    const auto first_excluded = std::stable_partition(legal.moves.begin(), legal.moves.begin() + legal.count,
-                                                      [&](Move move) { return contains(only, move); });
-    std::vector<Move> excluded(first_excluded, legal.moves.begin() + legal.count);
-    legal.count -= static_cast<std::int32_t>(excluded.size());
+    const auto is_forbidden = [&](Move move) { return !contains(only, move); };
+    std::vector<Move> excluded;
+    std::ranges::copy_if(legal, std::back_inserter(excluded), is_forbidden);
+    const Move* end = std::remove_if(legal.moves.begin(), legal.moves.begin() + legal.count, is_forbidden);
+    legal.count = static_cast<std::int32_t>(end - legal.moves.begin());
     return excluded;
 }
 
