@@ -55,8 +55,8 @@ Picker make_picker(Search& s, const Pins& pins, int ply, int line_ply, int beta,
 /// it with `retract_move` and `undo_stack[ply]`. The move and the piece it captured are left in `search_stack[ply]`.
 std::optional<Move> next_move(Search& s, Game& game, Picker& picker);
 
-/// Prefetches the children of both killers. Called on entering a node: by the time the killers are tried, the entries
-/// have arrived.
+/// Prefetches the children of both killers. Called before the first move of a node: by the time the killers are tried,
+/// the entries have arrived.
 void prefetch_killers(const Search& s, const Game& game, int line_ply);
 
 /// Whether a killer is legal in this position.

@@ -243,7 +243,6 @@ int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame fr
     const Pins pins = pins_of(game);
     s.in_check_at[node.ply] = pins.checkers != 0 ? 1 : 0;
     extend(node);
-    if (node.depth > 0) prefetch_killers(s, game, node.line_ply);
     if (may_use_table(node)) {
         if (const auto known = table_cutoff(node)) return *known;
     }
@@ -254,6 +253,7 @@ int search(Search& s, Game& game, int alpha, int beta, int depth, SearchFrame fr
         pv.length = 0;
         return quiesce_leaf(s, game, pins, alpha, beta, node.frame.ply, node.frame.line_ply);
     }
+    prefetch_killers(s, game, frame.line_ply);
     if (null_move_allowed(node) && null_move_value(node) >= beta) return beta;
     s.null_move_at[node.ply] = 0;
     return node.ply == 0 ? search_moves<NodeType::root>(node, pins, pv) : search_moves<NodeType::inner>(node, pins, pv);
