@@ -40,7 +40,7 @@ inline PositionKeys keys_of_next_turn(const Game& g) {
 /// Whether a double step over the square sets the en-passant square: an enemy pawn must attack it; legality isn't
 /// tested.
 template <Side S> bool leaves_enpassant(const Game& g, int passed) {
-    return (pawn_attacks<S>[passed] & pawns_of<other(S)>(g)) != 0;
+    return (pawns_of<other(S)>(g) & pawn_attacks<S>[passed]) != 0;
 }
 
 /// The rook's move in castling.

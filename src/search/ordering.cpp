@@ -104,7 +104,7 @@ ScoredPlaces places_with_history(const MoveList& list) {
     }
     std::fill_n(found.scores.begin() + count, lanes, 0);
     found.count = count;
-    return found;
+    return found;  // cppcheck-suppress uninitvar ; the rest is never read
 }
 
 /// How many of the scores are higher.
@@ -129,7 +129,7 @@ ScoredPlaces sorted(const ScoredPlaces& all) {
         result.scores[slot] = all.scores[i];
         result.places[slot] = all.places[i];
     }
-    return result;
+    return result;  // cppcheck-suppress uninitvar ; the rest is never read
 }
 
 }  // namespace

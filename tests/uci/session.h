@@ -94,11 +94,13 @@ inline std::string best_move_in(std::string_view said) {
     return answers.empty() ? "" : split(answers[0], " ")[1];
 }
 
+inline constexpr TableSizes small_tables = {.hash_bits = 16, .qhash_bytes = 1 << 20, .phash_bytes = 1 << 16};
+
 /// The front end with small tables. While it exists standard output is redirected to a file; if the test fails all of
 /// it is printed.
 class UciSession {
 public:
-    explicit UciSession(const TableSizes& sizes = {.hash_bits = 16, .qhash_bytes = 1 << 20, .phash_bytes = 1 << 16}) {
+    explicit UciSession(const TableSizes& sizes = small_tables) {
         if (allocate_tables(*uci.search, sizes) != TableFault::none) throw std::runtime_error("no memory");
         static_cast<void>(std::fflush(stdout));
         std::string name = "/tmp/varn-said-XXXXXX";
