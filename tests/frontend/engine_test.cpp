@@ -19,10 +19,11 @@ TEST(Engine, TouchesItsTablesBeforeTheFirstSearch) {
     ASSERT_EQ(allocate_tables(*engine.search, {.hash_bits = 21}), TableFault::none);  // always fresh memory, so large
     const TranspositionTable& table = engine.search->tables.transposition_table;
     const auto page = static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE));
-    const std::uint64_t first = (reinterpret_cast<std::uintptr_t>(table.slots.get()) + page - 1) / page * page;
+    auto* const slots = reinterpret_cast<unsigned char*>(table.slots.get());
+    unsigned char* const first = slots + (page - reinterpret_cast<std::uintptr_t>(slots) % page) % page;
     std::vector<unsigned char> pages(table.entries.value * sizeof(HashEntry) / page - 1);
     const auto resident = [&] {
-        EXPECT_EQ(mincore(reinterpret_cast<void*>(first), pages.size() * page, pages.data()), 0);
+        EXPECT_EQ(mincore(first, pages.size() * page, pages.data()), 0);
         return std::ranges::count_if(pages, [](unsigned char state) { return (state & 1) != 0; });
     };
     EXPECT_LT(resident(), std::ssize(pages) / 2);

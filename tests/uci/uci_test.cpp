@@ -3,8 +3,6 @@
 
 #include <cctype>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <regex>
 
@@ -202,16 +200,15 @@ TEST(UciArguments, AreAnsweredOrRefused) {
     const std::pair<std::string, int> cases[] = {{"--version", 0}, {"--help", 0},     {"bench 1", 0},
                                                  {"bench 0", 2},   {"bench 51", 2},   {"bench x", 2},
                                                  {"bench 1 1", 2}, {"--nonsense", 2}, {"--help x", 2}};
-    for (const auto& [arguments, status] : cases) {
-        const std::string command = VARN_UCI_EXECUTABLE + (" " + arguments) + " >/dev/null 2>&1 </dev/null";
-        EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), status) << arguments;
-    }
-    std::FILE* bench = popen(VARN_UCI_EXECUTABLE " bench 4 | tail -1", "r");
-    ASSERT_NE(bench, nullptr);
-    char last[80] = "";
-    EXPECT_NE(std::fgets(last, sizeof last, bench), nullptr);
-    EXPECT_TRUE(std::string_view(last).starts_with("136113 nodes ")) << last;
-    pclose(bench);
+    const auto run = [](const std::string& arguments) {
+        Process shell({}, "/bin/sh");
+        shell.send(VARN_UCI_EXECUTABLE " " + arguments + " 2>/dev/null </dev/null\n");
+        shell.close_input();
+        return shell.finish();
+    };
+    for (const auto& [arguments, status] : cases) EXPECT_EQ(run(arguments).status, status) << arguments;
+    const std::string bench = run("bench 4").output;
+    EXPECT_NE(bench.find("\n136113 nodes "), std::string::npos) << bench;
 }
 
 }  // namespace
