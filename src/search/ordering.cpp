@@ -83,7 +83,7 @@ void pick_best(MoveList& list, int index) {
 
 namespace {
 
-/// Scores compared at once, in vector registers. Left to itself, clang++ with a profile makes a slow loop of it.
+/// Scores compared at once. The vectors are explicit because clang++ with a profile makes slow code of a plain loop.
 constexpr int lanes = 8;
 using Lanes [[gnu::vector_size(lanes * sizeof(std::int32_t))]] = std::int32_t;
 
@@ -134,9 +134,9 @@ ScoredPlaces sorted(const ScoredPlaces& all) {
 
 }  // namespace
 
-// Most moves have no history, so only the others are compared. Sorting them all first pays, since nearly every list is
-// tried that far. Each best move changes places with the front, as in `pick_best`, so a move can fall behind others of
-// the same score: these are told apart by their places of the moment.
+// Only moves with history are compared. Sorting them all first pays, since nearly every list is tried that far. Each
+// best move changes places with the front, as in `pick_best`, so a move can fall behind others of the same score. Of
+// equal scores the move that is first by now is taken.
 void sort_quiets(MoveList& list) {
     ScoredPlaces best = sorted(places_with_history(list));
     Table<std::int16_t, MoveList::capacity> place_now;     // by place before sorting
